@@ -1,0 +1,147 @@
+// velutil.cpp: a stand-in for the framework's logging function, over spdlog.
+#include "velutil.h"
+
+#include <spdlog/logger.h>
+#include <spdlog/sinks/basic_file_sink.h>
+#include <spdlog/sinks/stdout_sinks.h>
+
+#include <charconv>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+namespace {
+
+constexpr int kErrorLevel = 1;
+
+std::string_view environment(const char *psName) {
+  const char *const ps = std::getenv(psName);
+  return ps == nullptr ? std::string_view() : ps;
+}
+
+// The number that a text is; nothing when it is none.
+std::optional<int> number(std::string_view text) {
+  int nValue = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), nValue);
+  if (text.empty() || error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return nValue;
+}
+
+int threshold() {
+  static const int once = number(environment("VEL_LOG_LEVEL")).value_or(kErrorLevel);
+  return once;
+}
+
+spdlog::level::level_enum spdlogLevel(int nLevel) {
+  return nLevel <= kErrorLevel ? spdlog::level::err : spdlog::level::trace;
+}
+
+std::unique_ptr<spdlog::logger> makeLogger(spdlog::sink_ptr sink) {
+  auto logger = std::make_unique<spdlog::logger>("velutil", std::move(sink));
+  logger->set_pattern("%Y-%m-%d %H:%M:%S.%e %v");
+  logger->set_level(spdlog::level::trace);
+  logger->flush_on(spdlogLevel(kErrorLevel));
+  return logger;
+}
+
+std::unique_ptr<spdlog::logger> openStandardError() {
+  return makeLogger(std::make_shared<spdlog::sinks::stderr_sink_mt>());
+}
+
+std::unique_ptr<spdlog::logger> openFile(std::string_view file) {
+  try {
+    return makeLogger(std::make_shared<spdlog::sinks::basic_file_sink_mt>(std::string(file)));
+  } catch (const std::exception &e) {
+    auto logger = openStandardError();
+    logger->error(
+        "[1] [velutil] VEL_LOG_FILE: a file that can be written was expected, found [{}]: {}; logging to "
+        "standard error; name another file, or none",
+        file, e.what());
+    return logger;
+  }
+}
+
+std::unique_ptr<spdlog::logger> openLog() {
+  const std::string_view file = environment("VEL_LOG_FILE");
+  const std::string_view level = environment("VEL_LOG_LEVEL");
+  auto logger = file.empty() ? openStandardError() : openFile(file);
+  if (!level.empty() && !number(level)) {
+    logger->error(
+        "[1] [velutil] VEL_LOG_LEVEL: a number was expected, found [{}]; using 1; write 1 (errors) to 5 "
+        "(trace)",
+        level);
+  }
+  return logger;
+}
+
+// Opened for the first line. Never destroyed: destructors that run at the end of the process may still log,
+// and the C library flushes the file.
+spdlog::logger &log() {
+  static spdlog::logger &once = *openLog().release();
+  return once;
+}
+
+std::string formatted(const char *psFormat, va_list args) {
+  va_list again;
+  va_copy(again, args);
+  char sShort[512];
+  const int nLen = std::vsnprintf(sShort, sizeof sShort, psFormat, args);
+  std::string text;
+  if (nLen < 0) {
+    text = psFormat;  // arguments that cannot be printed
+  } else if (static_cast<size_t>(nLen) < sizeof sShort) {
+    text.assign(sShort, static_cast<size_t>(nLen));
+  } else {
+    text.resize(static_cast<size_t>(nLen));
+    std::vsnprintf(text.data(), text.size() + 1, psFormat, again);
+  }
+  va_end(again);
+  return text;
+}
+
+// One call is one line: line ends at the end are dropped, other control characters are shown as \xNN, so that
+// logged data cannot pass for a log line.
+std::string oneLine(std::string_view text) {
+  while (text.ends_with('\n') || text.ends_with('\r')) text.remove_suffix(1);
+  std::string line;
+  line.reserve(text.size());
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if ((byte >= 0x20 && byte != 0x7f) || c == '\t') {
+      line += c;
+    } else {
+      fmt::format_to(std::back_inserter(line), "\\x{:02x}", byte);
+    }
+  }
+  return line;
+}
+
+const char *orDash(const char *ps) {
+  return ps == nullptr ? "-" : ps;
+}
+
+}  // namespace
+
+extern "C" __attribute__((visibility("default"))) int logInfo(int nLevel, const char *psModule,
+                                                              const char *psFile, int nLine,
+                                                              const char *psFunction, const char *psFormat,
+                                                              ...) {
+  if (nLevel > threshold()) return 0;
+  va_list args;
+  va_start(args, psFormat);
+  try {
+    log().log(spdlogLevel(nLevel), "[{}] [{}] [{}:{}] [{}] {}", nLevel, orDash(psModule), orDash(psFile),
+              nLine, orDash(psFunction), oneLine(formatted(orDash(psFormat), args)));
+  } catch (...) {  // NOLINT: nobody to tell, and the caller is C
+  }
+  va_end(args);
+  return 0;
+}
