@@ -1,0 +1,396 @@
+// cvt_memory.cpp: the memory pool.
+//
+// Two disciplines share one kind of block. A message node bumps through its chain and never looks back:
+// freeing a message is one assignment, and its blocks stay warm for the next one. The global node holds
+// configuration, many small pieces of mixed size for a whole generation, and takes the best fit among all its
+// blocks.
+#include "cvt_memory.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
+#include <map>
+#include <new>
+
+#include "cvt_log.h"
+
+MemRoot *gptMemRoot = nullptr;
+MemNode *gptGlobalNode = nullptr;
+
+namespace {
+
+constexpr int kBlockSize = 1024;
+constexpr char kFree = '0';
+constexpr char kUsed = '1';
+
+// A private index beside a list of blocks that is ordered by nLeft: where each run of equal values begins and
+// ends. It gives the answers of a walk from the head without walking, so that loading a configuration takes
+// time in proportion to its size.
+class RunIndex {
+ public:
+  struct Fit {
+    MemBlock *ptFront = nullptr;  // the block before it; null when it is the first
+    MemBlock *ptBlock = nullptr;  // null: no block has that much room
+  };
+
+  // The first block of the list with at least nSize bytes left.
+  Fit fit(int nSize) const {
+    const auto run = m_runs.lower_bound(nSize);
+    if (run == m_runs.end()) return {};
+    return {run == m_runs.begin() ? nullptr : std::prev(run)->second.ptLast, run->second.ptFirst};
+  }
+
+  // Links a block into the list: a value up to the first one's goes to the front, any other behind the last
+  // block that is not greater.
+  void insert(MemBlock *&ptHead, MemBlock *ptBlock) {
+    const auto above = m_runs.upper_bound(ptBlock->nLeft);
+    const bool bFirst = above == m_runs.begin() || m_runs.begin()->first == ptBlock->nLeft;
+    MemBlock *const ptFront = bFirst ? nullptr : std::prev(above)->second.ptLast;
+    MemBlock *&ptLink = bFirst ? ptHead : ptFront->ptNext;
+    ptBlock->ptNext = ptLink;
+    ptLink = ptBlock;
+    enter(ptBlock, ptFront);
+  }
+
+  // Takes in a block that stands in the list behind ptFront (null: first) and is not in the index.
+  void enter(MemBlock *ptBlock, MemBlock *ptFront) {
+    const auto [run, bNew] = m_runs.try_emplace(ptBlock->nLeft, Run{ptBlock, ptBlock});
+    if (bNew) return;
+    (run->second.ptLast == ptFront ? run->second.ptLast : run->second.ptFirst) = ptBlock;
+  }
+
+  // Leaves out a block that is about to change its value. It is the first of its run: fit() finds no other.
+  void leave(const MemBlock *ptBlock) {
+    const auto run = m_runs.find(ptBlock->nLeft);
+    if (run->second.ptFirst == run->second.ptLast) {
+      m_runs.erase(run);
+    } else {
+      run->second.ptFirst = ptBlock->ptNext;
+    }
+  }
+
+  void clear() { m_runs.clear(); }
+  void swap(RunIndex &other) { m_runs.swap(other.m_runs); }
+
+ private:
+  struct Run {
+    MemBlock *ptFirst;
+    MemBlock *ptLast;
+  };
+  std::map<int, Run> m_runs;
+};
+
+RunIndex f_room;                 // beside the global node's ptHeadBlock
+RunIndex f_exhausted;            // beside its ptNowBlock
+MemBlock *f_ptParked = nullptr;  // exhausted blocks that clean-ups have left: not freed, but not lost either
+bool f_bReleased = false;        // cvtMemCleanUp has run: the globals keep values that nothing may follow
+
+// Callers use what the pool gives them unchecked, so there is nobody to report to.
+[[noreturn]] void HeapExhausted(size_t nSize) {
+  CVT_ERR(
+      "memory pool: %zu bytes wanted, the heap has none left; raise the memory limit of the process or lower "
+      "gnMaxValue and gnMaxLoop",
+      nSize);
+  std::abort();
+}
+
+template <class T>
+T *Zeroed(size_t nNum = 1) {
+  void *const pt = std::calloc(nNum, sizeof(T));
+  if (pt == nullptr) HeapExhausted(nNum * sizeof(T));
+  return static_cast<T *>(pt);
+}
+
+int RoundUp(long nSize, long nUnit) {
+  return static_cast<int>(std::min<long>((nSize + nUnit - 1) / nUnit * nUnit, INT_MAX));
+}
+
+// What an allocation takes from its block.
+int TakenSize(int nSize) {
+#ifdef CVT2_ALIGN_POOL
+  // For sanitizers that check alignment; the pool as it ships packs its bytes.
+  return RoundUp(nSize, 16);
+#else
+  return nSize;
+#endif
+}
+
+// --- Construction ------------------------------------------------------------------------------------------
+
+MemBlock *NewMemBlock(int nMaxSize) {
+  MemBlock *const ptBlock = Zeroed<MemBlock>();
+  ptBlock->nMaxSize = nMaxSize;
+  ptBlock->nLeft = nMaxSize;
+  ptBlock->psBuf = Zeroed<char>(static_cast<size_t>(nMaxSize));
+  return ptBlock;
+}
+
+MemNode *NewMemNode(int nId, int nMaxSize) {
+  MemNode *const ptNode = Zeroed<MemNode>();
+  ptNode->nId = nId;
+  ptNode->cUsed = kFree;
+  ptNode->ptHeadBlock = NewMemBlock(nMaxSize);
+  ptNode->ptNowBlock = ptNode->ptHeadBlock;
+  return ptNode;
+}
+
+// Forgets what a clean-up has released.
+void StartAfresh() {
+  if (!f_bReleased) return;
+  gptMemRoot = nullptr;
+  gptGlobalNode = nullptr;
+  f_bReleased = false;
+}
+
+// The root, made on first use.
+MemRoot *NowRoot() {
+  StartAfresh();
+  if (gptMemRoot == nullptr) {
+    MemNode *const ptNode = NewMemNode(1, kBlockSize);
+    gptMemRoot = Zeroed<MemRoot>();
+    gptMemRoot->ptMemNodeList = ptNode;
+    gptMemRoot->nMinFreeNodeId = ptNode->nId;
+    gptMemRoot->ptFreeNode = ptNode;
+    gptMemRoot->ptLastNode = ptNode;
+  }
+  return gptMemRoot;
+}
+
+MemNode *AddLastNode() {
+  MemRoot *const ptRoot = NowRoot();
+  MemNode *const ptNode = NewMemNode(ptRoot->ptLastNode->nId + 1, kBlockSize);
+  ptRoot->ptLastNode->ptNext = ptNode;
+  ptRoot->ptLastNode = ptNode;
+  return ptNode;
+}
+
+// The global node, made on first use.
+MemNode *NowGlobalNode() {
+  StartAfresh();
+  if (gptGlobalNode == nullptr) {
+    gptGlobalNode = NewMemNode(0, kBlockSize);
+    gptGlobalNode->ptNowBlock = nullptr;
+    f_room.enter(gptGlobalNode->ptHeadBlock, nullptr);
+  }
+  return gptGlobalNode;
+}
+
+// --- Message nodes -----------------------------------------------------------------------------------------
+
+// The scan for the next free node stops short of the list's last node, on purpose: a free last node is found
+// once another one stands behind it.
+int SetNodeUse(MemNode *ptNode) {
+  CVT_NOT_NULL(ptNode, -1);
+  MemRoot *const ptRoot = NowRoot();
+  ptNode->cUsed = kUsed;
+  if (ptRoot->nMinFreeNodeId != ptNode->nId) return 0;
+  ptRoot->nMinFreeNodeId = -1;
+  ptRoot->ptFreeNode = nullptr;
+  for (MemNode *pt = ptNode; pt->ptNext != nullptr; pt = pt->ptNext) {
+    if (pt->cUsed != kFree) continue;
+    ptRoot->nMinFreeNodeId = pt->nId;
+    ptRoot->ptFreeNode = pt;
+    break;
+  }
+  return 0;
+}
+
+// Blocks behind the head keep stale counters; GetMemory resets each one when it gets there.
+int SetNodeNotUse(MemNode *ptNode) {
+  CVT_NOT_NULL(ptNode, -1);
+  ptNode->cUsed = kFree;
+  ptNode->ptNowBlock = ptNode->ptHeadBlock;
+  ptNode->ptHeadBlock->nLeft = ptNode->ptHeadBlock->nMaxSize;
+  return 0;
+}
+
+void *Take(MemBlock *ptBlock, int nSize) {
+  char *const ps = ptBlock->psBuf + (ptBlock->nMaxSize - ptBlock->nLeft);
+  ptBlock->nLeft -= nSize;
+  return std::memset(ps, 0, static_cast<size_t>(nSize));
+}
+
+// The tests are strict: a message's block is never filled to its last byte.
+void *GetMemory(MemNode *ptNode, int nSize) {
+  CVT_NOT_NULL(ptNode, nullptr);
+  if (nSize <= 0) return nullptr;
+  nSize = TakenSize(nSize);
+  MemBlock *const ptNow = ptNode->ptNowBlock;
+  if (ptNow->nLeft > nSize) return Take(ptNow, nSize);
+  if (ptNow->ptNext != nullptr && ptNow->ptNext->nMaxSize > nSize) {
+    ptNow->ptNext->nLeft = ptNow->ptNext->nMaxSize;
+  } else {
+    MemBlock *const ptBlock = NewMemBlock(RoundUp(nSize + 1L, kBlockSize));
+    ptBlock->ptNext = ptNow->ptNext;
+    ptNow->ptNext = ptBlock;
+  }
+  ptNode->ptNowBlock = ptNow->ptNext;
+  return Take(ptNode->ptNowBlock, nSize);
+}
+
+// --- The global node ---------------------------------------------------------------------------------------
+
+// Files a block that is in neither list. An exhausted one gets at once the value it has after the next reset.
+int AddQueue(MemNode *ptNode, MemBlock *ptBlock) {
+  CVT_NOT_NULL(ptNode, -1);
+  CVT_NOT_NULL(ptBlock, -1);
+  if (ptBlock->nLeft <= 0) {
+    ptBlock->nLeft = ptBlock->nMaxSize;
+    f_exhausted.insert(ptNode->ptNowBlock, ptBlock);
+  } else {
+    f_room.insert(ptNode->ptHeadBlock, ptBlock);
+  }
+  return 0;
+}
+
+// Files a block of the room list again after its value has fallen. ptFrontBlock is the block before it, null
+// when it is the first. It has left the index already.
+int MoveQueue(MemNode *ptNode, MemBlock *ptFrontBlock, MemBlock *ptMoveBlock) {
+  CVT_NOT_NULL(ptNode, -1);
+  CVT_NOT_NULL(ptMoveBlock, -1);
+  const int nLeast = ptFrontBlock == nullptr ? 1 : ptFrontBlock->nLeft;
+  if (ptMoveBlock->nLeft >= nLeast) {
+    f_room.enter(ptMoveBlock, ptFrontBlock);
+    return 0;
+  }
+  (ptFrontBlock == nullptr ? ptNode->ptHeadBlock : ptFrontBlock->ptNext) = ptMoveBlock->ptNext;
+  ptMoveBlock->ptNext = nullptr;
+  return AddQueue(ptNode, ptMoveBlock);
+}
+
+// The test is not strict: a block may be filled to its last byte.
+void *GetMemoryGreedy(MemNode *ptNode, int nSize) {
+  CVT_NOT_NULL(ptNode, nullptr);
+  if (nSize <= 0) return nullptr;
+  nSize = TakenSize(nSize);
+  const auto [ptFront, ptFit] = f_room.fit(nSize);
+  if (ptFit == nullptr) {
+    MemBlock *const ptBlock = NewMemBlock(std::max(nSize, kBlockSize));
+    void *const pt = Take(ptBlock, nSize);
+    AddQueue(ptNode, ptBlock);
+    return pt;
+  }
+  f_room.leave(ptFit);
+  void *const pt = Take(ptFit, nSize);
+  MoveQueue(ptNode, ptFront, ptFit);
+  return pt;
+}
+
+int SetNodeNotUseGreedy(MemNode *ptNode) {
+  CVT_NOT_NULL(ptNode, -1);
+  while (ptNode->ptHeadBlock != nullptr) {
+    MemBlock *const ptBlock = ptNode->ptHeadBlock;
+    f_room.leave(ptBlock);
+    ptBlock->nLeft = 0;
+    MoveQueue(ptNode, nullptr, ptBlock);
+  }
+  ptNode->ptHeadBlock = ptNode->ptNowBlock;
+  ptNode->ptNowBlock = nullptr;
+  f_room.swap(f_exhausted);
+  return 0;
+}
+
+// --- Release: loops, since a chain may be long -------------------------------------------------------------
+
+void MemBlockCleanUp(MemBlock *ptBlock) {
+  while (ptBlock != nullptr) {
+    MemBlock *const ptNext = ptBlock->ptNext;
+    std::free(ptBlock->psBuf);
+    std::free(ptBlock);
+    ptBlock = ptNext;
+  }
+}
+
+void MemNodeCleanUp(MemNode *ptNode) {
+  while (ptNode != nullptr) {
+    MemNode *const ptNext = ptNode->ptNext;
+    MemBlockCleanUp(ptNode->ptHeadBlock);
+    std::free(ptNode);
+    ptNode = ptNext;
+  }
+}
+
+void MemRootCleanUp(MemRoot *ptRoot) {
+  MemNodeCleanUp(ptRoot->ptMemNodeList);
+  std::free(ptRoot);
+}
+
+void Park(MemBlock *ptBlock) {
+  while (ptBlock != nullptr) {
+    MemBlock *const ptNext = ptBlock->ptNext;
+    ptBlock->ptNext = f_ptParked;
+    f_ptParked = ptBlock;
+    ptBlock = ptNext;
+  }
+}
+
+}  // namespace
+
+void *cvtMalloc(int nNum, MemNode *ptNode) {
+  CVT_NOT_NULL(ptNode, nullptr);
+  return GetMemory(ptNode, nNum);
+}
+
+void *cvtMemMalloc(int nNum) {
+  try {
+    return GetMemoryGreedy(NowGlobalNode(), nNum);
+  } catch (const std::bad_alloc &) {
+    HeapExhausted(sizeof(MemBlock));
+  }
+}
+
+int cvtMemReset(void) {
+  StartAfresh();
+  if (gptGlobalNode == nullptr) return 0;
+  try {
+    return SetNodeNotUseGreedy(gptGlobalNode);
+  } catch (const std::bad_alloc &) {
+    HeapExhausted(sizeof(MemBlock));
+  }
+}
+
+MemNode *cvtMemNewNode(void) {
+  MemRoot *const ptRoot = NowRoot();
+  MemNode *const ptNode = ptRoot->nMinFreeNodeId > 0 ? ptRoot->ptFreeNode : AddLastNode();
+  SetNodeUse(ptNode);
+  return ptNode;
+}
+
+int cvtMemDelNode(MemNode *ptNode) {
+  if (SetNodeNotUse(ptNode) != 0) return -1;
+  MemRoot *const ptRoot = NowRoot();
+  if (ptRoot->nMinFreeNodeId == -1 || ptNode->nId < ptRoot->nMinFreeNodeId) {
+    ptRoot->nMinFreeNodeId = ptNode->nId;
+    ptRoot->ptFreeNode = ptNode;
+  }
+  return 0;
+}
+
+int cvtMemPrintNode(MemNode *ptNode) {
+  CVT_NOT_NULL(ptNode, -1);
+  long nTotal = 0;
+  long nUsed = 0;
+  bool bInUse = true;
+  for (const MemBlock *pt = ptNode->ptHeadBlock; pt != nullptr; pt = pt->ptNext) {
+    nTotal += pt->nMaxSize;
+    if (bInUse) nUsed += pt->nMaxSize - pt->nLeft;
+    if (pt == ptNode->ptNowBlock) bInUse = false;
+  }
+  CVT_TRACE("Node[%d]:[%d] -- Used[%d]", ptNode->nId, static_cast<int>(nTotal), static_cast<int>(nUsed));
+  return 0;
+}
+
+int cvtMemCleanUp(void) {
+  if (f_bReleased) return 0;
+  if (gptMemRoot != nullptr) MemRootCleanUp(gptMemRoot);
+  if (gptGlobalNode != nullptr) {
+    Park(gptGlobalNode->ptNowBlock);
+    MemNodeCleanUp(gptGlobalNode);
+  }
+  f_room.clear();
+  f_exhausted.clear();
+  f_bReleased = true;
+  return 0;
+}
