@@ -23,12 +23,15 @@ class ListIndex {
     return it == m_byName.end() ? nullptr : it->second;
   }
 
+  // Whether this list is the one indexed last.
+  bool follows(const Entry *ptHead) const { return ptHead == m_ptHead; }
+
   void clear() {
     m_byName.clear();
     m_ptHead = nullptr;
   }
 
- private:
+  // Takes the list in.
   void follow(Entry *ptHead) {
     if (ptHead == m_ptHead) return;
     std::vector<Entry *> fresh;
@@ -41,6 +44,7 @@ class ListIndex {
     m_ptHead = ptHead;
   }
 
+ private:
   Entry *m_ptHead = nullptr;
   std::unordered_map<std::string_view, Entry *> m_byName;
 };

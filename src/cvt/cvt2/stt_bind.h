@@ -2,12 +2,11 @@
 //
 // The table is a macro STT_TABLE_<T>(F) with one line a field, in declared order:
 //
-//   #define STT_TABLE_Plug(F)                                              \
-//     F(STRING,  psName)                                                   \
-//     F(STRING,  psPath)                                                   \
-//     F(STRING,  psFunction)                                               \
-//     F(VOID_BY, ptInfo, GetPlug(psName, psPath, psFunction, ptXmlNode))   \
-//     F(NEXT,    ptNext, Plug)
+//   #define STT_TABLE_Plug(F) F(STRING,  psName)
+//                             F(STRING,  psPath)
+//                             F(STRING,  psFunction)
+//                             F(VOID_BY, ptInfo, GetPlug(psName, psPath, psFunction, ptXmlNode))
+//                             F(NEXT,    ptNext, Plug)
 //   STT_BIND(Plug)
 //
 //   STRING, INT, CHAR, VOID       name
@@ -17,6 +16,7 @@
 //   STRUCT_BY                     name, record type, type as declared, custom parse step
 //   SECTION                       name, element name, section initialiser, section writer
 //   DERIVED                       name, expression over the other fields: set by the Make step, never in XML
+//   FOUND                         name, expression: DERIVED, and null is a failure
 //   DERIVED_NULL                  name: set to NULL by the Make step, never in XML
 //
 // Every step is a statement that is compiled and, when it fails, logged as it is written: STT_TRY.
@@ -131,6 +131,15 @@ const Type *find(const Type (&types)[N], const char *psStructType) {
     return nullptr;                                                                      \
   }
 
+// The same for an assignment that fails by yielding null.
+#define STT_TRY_FOUND(...)                                                               \
+  cvt::bind::begin();                                                                    \
+  if ((__VA_ARGS__) == nullptr) {                                                        \
+    nGRet = -1;                                                                          \
+    cvt::bind::failed(__LINE__, static_cast<const char *>(__func__), #__VA_ARGS__, ptXmlNode); \
+    return nullptr;                                                                      \
+  }
+
 // Each kind: the class that says how a value is kept (TEXT is interned, PLAIN stored, DERIVED computed), its
 // C type, the statement that reads it and the one that writes it.
 #define STT_CLASS_STRING TEXT
@@ -187,6 +196,11 @@ const Type *find(const Type (&types)[N], const char *psStructType) {
 #define STT_READ_DERIVED(...)
 #define STT_WRITE_DERIVED(...)
 #define STT_SET_DERIVED(name, ...) STT_TRY(p->name = __VA_ARGS__)
+
+#define STT_CLASS_FOUND DERIVED
+#define STT_READ_FOUND(...)
+#define STT_WRITE_FOUND(...)
+#define STT_SET_FOUND(name, ...) STT_TRY_FOUND(p->name = __VA_ARGS__)
 
 #define STT_CLASS_DERIVED_NULL DERIVED
 #define STT_READ_DERIVED_NULL(...)

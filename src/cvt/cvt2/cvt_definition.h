@@ -1,0 +1,23 @@
+// cvt_definition.h: what the units of the definition model say to each other. Private.
+//
+// The tree (stt_cvt_message), the loop structure (cvt_struct_loop) and the registry (cvt_message) need each
+// other by nature: a loop body is indexed like a message, and a reference loads a file through the registry.
+#pragma once
+
+#include "cvt_message.h"
+
+namespace cvt {
+
+// Loads one definition file and registers it under its message's name: 0, 1 known already, -1 (logged).
+int FmtMsgInit(char *psFileName);
+
+// Runs the initialiser of a format on a definition. 0 also when the format has none; else its result.
+int initFormat(char *psFormat, Msg *ptMsg);
+
+// Makes look-up by name in an index independent of its length.
+void indexNodes(Message **pptIdx);
+
+// Forgets what belongs to indexes whose memory is about to be released.
+void forgetNodeIndexes();
+
+}  // namespace cvt

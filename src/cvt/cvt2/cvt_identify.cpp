@@ -1,0 +1,415 @@
+// cvt_identify.cpp: format pipelines, the standard steps, and the choice of a converter.
+#include "cvt_identify.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+#include "cvt_guard.h"
+#include "cvt_index.h"
+#include "cvt_log.h"
+#include "stt_bind.h"
+
+FormatInfo *gptFormatInfo = nullptr;
+
+namespace {
+
+StringList *gptFuncList = nullptr;  // registered steps, newest first
+
+cvt::ListIndex<StringList, &StringList::psString> f_stepIndex;
+cvt::ListIndex<FormatInfo, &FormatInfo::psFormatId> f_formatIndex;
+
+// --- Step names -----------------------------------------------------------------------------------------------------
+
+struct BuiltInStep {
+  const char *psName;
+  FncIdFunction fStep;
+};
+
+constexpr BuiltInStep kBuiltInSteps[] = {
+    {"pubParse", pubParse},
+    {"pubNew", pubNew},
+    {"pubGenerate", pubGenerate},
+    {"pubConvert", pubConvert},
+};
+
+// Built-in steps go first: a registered step cannot replace one.
+FncIdFunction GetIdFunc(char *psFunctName) {
+  if (psFunctName == nullptr) {
+    nGRet = -1;
+    return nullptr;
+  }
+  for (const BuiltInStep &step : kBuiltInSteps) {
+    if (std::strcmp(step.psName, psFunctName) == 0) return step.fStep;
+  }
+  const StringList *const pt = f_stepIndex.find(gptFuncList, psFunctName);
+  if (pt == nullptr) {
+    nGRet = -1;
+    CVT_ERR("IdFunc[%s] Not Find!!", psFunctName);
+    return nullptr;
+  }
+  return reinterpret_cast<FncIdFunction>(pt->ptInfo);
+}
+
+// The target format of a pair. The empty string marks the default, so leaving it out is refused.
+char *GetTargetFormat(void *ptXmlNode) {
+  char *const psFormatId = sttParseXmlString(ptXmlNode, cvt::bind::name("psFormatId"));
+  if (psFormatId == nullptr) {
+    CVT_ERR("[psFormatId] is NULL");
+    nGRet = -1;
+  }
+  return psFormatId;
+}
+
+}  // namespace
+
+int cvtIdAddFunction(char *psFuncName, FncIdFunction fCvtFunction) {
+  // The head is replaced even by null: a null name or function forgets every step registered before.
+  gptFuncList = cvtStrAddStringList(gptFuncList, psFuncName, reinterpret_cast<void *>(fCvtFunction));
+  return 0;
+}
+
+// --- Bound records --------------------------------------------------------------------------------------------------
+
+// clang-format off
+#define STT_TABLE_XmlNameArgs(F) \
+  F(STRING, psNodeName)          \
+  F(STRING, psFront)             \
+  F(STRING, psBack)
+STT_BIND(XmlNameArgs)
+
+#define STT_TABLE_IpcNameArgs(F) \
+  F(INT,    nOffset)             \
+  F(INT,    nLen)                \
+  F(STRING, psFront)             \
+  F(STRING, psBack)
+STT_BIND(IpcNameArgs)
+
+#define STT_TABLE_MoveBufferArgs(F) \
+  F(INT,    nSrcOffset)             \
+  F(INT,    nSrcLen)                \
+  F(INT,    nDstOffset)             \
+  F(INT,    nDstAddFlag)            \
+  F(STRING, psFront)                \
+  F(STRING, psBack)
+STT_BIND(MoveBufferArgs)
+
+#define STT_TABLE_SetOffsetArgs(F) \
+  F(CHAR, caMsgType)               \
+  F(INT,  nOffset)                 \
+  F(INT,  nSetType)
+STT_BIND(SetOffsetArgs)
+
+#define STT_TABLE_IdFunc(F) \
+  F(STRING, psFunctName)    \
+  F(VOID,   ptArg)          \
+  F(NEXT,   ptNext, IdFunc) \
+  F(DERIVED, fIdFunction, GetIdFunc(psFunctName))
+STT_BIND(IdFunc)
+
+#define STT_TABLE_FormatInfo(F)   \
+  F(STRING, psFormatId)           \
+  F(STRUCT, ptParseFunc, IdFunc)  \
+  F(STRUCT, ptGenFunc,   IdFunc)  \
+  F(NEXT,   ptNext, FormatInfo)
+STT_BIND(FormatInfo)
+
+#define STT_TABLE_IdCvtInfo(F)                              \
+  F(STRING_BY, psFormatId, GetTargetFormat(ptXmlNode))      \
+  F(STRING, psCvtName)                                      \
+  F(NEXT,   ptNext, IdCvtInfo)                              \
+  F(FOUND,  ptConverter, cvtGetCvt(psCvtName))
+STT_BIND(IdCvtInfo)
+
+#define STT_TABLE_IdMsgInfo(F)       \
+  F(STRING, psMsgName)               \
+  F(STRUCT, ptIdCvtInfo, IdCvtInfo)  \
+  F(NEXT,   ptNext, IdMsgInfo)
+STT_BIND(IdMsgInfo)
+
+#define STT_TABLE_CvtIdArgs(F) \
+  F(STRING, psIdPath)          \
+  F(STRING, psIdInfoPath)
+STT_BIND(CvtIdArgs)
+
+STT_BIND_MODULE(cvt_identify, STT_TYPE(XmlNameArgs), STT_TYPE(IpcNameArgs), STT_TYPE(MoveBufferArgs),
+                STT_TYPE(SetOffsetArgs), STT_TYPE(IdFunc), STT_TYPE(FormatInfo), STT_TYPE(IdCvtInfo),
+                STT_TYPE(IdMsgInfo), STT_TYPE(CvtIdArgs))
+// clang-format on
+
+// --- Running a chain ------------------------------------------------------------------------------------------------
+
+namespace {
+
+FormatInfo *GetFormatInfo(char *psFormatId) {
+  CVT_NOT_NULL(psFormatId, nullptr);
+  FormatInfo *pt = gptFormatInfo;
+  if (f_formatIndex.follows(gptFormatInfo)) {
+    pt = f_formatIndex.find(gptFormatInfo, psFormatId);
+  } else {
+    while (pt != nullptr && (pt->psFormatId == nullptr || std::strcmp(pt->psFormatId, psFormatId) != 0)) {
+      pt = pt->ptNext;
+    }
+  }
+  if (pt == nullptr) CVT_ERR("format id [%s] mot find!!", psFormatId);
+  return pt;
+}
+
+int DoFuc(IdFunc *ptIdFunc, InnerMessage *ptSrcMsg, InnerMessage *ptDstMsg) {
+  for (const IdFunc *p = ptIdFunc; p != nullptr; p = p->ptNext) {
+    const FncIdFunction fIdFunction = p->fIdFunction;
+    CVT_NOT_NULL(p->fIdFunction, -1);
+    const int nRet =
+        cvt::guarded("Step", p->psFunctName, [&] { return fIdFunction(ptSrcMsg, ptDstMsg, p->ptArg); });
+    if (nRet != 0) {
+      CVT_ERR("Do Func[%s] err!!", p->psFunctName);
+      return -1;
+    }
+  }
+  return 0;
+}
+
+// Both directions report a failing chain as a parse failure; callers' log watchers know this text.
+int run(char *psFormatId, IdFunc *FormatInfo::*ptChain, InnerMessage *ptFirst, InnerMessage *ptSecond) {
+  FormatInfo *const ptInfo = GetFormatInfo(psFormatId);
+  if (ptInfo == nullptr) {
+    CVT_ERR("Get Message Formate [%s] Info err!!\n", psFormatId);
+    return -1;
+  }
+  if (DoFuc(ptInfo->*ptChain, ptFirst, ptSecond) != 0) {
+    CVT_ERR("Formate[%s] Parse Err!!\n", psFormatId);
+    return -1;
+  }
+  return 0;
+}
+
+}  // namespace
+
+int fucParse(char *psFormatId, InnerMessage *ptInMsg, InnerMessage *ptVoid) {
+  CVT_NOT_NULL(psFormatId, -1);
+  return run(psFormatId, &FormatInfo::ptParseFunc, ptInMsg, ptVoid);
+}
+
+int fucGenerate(char *psFormatId, InnerMessage *ptSrcMsg, InnerMessage *ptDstMsg) {
+  return run(psFormatId, &FormatInfo::ptGenFunc, ptSrcMsg, ptDstMsg);
+}
+
+// --- Standard steps ---------------------------------------------------------------------------------------------------
+
+namespace {
+
+int findDefinition(InnerMessage *ptInMsg, void *ptArgs) {
+  ptInMsg->ptMsgInfo = cvtGetMsg(ptInMsg->sMsgName);
+  if (ptInMsg->ptMsgInfo != nullptr) return 0;
+  int nRet = -1;
+  if (ptArgs != nullptr) {
+    const auto *const ptIdFunc = static_cast<IdFunc *>(ptArgs);
+    const FncIdFunction fIdFunction = ptIdFunc->fIdFunction;
+    CVT_NOT_NULL(ptIdFunc->fIdFunction, -1);
+    nRet = cvt::guarded("Step", ptIdFunc->psFunctName,
+                        [&] { return fIdFunction(ptInMsg, nullptr, nullptr); });
+  }
+  if (nRet != 0) {
+    CVT_ERR("Msg [%s] get define info err!!", ptInMsg->sMsgName);
+    return -1;
+  }
+  CVT_NOT_NULL(ptInMsg->ptMsgInfo, -1);  // the fall-back step sets name and definition
+  return 0;
+}
+
+}  // namespace
+
+int pubNew(InnerMessage *ptInMsg, InnerMessage *, void *ptArgs) {
+  CVT_NOT_NULL(ptInMsg, -1);
+  if (findDefinition(ptInMsg, ptArgs) != 0) return -1;
+  const int nValueNum = ptInMsg->ptMsgInfo->nValueNum;
+  ptInMsg->tValueListInfo.ptValueList = cvtGetValueList(nValueNum);
+  if (ptInMsg->tValueListInfo.ptValueList == nullptr) {
+    CVT_ERR("Msg[%s] get [%d]ValueList err!!", ptInMsg->sMsgName, nValueNum);
+    return -1;
+  }
+  return 0;
+}
+
+int pubParse(InnerMessage *ptInMsg, InnerMessage *ptVoid, void *ptArgs) {
+  CVT_NOT_NULL(ptInMsg, -1);
+  const int nBound = pubNew(ptInMsg, ptVoid, ptArgs);
+  if (nBound != 0) return nBound;
+  CVT_NOT_NULL(ptInMsg->ptMsgInfo->fParse, -1);
+  const FncParse fParse = ptInMsg->ptMsgInfo->fParse;
+  const int nRet = cvt::guarded("Msg", ptInMsg->sMsgName, [&] {
+    return fParse(ptInMsg->ptInfo, &ptInMsg->tValueListInfo, ptInMsg->ptMsgInfo, ptInMsg->psBuf,
+                  &ptInMsg->nNowLen, ptInMsg->nLen);
+  });
+  if (nRet != 0) CVT_ERR("Msg[%s] Parse Buffer err!!", ptInMsg->sMsgName);
+  return nRet;
+}
+
+int pubGenerate(InnerMessage *, InnerMessage *ptInMsg, void *) {
+  CVT_NOT_NULL(ptInMsg, -1);
+  CVT_NOT_NULL(ptInMsg->ptMsgInfo, -1);
+  CVT_NOT_NULL(ptInMsg->ptMsgInfo->fGen, -1);
+  const FncGenerate fGen = ptInMsg->ptMsgInfo->fGen;
+  const int nRet = cvt::guarded("Message", ptInMsg->sMsgName, [&] {
+    return fGen(nullptr, &ptInMsg->tValueListInfo, ptInMsg->ptMsgInfo, ptInMsg->psBuf, &ptInMsg->nNowLen,
+                ptInMsg->nLen);
+  });
+  if (nRet != 0) CVT_ERR("Message[%s] generate to Buf err!!", ptInMsg->sMsgName);
+  return nRet;
+}
+
+// --- Choice of a converter, and the conversion step -------------------------------------------------------------
+
+namespace {
+
+// The answers of one message's pair list as the identification files gave it.
+struct Choices {
+  std::unordered_map<std::string_view, Converter *> byFormat;  // the first pair of a format wins
+  Converter *ptDefault = nullptr;                              // the last pair with an empty format id
+};
+
+void add(Choices &choices, const IdCvtInfo *pt) {
+  const char *const psFormatId = pt->psFormatId;
+  if (psFormatId == nullptr) return;
+  if (*psFormatId == 0) {
+    choices.ptDefault = pt->ptConverter;
+  } else {
+    choices.byFormat.try_emplace(psFormatId, static_cast<Converter *>(pt->ptConverter));
+  }
+}
+
+Choices choicesOf(const IdCvtInfo *ptList) {
+  Choices choices;
+  for (const IdCvtInfo *pt = ptList; pt != nullptr; pt = pt->ptNext) add(choices, pt);
+  return choices;
+}
+
+Converter *choose(const Choices &choices, const char *psFormatId) {
+  const auto it = choices.byFormat.find(psFormatId);
+  return it != choices.byFormat.end() ? it->second : choices.ptDefault;
+}
+
+std::unordered_map<const void *, Choices> f_choices;  // by loaded pair list
+
+}  // namespace
+
+Converter *cvtGetConvert(InnerMessage *ptInSrcMsg, InnerMessage *ptInDstMsg) {
+  CVT_NOT_NULL(ptInSrcMsg, nullptr);
+  CVT_NOT_NULL(ptInDstMsg, nullptr);
+  CVT_NOT_NULL(ptInSrcMsg->ptMsgInfo, nullptr);
+  const void *const pIdInfo = ptInSrcMsg->ptMsgInfo->pIdInfo;
+  const auto known = f_choices.find(pIdInfo);
+  Converter *const pt =
+      known != f_choices.end()
+          ? choose(known->second, ptInDstMsg->sMsgFormat)
+          : choose(choicesOf(static_cast<const IdCvtInfo *>(pIdInfo)), ptInDstMsg->sMsgFormat);
+  if (pt == nullptr) CVT_ERR("Message Convert Format id [%s] not fond!!", ptInDstMsg->sMsgFormat);
+  return pt;
+}
+
+int pubConvert(InnerMessage *ptSrtMsg, InnerMessage *ptDstMsg, void *) {
+  CVT_NOT_NULL(ptSrtMsg, -1);
+  CVT_NOT_NULL(ptDstMsg, -1);
+  Converter *const ptConverter = cvtGetConvert(ptSrtMsg, ptDstMsg);
+  if (ptConverter == nullptr) {
+    CVT_ERR("Get convert Msg[%s] To Msg[%s] define info err!!", ptSrtMsg->sMsgName, ptDstMsg->sMsgFormat);
+    return -1;
+  }
+  char *const psDstName = cvtGetDst(ptConverter);
+  CVT_NOT_NULL(psDstName, -1);
+  // The whole field may be filled: a name of 61 characters or more is left without a terminator. The
+  // definition is found by the converter's own string, so a long name still finds it.
+  std::memset(ptDstMsg->sMsgName, 0, sizeof ptDstMsg->sMsgName);
+  std::memcpy(ptDstMsg->sMsgName, psDstName, std::min(std::strlen(psDstName), sizeof ptDstMsg->sMsgName));
+  ptDstMsg->ptMsgInfo = cvtGetMsg(psDstName);
+  if (ptDstMsg->ptMsgInfo == nullptr) {
+    CVT_ERR("Msg [%s] get define info err!!", psDstName);
+    return -1;
+  }
+  const int nValueNum = ptDstMsg->ptMsgInfo->nValueNum;
+  ptDstMsg->tValueListInfo.ptValueList = cvtGetValueList(nValueNum);
+  if (ptDstMsg->tValueListInfo.ptValueList == nullptr) {
+    CVT_ERR("Msg [%s] get [%d]ValueList err!!", psDstName, nValueNum);
+    return -1;
+  }
+  if (cvtConvert(ptSrtMsg->tValueListInfo.ptValueList, ptDstMsg->tValueListInfo.ptValueList, ptConverter,
+                 ptDstMsg->tValueListInfo.ptMemNode) != 0) {
+    CVT_ERR("cvtConvert err!!");
+    return -1;
+  }
+  return 0;
+}
+
+// --- The "Id" section -------------------------------------------------------------------------------------------------
+
+namespace {
+
+// Pipelines are replaced, not merged: of several files the one read last counts.
+int IdInit(char *psFileName) {
+  gptFormatInfo = nullptr;
+  sttAddFuncVoid(sttParseVoidcvt_identify, sttGenVoidcvt_identify);
+  gptFormatInfo = static_cast<FormatInfo *>(sttParseXmlFile(psFileName, cvt::bind::name("Id"),
+                                                            cvt::bind::name("FormatInfo"),
+                                                            reinterpret_cast<void *>(sttParseXmlFormatInfo)));
+  if (gptFormatInfo == nullptr) {
+    CVT_ERR("Parse Xml File To Identify Struct Err!!");
+    return -1;
+  }
+  f_formatIndex.follow(gptFormatInfo);
+  return 0;
+}
+
+int IdInfoInit(char *psFileName) {
+  const auto *pt = static_cast<IdMsgInfo *>(sttParseXmlFile(psFileName, cvt::bind::name("IdInfo"),
+                                                            cvt::bind::name("IdMsgInfo"),
+                                                            reinterpret_cast<void *>(sttParseXmlIdMsgInfo)));
+  if (pt == nullptr) {
+    CVT_ERR("Parse Xml File To Identify Info Struct Err!!");
+    return -1;
+  }
+  for (; pt != nullptr; pt = pt->ptNext) {
+    Msg *const ptMsg = cvtGetMsg(pt->psMsgName);
+    if (ptMsg == nullptr) {
+      CVT_ERR("Message [%s] is not find !!", pt->psMsgName);
+      return -1;
+    }
+    ptMsg->pIdInfo = pt->ptIdCvtInfo;
+    f_choices.insert_or_assign(ptMsg->pIdInfo, choicesOf(pt->ptIdCvtInfo));
+  }
+  return 0;
+}
+
+// Loads the files of one of the section's directories; a null directory is none.
+bool loadDirectory(char *psPath, fnptr *fLoad) {
+  if (psPath == nullptr || cvtIniParseDirXml(nullptr, psPath, fLoad) == 0) return true;
+  CVT_ERR("Parse Id File Err In[%s]!!\n", psPath);
+  nGRet = -1;
+  return false;
+}
+
+}  // namespace
+
+void *cvtIdInit(void *ptNode, char *) {
+  nGRet = 0;
+  CvtIdArgs *const ptArgs = sttParseXmlCvtIdArgs(ptNode, cvt::bind::name("CvtIdArgs"));
+  if (nGRet == -1) {
+    CVT_ERR("Id Args Get ERr!!");
+    return nullptr;
+  }
+  if (ptArgs == nullptr) return nullptr;
+  if (!loadDirectory(ptArgs->psIdPath, IdInit)) return nullptr;
+  if (!loadDirectory(ptArgs->psIdInfoPath, IdInfoInit)) return nullptr;
+  nGRet = 0;
+  return ptArgs;
+}
+
+int cvtIdEnd() {
+  gptFormatInfo = nullptr;
+  gptFuncList = nullptr;
+  f_stepIndex.clear();
+  f_formatIndex.clear();
+  f_choices.clear();
+  return 0;
+}

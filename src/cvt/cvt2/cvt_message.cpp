@@ -1,0 +1,357 @@
+// cvt_message.cpp: the registry of definitions and formats, and value lists.
+#include "cvt_message.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cvt_definition.h"
+#include "cvt_guard.h"
+#include "cvt_index.h"
+#include "cvt_log.h"
+#include "stt_bind.h"
+
+CvtFmtGlobalInfo *gptFmtGlobalInfo = nullptr;
+ValueList *gptFreeValue = nullptr;
+ValueList *gptLoopValue = nullptr;
+int gnMaxValueNum = 0;
+
+namespace {
+
+using StringIndex = cvt::ListIndex<StringList, &StringList::psString>;
+
+StringIndex f_msgIndex;
+StringIndex f_initIndex;
+
+CvtFmtGlobalInfo *NewFmtGlobalInfo() {
+  if (gptFmtGlobalInfo == nullptr) {
+    gptFmtGlobalInfo = static_cast<CvtFmtGlobalInfo *>(cvtMemMalloc(sizeof(CvtFmtGlobalInfo)));
+  }
+  return gptFmtGlobalInfo;
+}
+
+// --- Definition files -----------------------------------------------------------------------------------------------
+
+// The registered definition named like the file: the part between the last "/" and the last ".". The cut is made
+// in the caller's string and taken back.
+Msg *MsgGetMsgByFileName(char *psFileName) {
+  char *const psSlash = std::strrchr(psFileName, '/');
+  char *const psBase = psSlash == nullptr ? psFileName : psSlash + 1;
+  char *const psDot = std::strrchr(psFileName, '.');
+  if (psDot == nullptr) return cvtGetMsg(psBase);
+  *psDot = 0;
+  Msg *const ptMsg = cvtGetMsg(psBase);
+  *psDot = '.';
+  return ptMsg;
+}
+
+int FmtAddMsg(Msg *ptMsg) {
+  StringList *const ptList = cvtStrAddStringList(gptFmtGlobalInfo->ptMsgList, ptMsg->psMsgName, ptMsg);
+  gptFmtGlobalInfo->ptMsgList = ptList;
+  if (ptList == nullptr) {
+    CVT_ERR("Init Ipc Struct[%s]: Add Msg to global define Err!!", ptMsg->psMsgName);
+  }
+  return 0;
+}
+
+// The files being read, outermost first: a definition that refers to itself would be read for ever.
+std::vector<std::string> f_reading;
+
+class Reading {
+ public:
+  explicit Reading(const char *psFileName) { f_reading.emplace_back(psFileName); }
+  ~Reading() { f_reading.pop_back(); }
+  Reading(const Reading &) = delete;
+  Reading &operator=(const Reading &) = delete;
+
+  static bool holds(const char *psFileName) {
+    return std::find(f_reading.begin(), f_reading.end(), psFileName) != f_reading.end();
+  }
+};
+
+int FmtParseMessage(CvtFmtArgs *ptArgs) {
+  if (ptArgs == nullptr) return 0;
+  for (const PathList *pt = ptArgs->ptMsgList; pt != nullptr; pt = pt->ptNext) {
+    gptFmtGlobalInfo->psCurrentPath = pt->psPath;
+    if (cvtIniParseDirXml(nullptr, pt->psPath, cvt::FmtMsgInit) != 0) {
+      CVT_ERR("Message Parse Dir[%s] err!!", pt->psPath);
+      return -1;
+    }
+  }
+  return 0;
+}
+
+}  // namespace
+
+namespace cvt {
+
+int FmtMsgInit(char *psFileName) {
+  CVT_NOT_NULL(psFileName, -1);
+  if (MsgGetMsgByFileName(psFileName) != nullptr) return 1;
+  if (Reading::holds(psFileName)) {
+    CVT_ERR("File[%s] refers to itself: take the reference out of the definition", psFileName);
+    return -1;
+  }
+  const Reading reading(psFileName);
+  auto *const ptMsg = static_cast<Msg *>(sttParseBySttInfo(psFileName));
+  if (ptMsg == nullptr) {
+    CVT_ERR("File[%s] Parse Err!!", psFileName);
+    return -1;
+  }
+  return FmtAddMsg(ptMsg);
+}
+
+int initFormat(char *psFormat, Msg *ptMsg) {
+  if (gptFmtGlobalInfo == nullptr || psFormat == nullptr) return 0;
+  const StringList *const pt = f_initIndex.find(gptFmtGlobalInfo->ptInitList, psFormat);
+  if (pt == nullptr) return 0;
+  const auto fInit = reinterpret_cast<FncFotmatInit>(pt->ptInfo);
+  return guarded("Format", psFormat, [&] { return fInit(ptMsg); });
+}
+
+}  // namespace cvt
+
+// --- Registry -------------------------------------------------------------------------------------------------------
+
+int cvtFmtAddPlug(char *psName, sttFncParseVoid fpParseVoid, sttFncGenVoid fpGenVoid, FncFotmatInit fpInit) {
+  NewFmtGlobalInfo();
+  sttAddSttInfo(psName, cvtSttInitMessage);
+  sttAddVoidFunctionToSttInfo(psName, fpParseVoid, fpGenVoid);
+  sttAddVoidFunctionToSttInfo(psName, sttParseVoidcvt_struct_loop, sttGenVoidcvt_struct_loop);
+  sttAddVoidFunctionToSttInfo(psName, sttParseVoidcvt_message, sttGenVoidcvt_message);
+  // The head is replaced even by null: a format without initialiser empties the list. A plug-in must pass one.
+  gptFmtGlobalInfo->ptInitList =
+      cvtStrAddStringList(gptFmtGlobalInfo->ptInitList, psName, reinterpret_cast<void *>(fpInit));
+  return 0;
+}
+
+Msg *cvtGetMsg(char *psName) {
+  CVT_NOT_NULL(gptFmtGlobalInfo, nullptr);
+  if (psName == nullptr) return nullptr;
+  const StringList *const pt = f_msgIndex.find(gptFmtGlobalInfo->ptMsgList, psName);
+  return pt == nullptr ? nullptr : static_cast<Msg *>(pt->ptInfo);
+}
+
+int cvtFmtEnd() {
+  gptFmtGlobalInfo = nullptr;
+  gptFreeValue = nullptr;
+  gptLoopValue = nullptr;
+  f_msgIndex.clear();
+  f_initIndex.clear();
+  cvt::forgetNodeIndexes();
+  return 0;
+}
+
+// --- Value lists ------------------------------------------------------------------------------------------------------
+
+namespace {
+
+constexpr int kSpareLists = 10;
+constexpr int kLeastLoop = 999;
+
+int maxLoop() {
+  const CvtFmtArgs *const ptArgs = gptFmtGlobalInfo == nullptr ? nullptr : gptFmtGlobalInfo->ptCvtFmtArgs;
+  return ptArgs == nullptr ? kLeastLoop : std::max(static_cast<int>(ptArgs->gnMaxLoop), kLeastLoop);
+}
+
+ValueList *NewValueList(int nNum, ValueList *ptNext) {
+  auto *const pt = static_cast<ValueList *>(cvtMemMalloc(sizeof(ValueList)));
+  pt->ptValue = static_cast<Value *>(cvtMemMalloc(nNum * static_cast<int>(sizeof(Value))));
+  pt->nMax = nNum;
+  pt->ptNext = ptNext;
+  return pt;
+}
+
+int InitValueList() {
+  CvtFmtArgs *const ptArgs = gptFmtGlobalInfo->ptCvtFmtArgs;
+  if (ptArgs != nullptr) {
+    gnMaxValueNum = std::max(gnMaxValueNum, static_cast<int>(ptArgs->gnMaxValue));
+    ptArgs->gnMaxLoop = maxLoop();
+  }
+  if (gnMaxValueNum <= 0) {
+    CVT_ERR("Warning No Value num!!");
+    return 0;
+  }
+  gptLoopValue = nullptr;
+  gptFreeValue = nullptr;
+  for (int i = 0; i < kSpareLists; ++i) gptFreeValue = NewValueList(gnMaxValueNum, gptFreeValue);
+  return 0;
+}
+
+// A list of the free list, or a new one. nNum is not compared with the capacity.
+ValueList *GetValueList(ValueList **pptGlobalList, int nMaxNum, int nNum) {
+  ValueList *pt = *pptGlobalList;
+  if (pt == nullptr) {
+    pt = NewValueList(nMaxNum, nullptr);
+  } else {
+    *pptGlobalList = pt->ptNext;
+    pt->ptNext = nullptr;
+  }
+  pt->nNow = nNum > -1 ? nNum : pt->nMax;
+  return pt;
+}
+
+ValueList *GetLoopValueList() { return GetValueList(&gptLoopValue, maxLoop(), 0); }
+
+void insertBehind(ValueList *ptList, ValueList *ptFresh) {
+  ptFresh->ptNext = ptList->ptNext;
+  ptList->ptNext = ptFresh;
+}
+
+// Clearing stays within the capacity, also where more slots were asked for.
+void clearList(ValueList *ptList) {
+  const int nUsed = std::min(static_cast<int>(ptList->nNow), static_cast<int>(ptList->nMax));
+  if (nUsed > 0) std::memset(static_cast<void *>(ptList->ptValue), 0, static_cast<size_t>(nUsed) * sizeof(Value));
+  ptList->nNow = 0;
+}
+
+// Moves the lists right behind ptList that are loop lists to their free list. A list counts as one by its
+// capacity, so ordinary lists of a very large definition are filed there, too.
+int SwitchToLoopList(ValueList *ptList) {
+  CVT_NOT_NULL(ptList, -1);
+  while (ptList->ptNext != nullptr && ptList->ptNext->nMax >= maxLoop()) {
+    ValueList *const ptLoop = ptList->ptNext;
+    ptList->ptNext = ptLoop->ptNext;
+    clearList(ptLoop);
+    ptLoop->ptNext = gptLoopValue;
+    gptLoopValue = ptLoop;
+  }
+  return 0;
+}
+
+bool isSlot(const ValueList *ptValueList, int nIndex) {
+  if (nIndex >= 0 && nIndex < ptValueList->nNow) return true;
+  CVT_ERR("Value Index[%d] < 0 or >= max [%d] err!!", nIndex, ptValueList->nNow);
+  return false;
+}
+
+bool holdsNoValue(const ValueList *ptValueList, int nIndex) {
+  if (ptValueList->ptValue[nIndex].nLen <= 0) return true;
+  CVT_ERR("value Index[%d] is not LoopValueList", nIndex);
+  return false;
+}
+
+}  // namespace
+
+Value *cvtGetListValue(ValueList *ptValueList, int nIdx) {
+  CVT_NOT_NULL(ptValueList, nullptr);
+  return isSlot(ptValueList, nIdx) ? &ptValueList->ptValue[nIdx] : nullptr;
+}
+
+int cvtDumpValue(Value *ptValue, char *psBuf, int nLen, MemPort ptMemNode) {
+  CVT_NOT_NULL(ptValue, -1);
+  CVT_NOT_NULL(psBuf, -1);
+  if (nLen < 0) {
+    CVT_ERR("Value Length[%d] < 0", nLen);
+    return -1;
+  }
+  ptValue->nLen = nLen;
+  ptValue->psValue = static_cast<char *>(cvtMalloc(nLen + 1, ptMemNode));
+  if (ptValue->psValue == nullptr) {  // no pool node: already logged
+    ptValue->nLen = 0;
+    return -1;
+  }
+  std::memcpy(ptValue->psValue, psBuf, static_cast<size_t>(nLen));
+  return 0;
+}
+
+struct ValueList *cvtGetValueList(int nNum) { return GetValueList(&gptFreeValue, gnMaxValueNum, nNum); }
+
+struct ValueList *cvtNewLoopValueList(ValueList *ptValueList, int nIndex, int nFieldNum) {
+  CVT_NOT_NULL(ptValueList, nullptr);
+  if (!isSlot(ptValueList, nIndex) || !holdsNoValue(ptValueList, nIndex)) return nullptr;
+  Value *const ptSlot = &ptValueList->ptValue[nIndex];
+  if (ptSlot->nLen == 0) {
+    ValueList *const ptFresh = GetLoopValueList();
+    ptSlot->psValue = reinterpret_cast<char *>(ptFresh);
+    ptSlot->nLen = -1;
+    insertBehind(ptValueList, ptFresh);
+  }
+  auto *const ptLoopList = reinterpret_cast<ValueList *>(ptSlot->psValue);
+  if (ptLoopList->nNow >= ptLoopList->nMax) {
+    CVT_ERR("Loop Num is Max then Define[%d]", maxLoop());
+    return nullptr;
+  }
+  ValueList *const ptFresh = cvtGetValueList(nFieldNum);
+  ptLoopList->ptValue[ptLoopList->nNow].psValue = reinterpret_cast<char *>(ptFresh);
+  insertBehind(ptValueList, ptFresh);
+  ptLoopList->nNow += 1;
+  return ptFresh;
+}
+
+int cvtGetLoopValueListNum(ValueList *ptValueList, int nIndex) {
+  CVT_NOT_NULL(ptValueList, -1);
+  if (!isSlot(ptValueList, nIndex) || !holdsNoValue(ptValueList, nIndex)) return -1;
+  if (ptValueList->ptValue[nIndex].nLen == 0) return 0;
+  void *ptLoopList = nullptr;
+  CVT_NOT_NULL(ptLoopList = (void *)ptValueList->ptValue[nIndex].psValue, -1);
+  return static_cast<ValueList *>(ptLoopList)->nNow;
+}
+
+struct ValueList *cvtGetLoopValueList(ValueList *ptValueList, int nIndex, int nLoopIndex) {
+  CVT_NOT_NULL(ptValueList, nullptr);
+  if (!isSlot(ptValueList, nIndex) || !holdsNoValue(ptValueList, nIndex)) return nullptr;
+  if (ptValueList->ptValue[nIndex].nLen == 0) {
+    CVT_ERR("Value Index[%d]: Loop is not init!!", nIndex);
+    return nullptr;
+  }
+  void *ptLoopList = nullptr;
+  CVT_NOT_NULL(ptLoopList = (void *)ptValueList->ptValue[nIndex].psValue, nullptr);
+  const auto *const ptLoop = static_cast<ValueList *>(ptLoopList);
+  if (nLoopIndex >= ptLoop->nNow) {
+    CVT_ERR("Value Index[%d]: Loop index[%d] is big then list[%d]", nIndex, nLoopIndex, ptLoop->nNow);
+    return nullptr;
+  }
+  return reinterpret_cast<ValueList *>(ptLoop->ptValue[nLoopIndex].psValue);
+}
+
+int cvtFreeValue(ValueList *ptValueList) {
+  if (ptValueList == nullptr) return 0;
+  ValueList *ptLast = ptValueList;
+  for (ValueList *pt = ptValueList; pt != nullptr; pt = pt->ptNext) {
+    clearList(pt);
+    SwitchToLoopList(pt);
+    ptLast = pt;
+  }
+  ptLast->ptNext = gptFreeValue;
+  gptFreeValue = ptValueList;
+  return 0;
+}
+
+// --- The "Message" section -------------------------------------------------------------------------------------------
+
+// clang-format off
+#define STT_TABLE_PathList(F) \
+  F(STRING, psPath)           \
+  F(NEXT,   ptNext, PathList)
+STT_BIND(PathList)
+
+#define STT_TABLE_CvtFmtArgs(F) \
+  F(INT,    gnMaxValue)         \
+  F(INT,    gnMaxLoop)          \
+  F(STRUCT, ptMsgList, PathList)
+STT_BIND(CvtFmtArgs)
+
+STT_BIND_MODULE(_cvt_message, STT_TYPE(PathList), STT_TYPE(CvtFmtArgs))
+// clang-format on
+
+void *cvtFmtInit(void *ptXmlNode, char *) {
+  NewFmtGlobalInfo();
+  nGRet = 0;
+  gptFmtGlobalInfo->ptCvtFmtArgs = sttParseXmlCvtFmtArgs(ptXmlNode, const_cast<char *>("CvtFmtArgs"));
+  if (nGRet == -1) {
+    CVT_ERR("cvt Message Get Args Err!!");
+    return nullptr;
+  }
+  if (FmtParseMessage(gptFmtGlobalInfo->ptCvtFmtArgs) != 0) {
+    CVT_ERR("cvt Message Parse Err!!");
+    nGRet = -1;
+    return nullptr;
+  }
+  InitValueList();
+  gptFmtGlobalInfo->psCurrentPath = nullptr;
+  nGRet = 0;
+  return gptFmtGlobalInfo;
+}

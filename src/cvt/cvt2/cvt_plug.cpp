@@ -1,0 +1,129 @@
+// cvt_plug.cpp: the "Plug" section: format plug-ins, opened by the dynamic loader.
+#include <dlfcn.h>
+
+#include <cstdio>
+#include <memory>
+
+#include "cvt.h"
+#include "cvt_guard.h"
+#include "cvt_log.h"
+#include "stt_bind.h"
+
+PlugInfo *gptPlugInfo = nullptr;
+
+namespace {
+char f_sNoPath[] = "";
+}
+
+char *gpsBasePlugPath = f_sNoPath;
+
+namespace {
+
+struct DlClose {
+  void operator()(void *pHandle) const { dlclose(pHandle); }
+};
+using Library = std::unique_ptr<void, DlClose>;
+
+// Keeps a plug-in's code in the process after it is closed: the registries may point into it until they are
+// released, which a load that failed leaves to the next start.
+void keepMapped(const char *psFile) { dlopen(psFile, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE); }
+
+std::string fileOf(const char *psName, const char *psPath) {
+  if (psPath != nullptr) return psPath;
+  char sFile[2048];
+  std::snprintf(sFile, sizeof sFile, "%slibcvt_plug_%s.so", gpsBasePlugPath, psName);
+  return sFile;
+}
+
+std::string symbolOf(const char *psName, const char *psFunction) {
+  if (psFunction != nullptr) return psFunction;
+  char sSymbol[2048];
+  std::snprintf(sSymbol, sizeof sSymbol, "%sInit", psName);
+  return sSymbol;
+}
+
+// The prefix of plug-in files: read before the first plug-in of the list is loaded.
+char *GetBasePlugPath(void *ptNode) {
+  char *const psPath = sttParseXmlString(ptNode, cvt::bind::name("psBasePlugPath"));
+  gpsBasePlugPath = psPath == nullptr ? f_sNoPath : cvtStrDup(psPath);
+  return psPath;
+}
+
+void *refuse() {
+  nGRet = -1;
+  return nullptr;
+}
+
+// Opens a plug-in and runs its initialiser. Returns the loader's handle, or null with nGRet -1.
+void *GetPlug(char *psName, char *psPath, char *psFunction, void *ptNode) {
+  if (psName == nullptr) {
+    CVT_ERR("Plug Name Is Null!!");
+    return refuse();
+  }
+  const std::string sFile = fileOf(psName, psPath);
+  Library library(dlopen(sFile.c_str(), RTLD_NOW));
+  if (library == nullptr) {
+    CVT_ERR("dlopen Err:%s!!", dlerror());
+    return refuse();
+  }
+  const std::string sSymbol = symbolOf(psName, psFunction);
+  const auto fInit = reinterpret_cast<FncInit>(dlsym(library.get(), sSymbol.c_str()));
+  if (fInit == nullptr) {
+    const char *const psError = dlerror();
+    CVT_ERR("Function [%s] Not Find in [%s]!![%s]", sSymbol.c_str(), sFile.c_str(),
+            psError == nullptr ? "the symbol is null" : psError);
+    return refuse();
+  }
+  if (cvt::guarded("Plug", psName, [&] { return fInit(ptNode); }) != 0) {
+    CVT_ERR("Func[%s] in [%s] Init err!!", sSymbol.c_str(), sFile.c_str());
+    keepMapped(sFile.c_str());
+    return refuse();
+  }
+  return library.release();
+}
+
+}  // namespace
+
+// clang-format off
+#define STT_TABLE_Plug(F)                                            \
+  F(STRING,  psName)                                                 \
+  F(STRING,  psPath)                                                 \
+  F(STRING,  psFunction)                                             \
+  F(VOID_BY, ptInfo, GetPlug(psName, psPath, psFunction, ptXmlNode)) \
+  F(NEXT,    ptNext, Plug)
+STT_BIND(Plug)
+
+#define STT_TABLE_PlugInfo(F)                              \
+  F(STRING_BY, psBasePlugPath, GetBasePlugPath(ptXmlNode)) \
+  F(STRUCT,    ptPlugs, Plug)
+STT_BIND(PlugInfo)
+
+STT_BIND_MODULE(cvt_plug, STT_TYPE(Plug), STT_TYPE(PlugInfo))
+// clang-format on
+
+void *cvtPlugInit(void *ptXmlNode, char *) {
+  CVT_NOT_NULL(ptXmlNode, nullptr);
+  if (gptPlugInfo != nullptr) {  // an earlier load that was not released: its registrations are still there
+    for (const Plug *pt = gptPlugInfo->ptPlugs; pt != nullptr; pt = pt->ptNext) {
+      keepMapped(fileOf(pt->psName, pt->psPath).c_str());
+    }
+  }
+  cvtPlugEnd();
+  nGRet = 0;
+  PlugInfo *const ptInfo = sttParseXmlPlugInfo(ptXmlNode, cvt::bind::name("PlugInfo"));
+  if (nGRet == -1) {
+    CVT_ERR("Get PlugInfo Err!!");
+    return nullptr;
+  }
+  gptPlugInfo = ptInfo;
+  return gptPlugInfo;
+}
+
+int cvtPlugEnd() {
+  if (gptPlugInfo == nullptr) return 0;
+  for (const Plug *pt = gptPlugInfo->ptPlugs; pt != nullptr; pt = pt->ptNext) {
+    if (pt->ptInfo != nullptr) dlclose(pt->ptInfo);
+  }
+  gptPlugInfo = nullptr;
+  return 0;
+}

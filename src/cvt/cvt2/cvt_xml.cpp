@@ -1,0 +1,206 @@
+// cvt_xml.cpp: the XML access layer over libxml2.
+//
+// Reports failures through return values only and never logs. libxml2's own messages are kept off the standard
+// error stream; whoever reads a file asks xmlLastParseError().
+#include "cvt_xml.h"
+
+#include <libxml/encoding.h>
+#include <libxml/parser.h>
+#include <libxml/tree.h>
+#include <libxml/xmlschemas.h>
+
+#include <cstring>
+#include <memory>
+
+#include "stt.h"
+
+namespace {
+
+constexpr int kQuiet = XML_PARSE_NOERROR | XML_PARSE_NOWARNING;
+
+xmlNodePtr node(void *p) { return static_cast<xmlNodePtr>(p); }
+xmlDocPtr document(void *p) { return static_cast<xmlDocPtr>(p); }
+xmlNsPtr nameSpace(void *p) { return static_cast<xmlNsPtr>(p); }
+const xmlChar *text(const char *ps) { return reinterpret_cast<const xmlChar *>(ps); }
+char *plain(const xmlChar *ps) { return reinterpret_cast<char *>(const_cast<xmlChar *>(ps)); }
+
+struct XmlFree {
+  void operator()(xmlChar *ps) const { xmlFree(ps); }
+};
+using XmlText = std::unique_ptr<xmlChar, XmlFree>;
+
+// Takes libxml2's schema messages: the layer speaks through return values.
+void quiet(void *, const char *, ...) {}
+
+// A copy of the first nLen bytes, so that the caller's string is not written to.
+XmlText firstBytes(const char *ps, int nLen) { return XmlText(xmlStrndup(text(ps), nLen)); }
+
+}  // namespace
+
+namespace cvt {
+
+XmlPlace xmlPlaceOf(void *ptXmlNode) {
+  const xmlNodePtr pt = node(ptXmlNode);
+  const bool bNamed = pt->doc != nullptr && pt->doc->URL != nullptr;
+  return {bNamed ? plain(pt->doc->URL) : "", xmlGetLineNo(pt)};
+}
+
+std::string xmlLastParseError() {
+  const xmlErrorPtr pt = xmlGetLastError();
+  if (pt == nullptr || pt->message == nullptr) return "not readable";
+  std::string sText = "line " + std::to_string(pt->line) + ": " + pt->message;
+  while (!sText.empty() && sText.back() == '\n') sText.pop_back();
+  return sText;
+}
+
+void xmlDropNode(void *ptXmlNode) {
+  xmlUnlinkNode(node(ptXmlNode));
+  xmlFreeNode(node(ptXmlNode));
+}
+
+void XmlDocFree::operator()(void *ptXmlDoc) const { xmlDocFree(ptXmlDoc); }
+
+}  // namespace cvt
+
+// --- Building -------------------------------------------------------------------------------------------------
+
+void *xmlInit() { return xmlInitEncoding(const_cast<char *>("UTF-8")); }
+
+void *xmlInitEncoding(char *psEncoding) {
+  const xmlDocPtr pt = xmlNewDoc(text("1.0"));
+  if (pt != nullptr) pt->encoding = xmlStrdup(text(psEncoding));
+  return pt;
+}
+
+void *xmlMadeNode(char *psNodeName) { return xmlNewNode(nullptr, text(psNodeName)); }
+
+void *xmlMadeNsNode(void *ptXmlNs, char *psNodeName) {
+  return xmlNewNode(nameSpace(ptXmlNs), text(psNodeName));
+}
+
+void *xmlMadeNameSpace(void *ptXmlNode, char *psNameSpace) {
+  return xmlMadeNameSpaceShortCut(ptXmlNode, nullptr, psNameSpace, 1);
+}
+
+void *xmlMadeNameSpaceShortCut(void *ptXmlNode, char *psShortCut, char *psNameSpace, int nFlag) {
+  const xmlNsPtr pt = xmlNewNs(node(ptXmlNode), text(psNameSpace), text(psShortCut));
+  if (pt != nullptr && nFlag == 1) xmlSetNs(node(ptXmlNode), pt);
+  return pt;
+}
+
+void xmlNodeAddNameSapce(void *ptNode, void *ptNameSpace) { xmlSetNs(node(ptNode), nameSpace(ptNameSpace)); }
+
+int xmlPutRootNode(void *ptXmlDoc, void *ptXmlNode) {
+  xmlDocSetRootElement(document(ptXmlDoc), node(ptXmlNode));
+  return 0;
+}
+
+int xmlPutChileNode(void *ptXmlFatherNode, void *ptXmlNode) {
+  xmlAddChild(node(ptXmlFatherNode), node(ptXmlNode));
+  return 0;
+}
+
+void *xmlPutNsNodeValue(void *ptXmlFatherNode, void *ptXmlNs, char *psName, char *psVaule, int nLen) {
+  // Unlike the attribute setters this one cuts the caller's string in place, also where it ends already:
+  // psVaule[nLen] must be writable. Callers rely on it for their own buffers; a constant does not fit here.
+  const char cSaved = psVaule[nLen];
+  psVaule[nLen] = 0;
+  void *const pt = xmlNewTextChild(node(ptXmlFatherNode), nameSpace(ptXmlNs), text(psName), text(psVaule));
+  psVaule[nLen] = cSaved;
+  return pt;
+}
+
+void *xmlPutNodeValue(void *ptXmlFatherNode, char *psName, char *psVaule, int nLen) {
+  return xmlPutNsNodeValue(ptXmlFatherNode, nullptr, psName, psVaule, nLen);
+}
+
+void *xmlPutNodeAttr(void *ptXmlNode, char *psAttrName, char *psAttrVaule, int nAttrLen) {
+  return xmlSetProp(node(ptXmlNode), text(psAttrName), firstBytes(psAttrVaule, nAttrLen).get());
+}
+
+void *xmlPutNsNodeAttr(void *ptXmlNode, void *ptXmlNs, char *psAttrName, char *psAttrVaule, int nAttrLen) {
+  return xmlSetNsProp(node(ptXmlNode), nameSpace(ptXmlNs), text(psAttrName),
+                      firstBytes(psAttrVaule, nAttrLen).get());
+}
+
+// --- Writing and reading ----------------------------------------------------------------------------------------
+
+int xmlGenerate(void *ptXmlDoc, char *psBuf, int *pnLen) {
+  xmlChar *psDump = nullptr;
+  int nSize = 0;
+  xmlDocDumpMemory(document(ptXmlDoc), &psDump, &nSize);
+  const XmlText owner(psDump);
+  if (psDump == nullptr || *pnLen < nSize) return -1;
+  *pnLen = nSize;
+  std::memcpy(psBuf, psDump, static_cast<size_t>(nSize));
+  return 0;
+}
+
+int xmlFileGenerate(char *psFileName, void *ptXmlDoc) {
+  return xmlSaveFormatFile(psFileName, document(ptXmlDoc), 1);
+}
+
+void *xmlParse(char *psBuf, int nLen) { return xmlReadMemory(psBuf, nLen, nullptr, nullptr, kQuiet); }
+
+void *xmlParse2(char *psBuf, int nLen) {
+  return xmlReadMemory(psBuf, nLen, nullptr, nullptr, XML_PARSE_NOBLANKS | kQuiet);
+}
+
+void *xmlFileParse(char *psFileName) {
+  xmlResetLastError();
+  return xmlReadFile(psFileName, nullptr, XML_PARSE_NOBLANKS | kQuiet);
+}
+
+int xmlDocFree(void *ptXmlDoc) {
+  xmlFreeDoc(document(ptXmlDoc));
+  return 0;
+}
+
+int xmlNodeFree(void *ptXmlNode) {
+  xmlFreeNode(node(ptXmlNode));
+  return 0;
+}
+
+void xmlFreeString(char *psString) { xmlFree(psString); }
+
+// --- Navigation: nodes of every kind, comments and text included --------------------------------------------
+
+void *xmlGetHeadNode(void *ptXmlDoc) { return xmlDocGetRootElement(document(ptXmlDoc)); }
+void *xmlGetChileNode(void *ptXmlNode) { return node(ptXmlNode)->children; }
+void *xmlGetFatherNode(void *ptXmlNode) { return node(ptXmlNode)->parent; }
+void *xmlGetLastChildNode(void *ptXmlNode) { return node(ptXmlNode)->last; }
+void *xmlGetPrevNode(void *ptXmlNode) { return node(ptXmlNode)->prev; }
+void *xmlGetNextNode(void *ptXmlNode) { return node(ptXmlNode)->next; }
+char *xmlGetNodeName(void *ptXmlNode) { return plain(node(ptXmlNode)->name); }
+
+char *xmlGetNodeVaule(void *ptXmlNode) {
+  // Only the first child counts: text behind an element child is never seen.
+  const xmlNodePtr ptChild = node(ptXmlNode)->children;
+  if (ptChild == nullptr || ptChild->type == XML_ELEMENT_NODE) return nullptr;
+  return plain(xmlNodeGetContent(ptChild));
+}
+
+char *xmlGetNodeAttr(void *ptXmlNode, char *psAttrName) {
+  return plain(xmlGetProp(node(ptXmlNode), text(psAttrName)));
+}
+
+// --- Schemas and encodings ----------------------------------------------------------------------------------------
+
+void *xmlGetSchemaObj(char *psUrl) {
+  if (psUrl == nullptr || *psUrl == 0) return nullptr;
+  const std::unique_ptr<xmlSchemaParserCtxt, decltype(&xmlSchemaFreeParserCtxt)> context(
+      xmlSchemaNewParserCtxt(psUrl), &xmlSchemaFreeParserCtxt);
+  if (context == nullptr) return nullptr;
+  xmlSchemaSetParserErrors(context.get(), quiet, quiet, nullptr);
+  return xmlSchemaParse(context.get());
+}
+
+int xmlCheckSchema(void *ptSchema, void *ptXmlDoc) {
+  const std::unique_ptr<xmlSchemaValidCtxt, decltype(&xmlSchemaFreeValidCtxt)> context(
+      xmlSchemaNewValidCtxt(static_cast<xmlSchemaPtr>(ptSchema)), &xmlSchemaFreeValidCtxt);
+  if (context == nullptr) return -1;
+  xmlSchemaSetValidErrors(context.get(), quiet, quiet, nullptr);
+  return xmlSchemaValidateDoc(context.get(), document(ptXmlDoc));
+}
+
+void xmlEncodeAlias(char *psEncoding, char *psAlias) { xmlAddEncodingAlias(psEncoding, psAlias); }

@@ -1,0 +1,452 @@
+// stt.cpp: the registry of file types, the dispatcher chain, whole files, and the field readers and writers.
+#include "stt.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "cvt_log.h"
+#include "cvt_xml.h"
+#include "stt_bind.h"
+
+int nGRet = 0;
+SttInfo *gptSttInfo = nullptr;
+TypeList *gptTypeList = nullptr;
+
+namespace {
+
+using XmlDoc = std::unique_ptr<void, cvt::XmlDocFree>;
+using FncParseRecord = void *(*)(void *ptXmlNode, char *psType);
+using FncGenRecord = void *(*)(void *ptStruct, void *ptXmlNode, char *psName, char *psType);
+
+struct XmlStringFree {
+  void operator()(char *ps) const { xmlFreeString(ps); }
+};
+using XmlString = std::unique_ptr<char, XmlStringFree>;
+
+char f_sId[] = "__ID";
+char f_sBaseType[] = "String";
+char f_sBaseValue[] = "psValue";
+
+// The current dispatcher chain: that of the file type being read, else the global one.
+FuncList *gptFuncList = nullptr;
+
+// Whether the place of the failure being reported has been logged.
+bool f_bPlaced = false;
+
+int length(const char *ps) { return static_cast<int>(std::strlen(ps)); }
+
+XmlString attribute(void *ptXmlNode, char *psName) { return XmlString(xmlGetNodeAttr(ptXmlNode, psName)); }
+
+bool isNamed(void *ptXmlNode, const char *psName) {
+  const char *const psNodeName = xmlGetNodeName(ptXmlNode);
+  return psNodeName != nullptr && std::strcmp(psNodeName, psName) == 0;
+}
+
+bool hasId(void *ptXmlNode, const char *psId) {
+  const XmlString id = attribute(ptXmlNode, f_sId);
+  return id != nullptr && std::strcmp(id.get(), psId) == 0;
+}
+
+// Text and comments carry no attributes: libxml2 answers that for every kind of node.
+void *childWithId(void *ptXmlNode, const char *psType, const char *psId) {
+  for (void *pt = xmlGetChileNode(ptXmlNode); pt != nullptr; pt = xmlGetNextNode(pt)) {
+    if ((psType == nullptr || isNamed(pt, psType)) && hasId(pt, psId)) return pt;
+  }
+  return nullptr;
+}
+
+// The node itself or its nearest ancestor of that name. The climb ends at the document, which has no name.
+void *selfOrAncestor(void *ptXmlNode, const char *psName) {
+  void *pt = ptXmlNode;
+  while (pt != nullptr && xmlGetNodeName(pt) != nullptr && !isNamed(pt, psName)) pt = xmlGetFatherNode(pt);
+  return pt != nullptr && xmlGetNodeName(pt) != nullptr ? pt : nullptr;
+}
+
+SttInfo *findType(const char *psType) {
+  CVT_NOT_NULL(psType, nullptr);
+  SttInfo *pt = gptSttInfo;
+  while (pt != nullptr && std::strcmp(pt->psTypeName, psType) != 0) pt = pt->ptNext;
+  return pt;
+}
+
+void releaseChain(FuncList *&ptHead) {
+  while (ptHead != nullptr) {
+    const std::unique_ptr<FuncList> gone(ptHead);
+    ptHead = gone->ptNext;
+  }
+}
+
+// Makes another chain current for as long as it lives.
+class CurrentChain {
+ public:
+  explicit CurrentChain(FuncList *pt) : m_ptSaved(std::exchange(gptFuncList, pt)) {}
+  ~CurrentChain() { gptFuncList = m_ptSaved; }
+  CurrentChain(const CurrentChain &) = delete;
+  CurrentChain &operator=(const CurrentChain &) = delete;
+
+ private:
+  FuncList *m_ptSaved;
+};
+
+}  // namespace
+
+// --- What the bound records report ----------------------------------------------------------------------------
+
+namespace cvt::bind {
+
+void begin() {
+  nGRet = 0;
+  f_bPlaced = false;
+}
+
+void failed(int nLine, const char *psFunction, const char *psStatement, void *ptXmlNode) {
+  logInfo(1, "$cvt2", "stt_bind.h", nLine, psFunction, "%s is Err!!", psStatement);
+  if (ptXmlNode != nullptr) place(ptXmlNode);
+}
+
+void place(void *ptXmlNode) {
+  if (std::exchange(f_bPlaced, true)) return;
+  const XmlPlace at = xmlPlaceOf(ptXmlNode);
+  if (*at.psFile != 0) CVT_ERR("File[%s] Line[%ld] Element[%s]", at.psFile, at.nLine, xmlGetNodeName(ptXmlNode));
+}
+
+}  // namespace cvt::bind
+
+// --- Registry -----------------------------------------------------------------------------------------------------
+
+int sttAddSttInfo(char *psType, FncSttParse fParseFunction) {
+  CVT_NOT_NULL(psType, -1);
+  if (findType(psType) != nullptr) return 0;
+  auto fresh = std::make_unique<SttInfo>(SttInfo{strdup(psType), fParseFunction, nullptr, gptSttInfo});
+  gptSttInfo = fresh.release();
+  return 0;
+}
+
+int sttAddVoidFunctionToSttInfo(char *psType, sttFncParseVoid fpParseVoid, sttFncGenVoid fpGenVoid) {
+  CVT_NOT_NULL(psType, -1);
+  CVT_NOT_NULL(fpParseVoid, -1);
+  CVT_NOT_NULL(fpGenVoid, -1);
+  SttInfo *const ptInfo = findType(psType);
+  if (ptInfo == nullptr) {
+    CVT_ERR("SttInfo[%s] Not Defined!!", psType);
+    return -1;
+  }
+  auto fresh = std::make_unique<FuncList>(FuncList{fpParseVoid, fpGenVoid, ptInfo->ptVoidFunction});
+  ptInfo->ptVoidFunction = fresh.release();
+  return 0;
+}
+
+int sttAddFuncVoid(sttFncParseVoid fpParseVoid, sttFncGenVoid fpGenVoid) {
+  FuncList **pptEnd = &gptFuncList;
+  for (; *pptEnd != nullptr; pptEnd = &(*pptEnd)->ptNext) {
+    if ((*pptEnd)->fpParse == fpParseVoid) return 0;
+  }
+  *pptEnd = std::make_unique<FuncList>(FuncList{fpParseVoid, fpGenVoid, nullptr}).release();
+  return 0;
+}
+
+int sttResetFunctVoid() {
+  releaseChain(gptFuncList);
+  return 0;
+}
+
+int sttSetVoidType(void *pPoint, char *psStructType) {
+  if (pPoint == nullptr || psStructType == nullptr) return -1;
+  gptTypeList = std::make_unique<TypeList>(TypeList{pPoint, psStructType, gptTypeList}).release();
+  return 0;
+}
+
+char *sttGetVoidType(void *pPoint) {
+  for (const TypeList *pt = gptTypeList; pt != nullptr; pt = pt->ptNext) {
+    if (pt->p == pPoint) return pt->psType;
+  }
+  return nullptr;
+}
+
+int sttEnd() {
+  while (gptSttInfo != nullptr) {
+    const std::unique_ptr<SttInfo> gone(gptSttInfo);
+    gptSttInfo = gone->ptNext;
+    std::free(gone->psTypeName);
+    releaseChain(gone->ptVoidFunction);
+  }
+  return sttResetFunctVoid();
+}
+
+// --- Dispatch -----------------------------------------------------------------------------------------------------
+
+void *sttParseVoid(void *ptXmlNode, char *psStructType) {
+  for (const FuncList *pt = gptFuncList; pt != nullptr; pt = pt->ptNext) {
+    void *const ptStruct = pt->fpParse(ptXmlNode, psStructType);
+    if (ptStruct != nullptr) return ptStruct;
+  }
+  if (psStructType != nullptr && std::strcmp(psStructType, f_sBaseType) == 0) {
+    const XmlString value = attribute(ptXmlNode, f_sBaseValue);
+    return value == nullptr ? nullptr : strdup(value.get());
+  }
+  CVT_ERR("Type[%s] Not Define", psStructType);
+  return nullptr;
+}
+
+void *sttGenVoid(void *ptSruct, void *ptNode, char *psNodeName, char *psStructType) {
+  for (const FuncList *pt = gptFuncList; pt != nullptr; pt = pt->ptNext) {
+    void *const ptWritten = pt->fpGen(ptSruct, ptNode, psNodeName, psStructType);
+    if (ptWritten != nullptr) return ptWritten;
+  }
+  if (psStructType != nullptr && std::strcmp(psStructType, f_sBaseType) == 0) {
+    // The element made here is returned without being attached: what sttGenerateXmlVoid writes for a base
+    // string stays without its value. Callers that want the element attach it themselves.
+    void *const ptMade = xmlMadeNode(psNodeName);
+    auto *const psValue = static_cast<char *>(ptSruct);
+    if (xmlPutNodeAttr(ptMade, f_sBaseValue, psValue, length(psValue)) == nullptr) {
+      CVT_ERR("psValue Generate Xml Node err!");
+      xmlNodeFree(ptMade);
+      return nullptr;
+    }
+    return ptMade;
+  }
+  CVT_ERR("Type[%s] Not Define", psStructType);
+  return nullptr;
+}
+
+// --- Files ----------------------------------------------------------------------------------------------------------
+
+void *sttParseBySttInfo(char *psFile) {
+  CVT_NOT_NULL(psFile, nullptr);
+  const XmlDoc doc(xmlFileParse(psFile));
+  if (doc == nullptr) {
+    CVT_ERR("File[%s] Parse err!!", psFile);
+    CVT_ERR("File[%s] %s", psFile, cvt::xmlLastParseError().c_str());
+    return nullptr;
+  }
+  void *const ptXmlRoot = xmlGetHeadNode(doc.get());
+  if (ptXmlRoot == nullptr) {
+    CVT_ERR("File[%s] Get Root Err!!", psFile);
+    return nullptr;
+  }
+  char *psType = nullptr;
+  CVT_NOT_NULL(psType = xmlGetNodeName(ptXmlRoot), nullptr);
+  const SttInfo *const ptInfo = findType(psType);
+  if (ptInfo == nullptr) {
+    CVT_ERR("SttInfo no Type[%s] Info!!", psType);
+    return nullptr;
+  }
+  const CurrentChain chain(ptInfo->ptVoidFunction);
+  return ptInfo->fParseFunction(psFile, psType, xmlGetChileNode(ptXmlRoot));
+}
+
+void *sttParseXmlFile(char *psFileName, char *psRootTag, char *psType, void *pfParse) {
+  CVT_NOT_NULL(psRootTag, nullptr);
+  CVT_NOT_NULL(pfParse, nullptr);
+  void *ptXmlDoc = nullptr;
+  void *ptXmlRoot = nullptr;
+  void *ptHeadNode = nullptr;
+  if ((ptXmlDoc = xmlFileParse(psFileName)) == nullptr) {
+    CVT_ERR("[ptXmlDoc = xmlFileParse(psFileName)] is NULL");
+    CVT_ERR("File[%s] %s", psFileName, cvt::xmlLastParseError().c_str());
+    return nullptr;
+  }
+  const XmlDoc owner(ptXmlDoc);
+  CVT_NOT_NULL(ptXmlRoot = xmlGetHeadNode(ptXmlDoc), nullptr);
+  if (!isNamed(ptXmlRoot, psRootTag)) {
+    CVT_ERR("[%s] is different then xml root name[%s]", psRootTag, xmlGetNodeName(ptXmlRoot));
+    return nullptr;
+  }
+  CVT_NOT_NULL(ptHeadNode = xmlGetChileNode(ptXmlRoot), nullptr);
+  void *const ptStruct = reinterpret_cast<FncParseRecord>(pfParse)(ptHeadNode, psType);
+  if (nGRet == -1) {
+    CVT_ERR("parse xml[%s)%s] faile", psRootTag, psFileName);
+    return nullptr;
+  }
+  return ptStruct;
+}
+
+int sttGenXmlFile(char *psFileName, void *ptStruct, char *psTagName, char *psType, void *pfGen) {
+  CVT_NOT_NULL(psFileName, -1);
+  CVT_NOT_NULL(ptStruct, -1);
+  CVT_NOT_NULL(pfGen, -1);
+  const XmlDoc doc(xmlInit());
+  void *const ptRoot = xmlMadeNode(psTagName);
+  void *const ptNode = xmlMadeNode(psType);
+  xmlPutRootNode(doc.get(), ptRoot);
+  xmlPutChileNode(ptRoot, ptNode);
+  reinterpret_cast<FncGenRecord>(pfGen)(ptStruct, ptNode, psTagName, psType);
+  if (nGRet == -1) {
+    CVT_ERR("Make [%s)%s] Xml err!", psTagName, psFileName);
+    return -1;
+  }
+  if (xmlFileGenerate(psFileName, doc.get()) < 0) {
+    CVT_ERR("Generate Xml File[%s] err!", psFileName);
+    return -1;
+  }
+  return 0;
+}
+
+// --- Attributes: a missing one reads as null or 0, null and 0 are not written -------------------------------
+
+namespace {
+
+// A failing writer drops the element that was being filled, as its callers expect, and raises the flag.
+void putAttribute(void *ptXmlNode, char *psName, char *psText) {
+  if (xmlPutNodeAttr(ptXmlNode, psName, psText, length(psText)) != nullptr) return;
+  cvt::xmlDropNode(ptXmlNode);
+  nGRet = -1;
+}
+
+template <size_t nSize, class T>
+void putNumber(void *ptXmlNode, char *psName, const char *psFormat, T number) {
+  if (number == T{}) return;
+  char sText[nSize];
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+  std::snprintf(sText, sizeof sText, psFormat, number);
+#pragma GCC diagnostic pop
+  putAttribute(ptXmlNode, psName, sText);
+}
+
+
+}  // namespace
+
+char sttParseXmlChar(void *ptXmlNode, char *psName) {
+  const XmlString value = attribute(ptXmlNode, psName);
+  return value == nullptr ? char{0} : *value;
+}
+
+void sttGenerateXmlChar(void *ptXmlNode, char caChar, char *psName) {
+  putNumber<2>(ptXmlNode, psName, "%c", caChar);
+}
+
+char *sttParseXmlString(void *ptXmlNode, char *psName) { return xmlGetNodeAttr(ptXmlNode, psName); }
+
+void sttGenerateXmlString(void *ptXmlNode, char *psString, char *psName) {
+  if (psString != nullptr) putAttribute(ptXmlNode, psName, psString);
+}
+
+void sttFreeXmlString(char *psString) { xmlFreeString(psString); }
+
+int sttParseXmlInt(void *ptXmlNode, char *psName) {
+  const XmlString value = attribute(ptXmlNode, psName);
+  return value == nullptr ? 0 : std::atoi(value.get());
+}
+
+void sttGenerateXmlInt(void *ptXmlNode, int nInt, char *psName) {
+  putNumber<30>(ptXmlNode, psName, "%d", nInt);
+}
+
+long sttParseXmlLong(void *ptXmlNode, char *psName) {
+  const XmlString value = attribute(ptXmlNode, psName);
+  return value == nullptr ? 0 : std::atol(value.get());
+}
+
+void sttGenerateXmlLong(void *ptXmlNode, long lLong, char *psName) {
+  putNumber<60>(ptXmlNode, psName, "%ld", lLong);
+}
+
+// Kept as it is: an attribute that is present reads as 0.0 without being converted. An absent one has no text
+// to convert and reads as 0.0, too, so callers see 0.0 always. No record of the library uses these two kinds.
+float sttParseXmlFloat(void *, char *) { return 0.0F; }
+
+void sttGenerateXmlFloat(void *ptXmlNode, float fFloat, char *psName) {
+  putNumber<60>(ptXmlNode, psName, "%f", static_cast<double>(fFloat));
+}
+
+float sttParseXmlDouble(void *, char *) { return 0.0F; }
+
+void sttGenerateXmlDouble(void *ptXmlNode, double dDouble, char *psName) {
+  putNumber<60>(ptXmlNode, psName, "%lf", dDouble);
+}
+
+// --- Records --------------------------------------------------------------------------------------------------------
+
+namespace {
+
+// A new last child of ptFather with its "__ID"; null when it could not be made.
+void *appendRecord(void *ptFather, char *psTypeName, char *psName) {
+  void *const ptNode = xmlMadeNode(psTypeName);
+  if (ptNode == nullptr) return nullptr;
+  if (xmlPutNodeAttr(ptNode, f_sId, psName, length(psName)) == nullptr) {
+    xmlNodeFree(ptNode);
+    return nullptr;
+  }
+  xmlPutChileNode(ptFather, ptNode);
+  return ptNode;
+}
+
+void writeRecord(void *ptFather, void *ptStruct, char *psName, char *psTypeName, void *fFunc) {
+  void *const ptNode = appendRecord(ptFather, psTypeName, psName);
+  if (ptNode == nullptr) {
+    nGRet = -1;
+    return;
+  }
+  reinterpret_cast<FncGenRecord>(fFunc)(ptStruct, ptNode, psName, psTypeName);
+}
+
+}  // namespace
+
+void *sttParseXmlStruct(void *ptXmlNode, char *psType, char *psName, void *fFunc) {
+  void *const ptChild = childWithId(ptXmlNode, psType, psName);
+  return ptChild == nullptr ? nullptr : reinterpret_cast<FncParseRecord>(fFunc)(ptChild, psType);
+}
+
+void sttGenerateXmlStruct(void *ptXmlNode, void *ptStruct, char *psName, char *psTypeName, void *fFunc) {
+  if (ptStruct != nullptr) writeRecord(ptXmlNode, ptStruct, psName, psTypeName, fFunc);
+}
+
+void *sttParseXmlNext(void *ptXmlNode, char *psType, char *psName, void *fFunc) {
+  void *const ptOwn = selfOrAncestor(ptXmlNode, psType);
+  if (ptOwn == nullptr) return nullptr;
+  // Only the very next sibling counts: anything else between two records, a comment too, ends the list.
+  void *const ptSibling = xmlGetNextNode(ptOwn);
+  if (ptSibling == nullptr || !isNamed(ptSibling, psType) || !hasId(ptSibling, psName)) return nullptr;
+  return reinterpret_cast<FncParseRecord>(fFunc)(ptSibling, psType);
+}
+
+void sttGenerateXmlNext(void *ptXmlNode, void *ptStruct, char *psName, char *psTypeName, void *fFunc) {
+  if (ptStruct == nullptr) return;
+  void *const ptOwn = selfOrAncestor(ptXmlNode, psTypeName);
+  void *const ptFather = ptOwn == nullptr ? nullptr : xmlGetFatherNode(ptOwn);
+  if (ptFather == nullptr) {
+    nGRet = -1;
+    return;
+  }
+  writeRecord(ptFather, ptStruct, psName, psTypeName, fFunc);
+}
+
+void *sttParseXmlVoid(void *ptXmlNode, char *psName) {
+  void *const ptChild = childWithId(ptXmlNode, nullptr, psName);
+  return ptChild == nullptr ? nullptr : sttParseVoid(ptChild, xmlGetNodeName(ptChild));
+}
+
+void sttGenerateXmlVoid(void *ptXmlNode, void *ptVoid, char *psName) {
+  if (ptVoid == nullptr) return;
+  char *const psType = sttGetVoidType(ptVoid);
+  if (psType == nullptr) {
+    CVT_ERR("Struct Type Not Define!!");
+    nGRet = -1;
+    return;
+  }
+  void *const ptNode = xmlMadeNode(psType);
+  if (ptNode == nullptr) {
+    CVT_ERR("xmlMadeNode Err!!");
+    nGRet = -1;
+    return;
+  }
+  if (xmlPutNodeAttr(ptNode, f_sId, psName, length(psName)) == nullptr) {
+    CVT_ERR("xmlPutNodeAttr Err!!");
+    xmlNodeFree(ptNode);
+    nGRet = -1;
+    return;
+  }
+  if (xmlPutChileNode(ptXmlNode, ptNode) != 0) {
+    CVT_ERR("xmlPutChileNode Err!!");
+    xmlNodeFree(ptNode);
+    nGRet = -1;
+    return;
+  }
+  sttGenVoid(ptVoid, ptNode, psName, psType);
+  if (nGRet == -1) CVT_ERR("sttGenVoid Type[%s] Err!!", psType);
+}

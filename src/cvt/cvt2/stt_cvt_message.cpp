@@ -1,0 +1,296 @@
+// stt_cvt_message.cpp: the definition tree: its bound records, the creation of nodes, and the node index.
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+#include "cvt_definition.h"
+#include "cvt_log.h"
+#include "cvt_message.h"
+#include "stt_bind.h"
+
+namespace {
+
+// --- Traversal: a node, its child subtree, its other subtree, its next sibling -----------------------------
+
+struct MessageIter {
+  Message *ptMessage;
+  std::unique_ptr<MessageIter> ptNext;
+};
+
+struct IterHead {
+  std::unique_ptr<MessageIter> ptHead;  // most recently pushed
+
+  IterHead() = default;
+  IterHead(IterHead &&) = default;
+  IterHead &operator=(IterHead &&) = delete;
+  ~IterHead() {  // one by one: the chain may be long
+    while (ptHead != nullptr) ptHead = std::move(ptHead->ptNext);
+  }
+};
+
+void IterMessagePush(IterHead &tIter, Message *ptMessage) {
+  tIter.ptHead = std::make_unique<MessageIter>(MessageIter{ptMessage, std::move(tIter.ptHead)});
+}
+
+Message *IterMessagePop(IterHead &tIter) {
+  if (tIter.ptHead == nullptr) return nullptr;
+  const std::unique_ptr<MessageIter> top = std::move(tIter.ptHead);
+  tIter.ptHead = std::move(top->ptNext);
+  return top->ptMessage;
+}
+
+IterHead GetMsgIter(Message *ptMessage) {
+  IterHead tIter;
+  IterMessagePush(tIter, ptMessage);
+  return tIter;
+}
+
+// The child is pushed last, so its subtree comes first. ptLoopNode is never followed.
+Message *GetNextMessage(IterHead &tIter) {
+  Message *const ptMessage = IterMessagePop(tIter);
+  if (ptMessage == nullptr || ptMessage->ptStructAttr == nullptr) return ptMessage;
+  const StructAttr *const ptAttr = ptMessage->ptStructAttr;
+  if (ptAttr->ptNextNode != nullptr) IterMessagePush(tIter, ptAttr->ptNextNode);
+  if (ptAttr->ptOtherNode != nullptr) IterMessagePush(tIter, ptAttr->ptOtherNode);
+  if (ptAttr->ptChildNode != nullptr) IterMessagePush(tIter, ptAttr->ptChildNode);
+  return ptMessage;
+}
+
+int GetMessageNum(Message *ptMessage) {
+  CVT_NOT_NULL(ptMessage, -1);
+  int nNum = 0;
+  for (IterHead tIter = GetMsgIter(ptMessage); GetNextMessage(tIter) != nullptr;) ++nNum;
+  if (nNum > gnMaxValueNum) gnMaxValueNum = nNum;
+  return nNum;
+}
+
+// --- Numbering ------------------------------------------------------------------------------------------------------
+
+// A node keeps its first number: one shared with another definition, or numbered by its loop already. Groups
+// get 0 or, over a child that is numbered already, position + 1; plug-ins rely on both.
+void SetMessageIndex(Message *ptMessage, int nIndex) {
+  if (ptMessage->nIndex != -1) return;
+  const StructAttr *const ptAttr = ptMessage->ptStructAttr;
+  if (ptAttr->ptChildNode == nullptr || ptAttr->nType == CVT_STRUCT_LOOP) {
+    ptMessage->nIndex = nIndex;
+  } else {
+    ptMessage->nIndex = ptAttr->ptChildNode->nIndex == -1 ? 0 : nIndex + 1;
+  }
+}
+
+void putNode(Message **pptIdx, int nPos, Message *ptNode) {
+  __builtin_memcpy(reinterpret_cast<char *>(pptIdx) + static_cast<size_t>(nPos) * sizeof ptNode, &ptNode,
+                   sizeof ptNode);
+}
+
+// A loop met again, by an enclosing traversal or through a reference, has its index already.
+bool needsLoopIndex(const Message *ptMessage) {
+  if (ptMessage->ptStructAttr->nType != CVT_STRUCT_LOOP) return false;
+  const auto *const ptLoopType = static_cast<const LoopType *>(ptMessage->ptStructAttr->pInfo);
+  return ptLoopType == nullptr || ptLoopType->pptMessageIdx == nullptr;
+}
+
+// --- Positions by name, beside the indexes made here -------------------------------------------------------
+
+// Names are equal without regard to the case of ASCII letters, whatever the process's locale.
+char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
+struct NameHash {
+  size_t operator()(std::string_view s) const {
+    size_t nHash = 14695981039346656037U;  // FNV-1a
+    for (const char c : s) nHash = (nHash ^ static_cast<unsigned char>(lower(c))) * 1099511628211U;
+    return nHash;
+  }
+};
+struct NameEqual {
+  bool operator()(std::string_view a, std::string_view b) const {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](char x, char y) { return lower(x) == lower(y); });
+  }
+};
+using Positions = std::unordered_map<std::string_view, int, NameHash, NameEqual>;
+
+std::unordered_map<Message **, Positions> f_positions;
+
+void rememberPositions(Message **pptIdx) {
+  Positions positions;
+  for (int i = 0; Message *const ptNode = cvtIdxNode(pptIdx, i); ++i) {
+    const char *const psName = ptNode->psNodeName;
+    if (psName != nullptr) positions.emplace(psName, i);  // the first of a name wins
+  }
+  f_positions.insert_or_assign(pptIdx, std::move(positions));
+}
+
+int walkForName(Message **pptIdx, const char *psName) {
+  for (int i = 0; Message *const ptNode = cvtIdxNode(pptIdx, i); ++i) {
+    if (ptNode->psNodeName != nullptr && NameEqual{}(ptNode->psNodeName, psName)) return i;
+  }
+  return -1;
+}
+
+}  // namespace
+
+void cvt::forgetNodeIndexes() { f_positions.clear(); }
+
+void cvt::indexNodes(Message **pptIdx) { rememberPositions(pptIdx); }
+
+Message **cvtCreateMessageIdx(Message *ptMessage, int *pnNum) {
+  CVT_NOT_NULL(ptMessage, nullptr);
+  const int nNum = GetMessageNum(ptMessage);
+  *pnNum = nNum;
+  auto **const pptIdx =
+      static_cast<Message **>(cvtMemMalloc((nNum + 1) * static_cast<int>(sizeof(Message *))));
+  int i = 0;
+  IterHead tIter = GetMsgIter(ptMessage);
+  while ((ptMessage = GetNextMessage(tIter)) != nullptr) {
+    if (i > nNum) {
+      CVT_ERR("Create Message index err: Message[%s] index[%d] biger then max[%d]!!", ptMessage->psNodeName,
+              i, nNum);
+      return nullptr;
+    }
+    CVT_NOT_NULL(ptMessage->ptStructAttr, nullptr);
+    SetMessageIndex(ptMessage, i);
+    putNode(pptIdx, i++, ptMessage);
+    if (needsLoopIndex(ptMessage) && cvtLoopCreateIndex(ptMessage) != 0) {
+      CVT_ERR("Create Message index err: Message[%s] create Loop index err!!", ptMessage->psNodeName);
+      return nullptr;
+    }
+  }
+  rememberPositions(pptIdx);
+  return pptIdx;
+}
+
+int cvtGetNodeIdx(Message **pIdx, char *psName) {
+  CVT_NOT_NULL(pIdx, -1);
+  CVT_NOT_NULL(psName, -1);
+  const auto known = f_positions.find(pIdx);
+  if (known == f_positions.end()) return walkForName(pIdx, psName);
+  const auto it = known->second.find(psName);
+  return it == known->second.end() ? -1 : it->second;
+}
+
+int cvtGenMessageInfo(Msg *ptMsg) {
+  CVT_NOT_NULL(ptMsg, -1);
+  int nFieldNum = ptMsg->nFieldNum;
+  ptMsg->pptMessageIdx = cvtCreateMessageIdx(ptMsg->ptHead, &nFieldNum);
+  ptMsg->nFieldNum = nFieldNum;
+  if (ptMsg->pptMessageIdx == nullptr) {
+    CVT_ERR("Create Message[%s] Idx err!!", ptMsg->psMsgName);
+    return -1;
+  }
+  return 0;
+}
+
+// --- Nodes and references ---------------------------------------------------------------------------------------
+
+namespace {
+
+// Loads the definition from the directory being read. Null when that fails.
+Msg *loadReferenced(char *psName) {
+  char *const psCurrentPath = gptFmtGlobalInfo == nullptr ? nullptr : gptFmtGlobalInfo->psCurrentPath;
+  if (psCurrentPath == nullptr) {
+    CVT_ERR("CurrentPath is NULL!!");
+    return nullptr;
+  }
+  char sFile[2048];
+  snprintf(sFile, sizeof sFile, "%s.xml", psName);
+  if (cvtIniParseFileXml(gptFmtGlobalInfo->psBasePath, psCurrentPath, sFile, cvt::FmtMsgInit) != 0) {
+    CVT_ERR("Message Parse [%s] From[%s/%s] err!!", psName, psCurrentPath, sFile);
+    return nullptr;
+  }
+  Msg *const ptMsg = cvtGetMsg(psName);
+  if (ptMsg == nullptr) CVT_ERR("Message Get [%s][%s/%s] err!!", psName, psCurrentPath, sFile);
+  return ptMsg;
+}
+
+}  // namespace
+
+Message *cvtNewMessageByType(char *psNodeName, int nType, FormatAttr *ptFormAttr, StructAttr *ptStructAttr) {
+  if (nType >= 0) return sttNewMessage(psNodeName, nType, ptFormAttr, ptStructAttr);
+  if (psNodeName == nullptr) {
+    CVT_ERR("[psNodeName] is NULL");
+    nGRet = -1;
+    return nullptr;
+  }
+  Msg *ptMsg = cvtGetMsg(psNodeName);
+  if (ptMsg == nullptr) ptMsg = loadReferenced(psNodeName);
+  if (ptMsg == nullptr) {
+    nGRet = -1;
+    return nullptr;
+  }
+  // The nodes are shared. What the reference itself carries, its next sibling too, is dropped: the tree goes
+  // on with the referenced head's own siblings.
+  return ptMsg->ptHead;
+}
+
+void *cvtSttInitMessage(char *psFileName, char *psType, void *ptRootNode) {
+  Msg *const ptMsg = sttParseXmlMsg(ptRootNode, const_cast<char *>("Msg"));
+  if (ptMsg == nullptr) {
+    CVT_ERR("Init Xml struct : Load file[%s] err!!", psFileName);
+    return nullptr;
+  }
+  if (cvtGenMessageInfo(ptMsg) != 0) {
+    CVT_ERR("Init Xml struct[%s] : cvtGenMessageInfo err!!", ptMsg->psMsgName);
+    return nullptr;
+  }
+  if (cvt::initFormat(psType, ptMsg) != 0) {
+    CVT_ERR("Format [%s] Init Err!!", psType);
+    return nullptr;
+  }
+  return ptMsg;
+}
+
+// --- Bound records --------------------------------------------------------------------------------------------------
+
+// clang-format off
+#define STT_TABLE_Value(F) \
+  F(STRING, psValue)       \
+  F(INT,    nLen)
+STT_BIND(Value)
+
+#define STT_TABLE_FormatAttr(F) \
+  F(STRING, psFormatName)       \
+  F(VOID,   pInfo)
+STT_BIND(FormatAttr)
+
+#define STT_TABLE_StructAttr(F)      \
+  F(INT,    nType)                   \
+  F(VOID,   pInfo)                   \
+  F(STRUCT, ptOtherNode, Message)    \
+  F(STRUCT, ptChildNode, Message)    \
+  F(STRUCT, ptLoopNode,  Message)    \
+  F(NEXT,   ptNextNode,  Message)
+STT_BIND(StructAttr)
+
+// A node is created through cvtNewMessageByType: a negative nType turns the element into a reference.
+#define STT_TABLE_Message(F)         \
+  F(STRING,  psNodeName)             \
+  F(INT,     nType)                  \
+  F(STRUCT,  ptFormAttr,   FormatAttr) \
+  F(STRUCT,  ptStructAttr, StructAttr) \
+  F(DERIVED, nIndex, -1)
+STT_BIND_WITH(Message, cvtNewMessageByType)
+
+#define STT_TABLE_Msg(F)          \
+  F(STRING, psMsgName)            \
+  F(STRING, psMsgDesc)            \
+  F(STRING, psType)               \
+  F(STRUCT, ptHead, Message)      \
+  F(VOID,   pInfo)                \
+  F(VOID,   pIdInfo)              \
+  F(DERIVED, nFieldNum, -1)       \
+  F(DERIVED, nValueNum, -1)       \
+  F(DERIVED_NULL, fGen)           \
+  F(DERIVED_NULL, fParse)         \
+  F(DERIVED_NULL, fGetValue)      \
+  F(DERIVED_NULL, fSetValue)      \
+  F(DERIVED_NULL, pptMessageIdx)
+STT_BIND(Msg)
+
+STT_BIND_MODULE(cvt_message, STT_TYPE(Value), STT_TYPE(FormatAttr), STT_TYPE(StructAttr), STT_TYPE(Message),
+                STT_TYPE(Msg))
+// clang-format on
