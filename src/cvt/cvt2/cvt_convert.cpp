@@ -183,7 +183,7 @@ int count(const Arg *ptArgs) {
 FncConvert MakeFunction(char *psFuncName, Arg *ptArgs) {
   if (psFuncName == nullptr) {
     nGRet = -1;
-    CVT_ERR("psFuncName[%s] is NULL!!", psFuncName);
+    CVT_ERR("psFuncName[%s] is NULL!!", "(null)");
     return nullptr;
   }
   if (gptCvtGlobalInfo == nullptr) {
