@@ -77,8 +77,7 @@ struct CVT_RECORD RecordHead {
   char caGap[4];
 };
 
-// A record of that type with all defaults, from the configuration's pool. Null when a default is missing for
-// a required attribute, never otherwise.
+// A record of that type with all defaults, from the configuration's pool.
 void *newRecord(const RecordType &type);
 
 // Reads the element; null with nGRet -1 (logged) when it is refused.
@@ -86,6 +85,10 @@ void *readRecord(const RecordType &type, void *xmlElement);
 
 // Writes the attributes into the element; returns it, or null with nGRet -1.
 void *writeRecord(const RecordType &type, const void *record, void *xmlElement);
+
+// Whether records remember their type with the binding when they are read (sttSetVoidType), which writing a
+// definition to XML needs. The binding never forgets, so this is off unless it is asked for.
+void rememberTypes(bool on);
 
 // Whether the record is one of that type, made by this plug-in. Any record of the library (LoopType, Value,
 // ...), a "String", and null may be asked.
@@ -96,6 +99,9 @@ template <class T>
 const T *recordAs(const void *record, const RecordType &type) {
   return isRecord(record, type) ? static_cast<const T *>(record) : nullptr;
 }
+
+// Whether it is a record of some plug-in's table, of whatever type.
+bool isPlugRecord(const void *record);
 
 // The type's name for messages: "FixField", or "a record of another kind", or "nothing" for null.
 std::string recordName(const void *record);

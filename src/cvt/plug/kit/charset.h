@@ -70,16 +70,20 @@ class Charset {
  private:
   enum class Kind { Utf8, Table, Iconv };
   struct Table;
+  class Converter;
 
   explicit Charset(const char *name);
+  bool open();      // false: iconv does not know the set
+  void classify();  // one byte a character, contains ASCII
+
+  Converted encodeByTable(const char *in, size_t n, char *out, size_t room) const;
 
   std::string m_name;
   Kind m_kind = Kind::Iconv;
   bool m_ascii = false;
-  bool m_ok = false;
-  void *m_toUtf8;
-  void *m_fromUtf8;
-  void *m_toWide;  // for measuring: one output unit a character
+  std::unique_ptr<Converter> m_toUtf8;
+  std::unique_ptr<Converter> m_fromUtf8;
+  std::unique_ptr<Converter> m_toCodes;  // for measuring: four bytes a character
   std::unique_ptr<Table> m_table;
 };
 

@@ -18,6 +18,9 @@ namespace cvt::kit {
 // call's Path when the entry point catches the fault.
 class Fault : public std::exception {
  public:
+  // For code that knows no position: the entry point puts in how far the call has come.
+  static constexpr size_t kHere = static_cast<size_t>(-1);
+
   // offset: from the start of the buffer. advice: what to write instead, a sentence without its full stop;
   // may be empty.
   Fault(size_t offset, std::string expected, std::string found, std::string advice = {})

@@ -30,7 +30,7 @@ enum class NumberSign {
 // How Text fills its room.
 enum class NumberFill {
   Zeros,       // leading zeros, the sign at the very edge
-  BlankLeft,   // blanks in front: the number is right-aligned, its sign next to it
+  BlankLeft,   // blanks in front: the number is right-aligned, a leading sign stands next to its digits
   BlankRight,  // blanks behind
 };
 
@@ -40,7 +40,7 @@ struct NumberSpec {
   NumberFill fill = NumberFill::Zeros;
   int decimals = 0;
   bool point = false;      // Text: a real point before the decimals; otherwise it is implied
-  bool plusBlank = false;  // Text: a blank, not "+", stands in the sign position of a positive number
+  bool plusBlank = false;  // Text: a positive number has no "+"; the place of its sign is blank
   bool lenient = false;    // reads other signs too: packed A, E, F plus and B minus; zoned F or a plain digit
                            // plus; Text either plus, leading zeros among blanks
 };

@@ -14,7 +14,7 @@ namespace cvt::kit {
 
 class List {
  public:
-  // Throws Fault (offset 0) when the list is null or has fewer slots than the level.
+  // Throws Fault when the list is null or has fewer slots than the level.
   List(ValueList *list, int slots);
 
   // Nothing stored: an empty value, or a loop that has not been started.
@@ -47,7 +47,7 @@ class List {
   List repetition(int slot, int index, int slots) const;
 
   // Appends a repetition. Throws Fault when the loop is full; the message names gnMaxLoop.
-  List append(int slot, int slots, size_t offset);
+  List append(int slot, int slots);
 
   ValueList *raw() const { return m_list; }
 
@@ -86,7 +86,7 @@ class Store {
 
   char *copy(const char *bytes, size_t length) {
     char *piece = take(length);
-    std::memcpy(piece, bytes, length);
+    if (length != 0) std::memcpy(piece, bytes, length);
     return piece;
   }
 

@@ -1,0 +1,310 @@
+#include "charset.h"
+
+#include <iconv.h>
+#include <strings.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <map>
+#include <vector>
+
+#include "utf8.h"
+
+namespace cvt::kit {
+
+namespace {
+
+const char *const kUtf8 = "UTF-8";
+const char *const kCodes = "UTF-32LE";
+constexpr size_t kCodeSize = 4;
+
+// More than any shift sequence that closes a text.
+constexpr size_t kShiftRoom = 8;
+
+bool namesUtf8(const char *name) {
+  return strcasecmp(name, "UTF-8") == 0 || strcasecmp(name, "UTF8") == 0;
+}
+
+}  // namespace
+
+// One direction of iconv.
+class Charset::Converter {
+ public:
+  Converter(const char *to, const char *from) : m_iconv(iconv_open(to, from)) {}
+  ~Converter() {
+    if (ok()) iconv_close(m_iconv);
+  }
+  Converter(const Converter &) = delete;
+  Converter &operator=(const Converter &) = delete;
+
+  bool ok() const { return m_iconv != reinterpret_cast<iconv_t>(-1); }
+
+  // One whole text. With `close`, the output ends in the initial shift state.
+  Converted run(const char *in, size_t n, char *out, size_t room, bool close = true) const {
+    reset();
+    Converted result = step(in, n, out, room);
+    if (close && (result.damage == Damage::None || result.damage == Damage::NoRoom)) {
+      char *end = out + result.written;
+      size_t left = room - result.written;
+      const size_t status = iconv(m_iconv, nullptr, nullptr, &end, &left);
+      result.written = static_cast<size_t>(end - out);
+      if (status == static_cast<size_t>(-1)) return {result.read, result.written, Damage::Cut};
+    }
+    return result;
+  }
+
+  void reset() const { iconv(m_iconv, nullptr, nullptr, nullptr, nullptr); }
+
+  // Goes on where the last step ended.
+  Converted step(const char *in, size_t n, char *out, size_t room) const {
+    char *source = const_cast<char *>(in);
+    char *target = out;
+    size_t left = n;
+    size_t space = room;
+    const size_t status = iconv(m_iconv, &source, &left, &target, &space);
+    Damage damage = Damage::None;
+    if (status == static_cast<size_t>(-1)) {
+      damage = errno == E2BIG ? Damage::NoRoom : errno == EINVAL ? Damage::Cut : Damage::Invalid;
+    } else if (status > 0) {
+      damage = Damage::Unmappable;  // something was replaced
+    }
+    return {n - left, room - space, damage};
+  }
+
+ private:
+  iconv_t m_iconv;
+};
+
+// A set of one byte a character.
+struct Charset::Table {
+  struct Entry {
+    unsigned char length;  // of the UTF-8 form; 0: no such character
+    char bytes[4];
+  };
+
+  Entry decode[256] = {};
+  short encodeLow[256];                                        // code below 256: the byte, -1 none
+  std::vector<std::pair<uint32_t, unsigned char>> encodeHigh;  // sorted by code
+  size_t longest = 1;
+
+  int byteOf(uint32_t code) const {
+    if (code < 256) return encodeLow[code];
+    const auto it = std::lower_bound(encodeHigh.begin(), encodeHigh.end(),
+                                     std::pair<uint32_t, unsigned char>(code, '\0'));
+    return it != encodeHigh.end() && it->first == code ? it->second : -1;
+  }
+};
+
+const char *damageText(Damage damage) {
+  switch (damage) {
+    case Damage::None:
+      return "nothing";
+    case Damage::Invalid:
+      return "valid characters";
+    case Damage::Cut:
+      return "a whole character";
+    case Damage::Unmappable:
+      return "characters that the set has";
+    case Damage::NoRoom:
+      return "room for all characters";
+  }
+  return "";
+}
+
+const Charset *Charset::find(const char *name) {
+  static std::map<std::string, std::unique_ptr<Charset>> known;
+  const std::string key = name == nullptr ? kUtf8 : name;
+  const auto it = known.find(key);
+  if (it != known.end()) return it->second.get();
+  // A slash would ask iconv for replacement characters.
+  if (key.empty() || key.find('/') != std::string::npos) return nullptr;
+  std::unique_ptr<Charset> set(new Charset(key.c_str()));
+  if (!set->open()) return nullptr;
+  return known.emplace(key, std::move(set)).first->second.get();
+}
+
+Charset::Charset(const char *name) : m_name(name) {}
+Charset::~Charset() = default;
+
+bool Charset::open() {
+  if (namesUtf8(m_name.c_str())) {
+    m_kind = Kind::Utf8;
+    m_ascii = true;
+    return true;
+  }
+  m_toUtf8 = std::make_unique<Converter>(kUtf8, m_name.c_str());
+  m_fromUtf8 = std::make_unique<Converter>(m_name.c_str(), kUtf8);
+  m_toCodes = std::make_unique<Converter>(kCodes, m_name.c_str());
+  if (!m_toUtf8->ok() || !m_fromUtf8->ok() || !m_toCodes->ok()) return false;
+  classify();
+  return true;
+}
+
+void Charset::classify() {
+  auto table = std::make_unique<Table>();
+  std::fill(std::begin(table->encodeLow), std::end(table->encodeLow), static_cast<short>(-1));
+  bool oneByte = true;
+  m_ascii = true;
+  for (unsigned i = 0; i < 256; ++i) {
+    const char byte = static_cast<char>(i);
+    char code[16];
+    const Converted closed = m_toCodes->run(&byte, 1, code, sizeof code);
+    const bool same = closed.damage == Damage::None && closed.written == kCodeSize && code[0] == byte;
+    if (i < 0x80 && !same) m_ascii = false;
+    const Converted open = m_toCodes->run(&byte, 1, code, sizeof code, false);
+    if (open.damage == Damage::Invalid) continue;
+    if (open.damage != Damage::None || open.written != kCodeSize) {
+      oneByte = false;
+      continue;
+    }
+    uint32_t value;
+    std::memcpy(&value, code, sizeof value);
+    Table::Entry &entry = table->decode[i];
+    entry.length = static_cast<unsigned char>(putUtf8(value, entry.bytes));
+    table->longest = std::max<size_t>(table->longest, entry.length);
+    if (value >= 256) {
+      table->encodeHigh.emplace_back(value, static_cast<unsigned char>(i));
+    } else if (table->encodeLow[value] < 0) {
+      table->encodeLow[value] = static_cast<short>(i);
+    }
+  }
+  if (!oneByte) return;
+  std::stable_sort(table->encodeHigh.begin(), table->encodeHigh.end());
+  m_table = std::move(table);
+  m_kind = Kind::Table;
+}
+
+size_t Charset::decodedRoom(size_t n) const {
+  if (m_kind == Kind::Utf8) return n;
+  return m_kind == Kind::Table ? n * m_table->longest : n * 4 + 16;
+}
+
+Converted Charset::decode(const char *in, size_t n, char *out, size_t room) const {
+  if (m_ascii && n <= room && ascii(in, n)) {
+    if (n != 0) std::memcpy(out, in, n);
+    return {n, n, Damage::None};
+  }
+  if (m_kind == Kind::Iconv) return m_toUtf8->run(in, n, out, room);
+  if (m_kind == Kind::Utf8) {
+    Converted checked = checkUtf8(in, n);
+    if (checked.read > room) checked = {cutUtf8(in, checked.read, room), 0, Damage::NoRoom};
+    if (checked.read != 0) std::memcpy(out, in, checked.read);
+    return {checked.read, checked.read, checked.damage};
+  }
+  size_t written = 0;
+  for (size_t i = 0; i < n; ++i) {
+    const Table::Entry &entry = m_table->decode[static_cast<unsigned char>(in[i])];
+    if (entry.length == 0) return {i, written, Damage::Invalid};
+    if (entry.length > room - written) return {i, written, Damage::NoRoom};
+    std::memcpy(out + written, entry.bytes, entry.length);
+    written += entry.length;
+  }
+  return {n, written, Damage::None};
+}
+
+Converted Charset::encode(const char *in, size_t n, char *out, size_t room) const {
+  if (m_ascii && n <= room && ascii(in, n)) {
+    if (n != 0) std::memcpy(out, in, n);
+    return {n, n, Damage::None};
+  }
+  if (m_kind == Kind::Utf8) {
+    Converted checked = checkUtf8(in, n);
+    if (checked.read > room) checked = {cutUtf8(in, checked.read, room), 0, Damage::NoRoom};
+    if (checked.read != 0) std::memcpy(out, in, checked.read);
+    return {checked.read, checked.read, checked.damage};
+  }
+  if (m_kind == Kind::Table) return encodeByTable(in, n, out, room);
+  const Converted checked = checkUtf8(in, n);
+  Converted result = m_fromUtf8->run(in, checked.read, out, room);
+  // A text that was cut for room must still have room for the sequence that closes it.
+  for (size_t less = 1; result.damage == Damage::Cut && less <= kShiftRoom && less <= room; ++less) {
+    result = m_fromUtf8->run(in, checked.read, out, room - less);
+    if (result.damage == Damage::None) result.damage = Damage::NoRoom;
+  }
+  if (result.damage == Damage::Invalid) result.damage = Damage::Unmappable;
+  return result.damage == Damage::None ? Converted{result.read, result.written, checked.damage} : result;
+}
+
+Converted Charset::encodeByTable(const char *in, size_t n, char *out, size_t room) const {
+  size_t read = 0;
+  size_t written = 0;
+  while (read < n) {
+    const Utf8Char next = utf8Char(in + read, n - read);
+    if (next.length <= 0) return {read, written, next.length == 0 ? Damage::Invalid : Damage::Cut};
+    const int byte = m_table->byteOf(next.code);
+    if (byte < 0) return {read, written, Damage::Unmappable};
+    if (written == room) return {read, written, Damage::NoRoom};
+    out[written++] = static_cast<char>(byte);
+    read += static_cast<size_t>(next.length);
+  }
+  return {read, written, Damage::None};
+}
+
+Converted Charset::measure(const char *in, size_t n, size_t characters) const {
+  if (m_kind == Kind::Table) {
+    const size_t seen = std::min(n, characters);
+    return {seen, seen, seen < characters ? Damage::Cut : Damage::None};
+  }
+  size_t read = 0;
+  size_t seen = 0;
+  if (m_kind == Kind::Utf8) {
+    for (; seen < characters; ++seen) {
+      if (read == n) return {read, seen, Damage::Cut};
+      const Utf8Char next = utf8Char(in + read, n - read);
+      if (next.length <= 0) return {read, seen, next.length == 0 ? Damage::Invalid : Damage::Cut};
+      read += static_cast<size_t>(next.length);
+    }
+    return {read, seen, Damage::None};
+  }
+  char codes[256 * kCodeSize];
+  m_toCodes->reset();
+  while (seen < characters) {
+    const size_t room = std::min<size_t>(characters - seen, 256) * kCodeSize;
+    const Converted part = m_toCodes->step(in + read, n - read, codes, room);
+    read += part.read;
+    seen += part.written / kCodeSize;
+    if (part.damage == Damage::NoRoom || seen == characters) continue;
+    return {read, seen, part.damage == Damage::None ? Damage::Cut : part.damage};
+  }
+  return {read, seen, Damage::None};
+}
+
+size_t Charset::countUtf8(const char *in, size_t n) {
+  size_t count = 0;
+  for (size_t i = 0; i < n; ++i) count += (static_cast<unsigned char>(in[i]) & 0xC0) != 0x80 ? 1 : 0;
+  return count;
+}
+
+size_t Charset::cutUtf8(const char *in, size_t n, size_t limit) {
+  if (n <= limit) return n;
+  while (limit > 0 && (static_cast<unsigned char>(in[limit]) & 0xC0) == 0x80) --limit;
+  return limit;
+}
+
+bool Charset::ascii(const char *in, size_t n) {
+  constexpr uint64_t kHighBits = 0x8080808080808080U;
+  size_t i = 0;
+  for (; i + 8 <= n; i += 8) {
+    uint64_t word;
+    std::memcpy(&word, in + i, sizeof word);
+    if ((word & kHighBits) != 0) return false;
+  }
+  for (; i < n; ++i) {
+    if (static_cast<unsigned char>(in[i]) >= 0x80) return false;
+  }
+  return true;
+}
+
+Converted Charset::checkUtf8(const char *in, size_t n) {
+  if (ascii(in, n)) return {n, n, Damage::None};
+  size_t read = 0;
+  while (read < n) {
+    const Utf8Char next = utf8Char(in + read, n - read);
+    if (next.length <= 0) return {read, read, next.length == 0 ? Damage::Invalid : Damage::Cut};
+    read += static_cast<size_t>(next.length);
+  }
+  return {read, read, Damage::None};
+}
+
+}  // namespace cvt::kit
