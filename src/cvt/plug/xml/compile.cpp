@@ -1,0 +1,474 @@
+// compile.cpp: from a definition to its plan. Whatever could fail for a name, a namespace or an encoding
+// fails here, when the definition loads, with the place in its file.
+#include <utility>
+
+#include "attributes.h"
+#include "fault.h"
+#include "names.h"
+#include "plan.h"
+#include "shape.h"
+
+namespace cvt::xml {
+
+namespace {
+
+using kit::Level;
+using kit::Misconfigured;
+using kit::Node;
+using kit::NodeKind;
+
+constexpr XmlField plainField() {
+  XmlField field{};
+  field.nSpace = -1;  // the document's
+  return field;
+}
+constexpr XmlField kPlainField = plainField();
+constexpr XmlGroup kPlainGroup{};
+constexpr XmlLoop kPlainLoop{};
+
+std::string text(const char *s) {
+  return s == nullptr ? "" : s;
+}
+
+std::vector<std::string> words(const std::string &list) {
+  static constexpr const char *kBlank = " \t\r\n";
+  std::vector<std::string> all;
+  size_t end = 0;
+  for (size_t at = list.find_first_not_of(kBlank); at != std::string::npos;
+       at = list.find_first_not_of(kBlank, end)) {
+    end = list.find_first_of(kBlank, at);
+    all.push_back(list.substr(at, end - at));
+  }
+  return all;
+}
+
+std::string escaped(const std::string &value) {
+  std::string out;
+  for (const char c : value) {
+    switch (c) {
+      case '&':
+        out += "&amp;";
+        break;
+      case '<':
+        out += "&lt;";
+        break;
+      case '"':
+        out += "&quot;";
+        break;
+      default:
+        out += c;
+    }
+  }
+  return out;
+}
+
+// What a level of elements inherits from the one around it.
+struct Scope {
+  std::string path;          // of the node around, for messages
+  const void *record;        // its record
+  std::string defaultSpace;  // the namespace of names without prefix
+  size_t depth;              // open elements
+};
+
+class Compiler {
+ public:
+  Compiler(const Msg &msg, const XmlMsg &document)
+      : m_msg(msg), m_document(document), m_plan(std::make_unique<Plan>()) {}
+
+  std::unique_ptr<Plan> run();
+
+ private:
+  void options();
+  void encodings();
+  void outputEncoding();
+  void prefixes();
+  void root(const Level &level);
+
+  void children(Element &parent, const Level &level, size_t from, size_t to, const Scope &scope);
+  void addField(Element &parent, const Level &level, size_t at, const Scope &scope);
+  void addGroup(Element &parent, const Level &level, size_t at, const Scope &scope);
+  void addLoop(Element &parent, const Level &level, size_t at, const Scope &scope);
+  void addAttribute(Element &parent, Text text, const std::string &name, const Scope &scope);
+  void addChild(Element &parent, Element child, const Scope &scope);
+  Element repeatedField(const Node &node, const Scope &scope);
+  Element repeatedGroup(const Node &node, const Scope &scope);
+  Element wrapped(Element repeated, const XmlLoop &loop, const Scope &scope);
+
+  Element element(const char *node, const std::string &name, const Scope &scope, const char *space = nullptr);
+  Text textOf(const Node &node, const XmlField &field, const Level &level, size_t at, const Scope &scope);
+  std::vector<Count> countsOf(const Level &level);
+  std::string expand(const std::string &name, const std::string &defaultSpace, const Scope &scope) const;
+  std::string encoded(const std::string &markup, const Scope &scope) const;
+  Scope inside(const Scope &scope, const Node &node) const;
+
+  template <class T>
+  const T &recordOf(const void *record, const kit::RecordType &type, const T &plain, const char *member,
+                    const Scope &scope) const;
+
+  const Msg &m_msg;
+  const XmlMsg &m_document;
+  std::unique_ptr<Plan> m_plan;
+};
+
+std::unique_ptr<Plan> Compiler::run() {
+  options();
+  encodings();
+  prefixes();
+  root(kit::compileShape(m_msg));
+  return std::move(m_plan);
+}
+
+void Compiler::options() {
+  m_plan->skipUnknown = m_document.nUnknown == static_cast<int>(Unknown::Skip);
+  m_plan->maxDepth = static_cast<size_t>(m_document.nMaxDepth);
+  m_plan->maxAttributes = static_cast<size_t>(m_document.nMaxAttributes);
+  m_plan->indent = static_cast<size_t>(m_document.nIndent);
+  m_plan->finalLineFeed = m_document.nFinalLineFeed != 0;
+  m_plan->emptyPair = m_document.nEmptyTag == static_cast<int>(EmptyTag::Pair);
+}
+
+void Compiler::encodings() {
+  m_plan->encoding = m_document.psEncoding;
+  outputEncoding();
+  m_plan->encodings.push_back({m_plan->encoding, m_plan->charset});
+  for (const std::string &name : words(text(m_document.psInputEncodings))) {
+    const kit::Charset *charset = kit::Charset::find(name.c_str());
+    if (charset == nullptr || !charset->containsAscii()) {
+      throw Misconfigured("", &m_document, "encodings that contain ASCII in psInputEncodings", name,
+                          "UTF-8, UTF-16, ISO-8859-1 and US-ASCII need not be named");
+    }
+    m_plan->encodings.push_back({name, charset});
+  }
+  if (m_document.nDeclaration == 0) return;
+  m_plan->prologue = "<?xml version=\"1.0\" encoding=\"" + m_plan->encoding + "\"?>";
+  if (m_plan->indent > 0) m_plan->prologue += '\n';
+}
+
+// Markup is written byte by byte and values piece by piece: ASCII must be itself and no piece may leave the
+// encoding in another shift state.
+bool writable(const kit::Charset &charset) {
+  if (charset.isUtf8()) return true;
+  for (char c = ' '; c < 0x7F; ++c) {
+    char byte[16];
+    const kit::Converted one = charset.encode(&c, 1, byte, sizeof byte);
+    if (one.damage != kit::Damage::None || one.written != 1 || byte[0] != c) return false;
+  }
+  for (const std::string_view probe : {"é", "Ж", "あ", "中", "한"}) {
+    char bytes[64];
+    const kit::Converted some = charset.encode(probe.data(), probe.size(), bytes, sizeof bytes);
+    for (size_t i = 0; i < some.written; ++i) {
+      if (static_cast<unsigned char>(bytes[i]) < ' ') return false;
+    }
+  }
+  return true;
+}
+
+void Compiler::outputEncoding() {
+  const std::string &name = m_plan->encoding;
+  const bool plain = !name.empty() && name.find(':') == std::string::npos && name.front() != '_' &&
+                     isName(name) && kit::Charset::ascii(name.data(), name.size());
+  m_plan->charset = plain ? kit::Charset::find(name.c_str()) : nullptr;
+  if (m_plan->charset == nullptr) {
+    throw Misconfigured("", &m_document, "an encoding that iconv knows in psEncoding", "\"" + name + "\"",
+                        "Write UTF-8, or see `iconv -l`");
+  }
+  if (!m_plan->charset->containsAscii() || !writable(*m_plan->charset)) {
+    throw Misconfigured("", &m_document, "an encoding without shift states that contains ASCII in psEncoding",
+                        name, "Write UTF-8; UTF-16 can be read but not written");
+  }
+}
+
+void Compiler::prefixes() {
+  const Scope scope{"", &m_document, "", 0};
+  for (const std::string &pair : words(text(m_document.psPrefixes))) {
+    const size_t equals = pair.find('=');
+    const std::string prefix = pair.substr(0, equals);
+    const std::string uri = equals == std::string::npos ? "" : pair.substr(equals + 1);
+    if (!isPlainName(prefix) || prefix.starts_with("xml") || uri.empty() || uri == kXmlUri ||
+        uri == kXmlnsUri) {
+      throw Misconfigured("", &m_document, "prefix=URI pairs in psPrefixes", "\"" + pair + "\"",
+                          "Write p=urn:example; prefixes that begin with xml are reserved");
+    }
+    for (const Prefix &other : m_plan->prefixes) {
+      if (other.prefix != prefix) continue;
+      throw Misconfigured("", &m_document, "each prefix once in psPrefixes", "\"" + prefix + "\" twice",
+                          "Remove one");
+    }
+    m_plan->prefixes.push_back({prefix, uri});
+  }
+}
+
+void Compiler::root(const Level &level) {
+  const Scope outside{"", &m_document, "", 0};
+  const char *given = m_document.psRoot;
+  const char *name = given == nullptr ? m_msg.psMsgName : given;
+  Element root = element(m_msg.psMsgName, text(name), outside, m_document.psNamespace);
+  std::string declared;
+  for (const Prefix &prefix : m_plan->prefixes) {
+    declared += " xmlns:" + prefix.prefix + "=\"" + escaped(prefix.uri) + "\"";
+  }
+  root.open += encoded(declared, outside);
+  root.mandatory = true;
+  root.counts = countsOf(level);
+  m_plan->slots = level.slots;
+  const Scope inner{"", &m_document, text(m_document.psNamespace), 1};
+  children(root, level, 0, level.nodes.size(), inner);
+  m_plan->root = std::move(root);
+}
+
+void Compiler::children(Element &parent, const Level &level, size_t from, size_t to, const Scope &scope) {
+  for (size_t at = from; at < to; at = static_cast<size_t>(level.nodes[at].next)) {
+    const Node &node = level.nodes[at];
+    if (node.counted || node.structRecord != nullptr) {
+      throw Misconfigured(kit::nodePath(scope.path, node), node.record, "a field, a group or a loop",
+                          node.counted ? "a counted node" : "a record in StructAttr",
+                          "Write the XmlField or XmlGroup into FormatAttr, the LoopType of a loop into "
+                          "StructAttr nType=\"1\"");
+    }
+    if (node.kind == NodeKind::Field) addField(parent, level, at, scope);
+    if (node.kind == NodeKind::Group) addGroup(parent, level, at, scope);
+    if (node.kind == NodeKind::Loop) addLoop(parent, level, at, scope);
+  }
+}
+
+// The node's record, or what a node without one means.
+template <class T>
+const T &Compiler::recordOf(const void *record, const kit::RecordType &type, const T &plain,
+                            const char *member, const Scope &scope) const {
+  if (record == nullptr) return plain;
+  const T *found = kit::recordAs<T>(record, type);
+  if (found != nullptr) return *found;
+  throw Misconfigured(scope.path, record, std::string(type.name) + " as " + member, kit::recordName(record));
+}
+
+Scope Compiler::inside(const Scope &scope, const Node &node) const {
+  return {kit::nodePath(scope.path, node), node.record == nullptr ? scope.record : node.record,
+          scope.defaultSpace, scope.depth};
+}
+
+void Compiler::addField(Element &parent, const Level &level, size_t at, const Scope &scope) {
+  const Node &node = level.nodes[at];
+  const Scope here = inside(scope, node);
+  const XmlField &field = recordOf(node.record, kXmlField, kPlainField, "FormatAttr.pInfo", here);
+  Text value = textOf(node, field, level, at, here);
+  const auto kind = static_cast<FieldKind>(field.nKind);
+  if (kind == FieldKind::Text) {
+    if (parent.text.has_value() || field.psName != nullptr) {
+      throw Misconfigured(here.path, here.record, "one text field, without psName, in an element",
+                          parent.text.has_value() ? "a second one" : "psName", "Remove it");
+    }
+    parent.text = value;
+    return;
+  }
+  const std::string name = field.psName == nullptr ? node.name : text(field.psName);
+  if (kind == FieldKind::Attribute) return addAttribute(parent, value, name, here);
+  Element leaf = element(node.name, name, here);
+  leaf.field = true;
+  leaf.text = value;
+  leaf.mandatory = value.mandatory;
+  leaf.keepEmpty = value.keepEmpty;
+  addChild(parent, std::move(leaf), here);
+}
+
+void Compiler::addAttribute(Element &parent, Text value, const std::string &name, const Scope &scope) {
+  // An attribute without prefix is in no namespace.
+  Attribute attribute{value, name, expand(name, "", scope), encoded(" " + name + "=\"", scope)};
+  if (!parent.attributeNames.add(attribute.expanded, static_cast<int>(parent.attributes.size()))) {
+    throw Misconfigured(scope.path, scope.record, "attributes of different names",
+                        "a second \"" + name + "\" of <" + parent.name + ">", "Give it another psName");
+  }
+  if (value.mandatory) parent.requiredAttributes.push_back(parent.attributes.size());
+  parent.attributes.push_back(std::move(attribute));
+  if (parent.attributes.size() > m_plan->maxAttributes) {
+    throw Misconfigured(scope.path, scope.record,
+                        "at most " + std::to_string(m_plan->maxAttributes) + " attributes", "more",
+                        "Raise nMaxAttributes of XmlMsg");
+  }
+}
+
+void Compiler::addGroup(Element &parent, const Level &level, size_t at, const Scope &scope) {
+  const Node &node = level.nodes[at];
+  Scope here = inside(scope, node);
+  const XmlGroup &group = recordOf(node.record, kXmlGroup, kPlainGroup, "FormatAttr.pInfo", here);
+  const std::string name = group.psName == nullptr ? node.name : text(group.psName);
+  Element child = element(node.name, name, here, group.psNamespace);
+  child.mandatory = group.nMandatory != 0;
+  child.keepEmpty = group.nKeepEmpty != 0;
+  if (group.psNamespace != nullptr) here.defaultSpace = group.psNamespace;
+  ++here.depth;
+  children(child, level, at + 1, static_cast<size_t>(node.next), here);
+  addChild(parent, std::move(child), scope);
+}
+
+void Compiler::addLoop(Element &parent, const Level &level, size_t at, const Scope &scope) {
+  const Node &node = level.nodes[at];
+  const Scope here = inside(scope, node);
+  const XmlLoop &loop = recordOf(node.loopRecord, kXmlLoop, kPlainLoop, "LoopType.ptInfo", here);
+  if (loop.nMax != kNoLimit && loop.nMax < loop.nMin) {
+    throw Misconfigured(here.path, node.loopRecord, "nMax at least nMin",
+                        std::to_string(loop.nMax) + " and " + std::to_string(loop.nMin));
+  }
+  Scope around = scope;
+  if (loop.psWrapper != nullptr) ++around.depth;
+  const Level &body = *node.body;
+  const bool single = body.nodes.size() == 1 && body.nodes[0].message == node.message;
+  Element repeated = single ? repeatedField(node, around) : repeatedGroup(node, around);
+  repeated.loopSlot = node.slot;
+  repeated.bodySlots = body.slots;
+  repeated.minTimes = loop.nMin;
+  repeated.maxTimes = loop.nMax;
+  addChild(parent, wrapped(std::move(repeated), loop, here), here);
+}
+
+// A loop without children: the one field of its body is the repeated element.
+Element Compiler::repeatedField(const Node &node, const Scope &scope) {
+  const Scope here = inside(scope, node);
+  const XmlField &field = recordOf(node.record, kXmlField, kPlainField, "FormatAttr.pInfo", here);
+  if (field.nKind != static_cast<int>(FieldKind::Element) || field.nKeepEmpty != 0) {
+    throw Misconfigured(here.path, here.record, "psKind=\"element\" without nKeepEmpty in a loop",
+                        "another kind", "A repetition is always written, also when it is empty");
+  }
+  Element holder;
+  addField(holder, *node.body, 0, scope);
+  Element repeated = std::move(holder.children[0]);
+  repeated.mandatory = false;  // said of the value of each repetition
+  return repeated;
+}
+
+Element Compiler::repeatedGroup(const Node &node, const Scope &scope) {
+  Scope here = inside(scope, node);
+  const XmlGroup &group = recordOf(node.record, kXmlGroup, kPlainGroup, "FormatAttr.pInfo", here);
+  if (group.nMandatory != 0 || group.nKeepEmpty != 0) {
+    throw Misconfigured(here.path, here.record, "psName and psNamespace alone in the XmlGroup of a loop",
+                        "nMandatory or nKeepEmpty", "Write nMin=\"1\" into its XmlLoop");
+  }
+  const std::string name = group.psName == nullptr ? node.name : text(group.psName);
+  Element repeated = element(node.name, name, here, group.psNamespace);
+  if (group.psNamespace != nullptr) here.defaultSpace = group.psNamespace;
+  ++here.depth;
+  repeated.counts = countsOf(*node.body);
+  children(repeated, *node.body, 0, node.body->nodes.size(), here);
+  return repeated;
+}
+
+Element Compiler::wrapped(Element repeated, const XmlLoop &loop, const Scope &scope) {
+  if (loop.psWrapper == nullptr) {
+    if (loop.nKeepEmpty == 0) return repeated;
+    throw Misconfigured(scope.path, &loop, "psWrapper with nKeepEmpty", "none", "Write psWrapper");
+  }
+  Element wrapper = element(nullptr, loop.psWrapper, scope);
+  wrapper.keepEmpty = loop.nKeepEmpty != 0;
+  wrapper.mandatory = repeated.minTimes > 0;
+  addChild(wrapper, std::move(repeated), scope);
+  return wrapper;
+}
+
+void Compiler::addChild(Element &parent, Element child, const Scope &scope) {
+  if (!parent.childNames.add(child.expanded, static_cast<int>(parent.children.size()))) {
+    throw Misconfigured(scope.path, scope.record, "elements of different names",
+                        "a second <" + child.name + "> in <" + parent.name + ">",
+                        "Give it another psName, or make one loop of both");
+  }
+  if (child.mandatory || child.minTimes > 0) parent.requiredChildren.push_back(parent.children.size());
+  parent.children.push_back(std::move(child));
+}
+
+// An element of that name, as far as its name decides. space: the default namespace declared on it, or null.
+Element Compiler::element(const char *node, const std::string &name, const Scope &scope, const char *space) {
+  if (scope.depth >= m_plan->maxDepth) {
+    throw Misconfigured(scope.path, scope.record,
+                        "at most " + std::to_string(m_plan->maxDepth) + " elements inside each other", "more",
+                        "Raise nMaxDepth of XmlMsg");
+  }
+  const std::string own = space == nullptr ? scope.defaultSpace : space;
+  Element made;
+  made.node = node;
+  made.name = name;
+  made.expanded = expand(name, own, scope);
+  std::string open = "<" + name;
+  if (own != scope.defaultSpace) {
+    open += " xmlns=\"" + escaped(own) + "\"";
+    m_plan->defaultSpaces.push_back(own);
+  }
+  made.open = encoded(open, scope);
+  made.close = encoded("</" + name + ">", scope);
+  return made;
+}
+
+Text Compiler::textOf(const Node &node, const XmlField &field, const Level &level, size_t at,
+                      const Scope &scope) {
+  if (field.psDefault != nullptr && field.psConstant != nullptr) {
+    throw Misconfigured(scope.path, scope.record, "psDefault or psConstant", "both",
+                        "A constant needs no default");
+  }
+  Text made{};
+  made.slot = node.slot;
+  made.node = node.name;
+  made.mandatory = field.nMandatory != 0;
+  made.keepEmpty = field.nKeepEmpty != 0;
+  made.maxLength = static_cast<size_t>(field.nMaxLen);
+  made.space = static_cast<Space>(field.nSpace < 0 ? m_document.nSpace : field.nSpace);
+  made.fallback = field.psDefault;
+  made.constant = field.psConstant;
+  made.countedLoop = -1;
+  for (const Node &other : level.nodes) {
+    if (other.kind != NodeKind::Loop || other.countNode != static_cast<int>(at)) continue;
+    if (made.countedLoop >= 0 || made.constant != nullptr || made.fallback != nullptr) {
+      throw Misconfigured(scope.path, scope.record,
+                          "a count field of one loop, without psDefault or psConstant",
+                          made.countedLoop >= 0 ? "one of two loops" : "one with such an attribute");
+    }
+    made.countedLoop = other.slot;
+  }
+  return made;
+}
+
+std::vector<Count> Compiler::countsOf(const Level &level) {
+  std::vector<Count> counts;
+  for (const Node &node : level.nodes) {
+    if (node.kind != NodeKind::Loop || node.countNode < 0) continue;
+    const Node &field = level.nodes[static_cast<size_t>(node.countNode)];
+    counts.push_back({field.slot, node.slot, field.name, node.name});
+  }
+  return counts;
+}
+
+std::string Compiler::expand(const std::string &name, const std::string &defaultSpace,
+                             const Scope &scope) const {
+  const size_t colon = name.find(':');
+  const std::string local = colon == std::string::npos ? name : name.substr(colon + 1);
+  if (!isPlainName(local)) {
+    throw Misconfigured(scope.path, scope.record, "an XML name", "\"" + name + "\"", "Write psName");
+  }
+  if (colon == std::string::npos) {
+    if (name != "xmlns") return expandedName(defaultSpace, local);
+    throw Misconfigured(scope.path, scope.record, "an attribute or element", "xmlns",
+                        "Write psNamespace or psPrefixes of XmlMsg");
+  }
+  const std::string prefix = name.substr(0, colon);
+  if (prefix == "xml") return expandedName(kXmlUri, local);
+  for (const Prefix &known : m_plan->prefixes) {
+    if (known.prefix == prefix) return expandedName(known.uri, local);
+  }
+  throw Misconfigured(scope.path, scope.record, "a prefix of psPrefixes", "\"" + prefix + "\" in " + name,
+                      "Write psPrefixes=\"" + prefix + "=URI\" into XmlMsg");
+}
+
+std::string Compiler::encoded(const std::string &markup, const Scope &scope) const {
+  std::string out(4 * markup.size() + 16, '\0');
+  const kit::Converted done = m_plan->charset->encode(markup.data(), markup.size(), out.data(), out.size());
+  if (done.damage != kit::Damage::None) {
+    throw Misconfigured(scope.path, scope.record, "names that " + m_plan->encoding + " has characters for",
+                        "\"" + markup + "\"", "Write psName, or psEncoding=\"UTF-8\"");
+  }
+  out.resize(done.written);
+  return out;
+}
+
+}  // namespace
+
+std::unique_ptr<Plan> compilePlan(const Msg &msg, const XmlMsg &document) {
+  return Compiler(msg, document).run();
+}
+
+}  // namespace cvt::xml

@@ -1,0 +1,211 @@
+#include "generator.h"
+
+#include <charconv>
+
+#include "escape.h"
+
+namespace cvt::xml {
+
+namespace {
+
+using kit::Fault;
+using kit::List;
+
+class Generator {
+ public:
+  Generator(const Plan &plan, kit::GenerateCall &call)
+      : m_plan(plan), m_out(call.out), m_path(call.path), m_pretty(plan.indent > 0) {}
+
+  void document(ValueList *values) {
+    m_out.put(m_plan.prologue);
+    element(m_plan.root, List(values, m_plan.slots));
+    if (m_plan.finalLineFeed) m_out.put('\n');
+  }
+
+ private:
+  void child(const Element &child, const List &list);
+  void field(const Element &child, const List &list);
+  void repetitions(const Element &child, const List &list);
+  void element(const Element &element, const List &list);
+  void leaf(const Element &element, std::string_view value);
+  void attributes(const Element &element, const List &list);
+  void children(const Element &element, const List &list);
+  void empty(const Element &element);
+  void newLine();
+
+  std::string_view value(const Text &text, const List &list);
+  void check(const Text &text, std::string_view value) const;
+  bool hasValue(const Element &element, const List &list) const;
+
+  const Plan &m_plan;
+  kit::Output &m_out;
+  kit::Path &m_path;
+  bool m_pretty;  // children stand on lines of their own
+  size_t m_depth = 0;
+  char m_digits[16] = {};  // a count being written
+};
+
+void Generator::newLine() {
+  m_out.put('\n');
+  m_out.fill(' ', m_depth * m_plan.indent);
+}
+
+// The text to be written. Throws when it must not be empty but is.
+std::string_view Generator::value(const Text &text, const List &list) {
+  std::string_view found;
+  if (text.constant != nullptr) {
+    found = text.constant;
+  } else if (text.countedLoop >= 0) {
+    const auto end =
+        std::to_chars(m_digits, m_digits + sizeof m_digits, list.repetitions(text.countedLoop)).ptr;
+    found = {m_digits, static_cast<size_t>(end - m_digits)};
+  } else {
+    found = list.get(text.slot);
+    if (found.empty() && text.fallback != nullptr) found = text.fallback;
+  }
+  check(text, found);
+  return found;
+}
+
+void Generator::check(const Text &text, std::string_view value) const {
+  if (value.empty() && text.mandatory && !text.keepEmpty) {
+    throw Fault(Fault::kHere, "a value", "none",
+                "The field is mandatory; nKeepEmpty=\"1\" allows an empty one");
+  }
+  if (text.maxLength == 0 || value.size() <= text.maxLength) return;
+  const size_t characters = kit::Charset::countUtf8(value.data(), value.size());
+  if (characters <= text.maxLength) return;
+  throw Fault(Fault::kHere, "at most " + std::to_string(text.maxLength) + " characters",
+              std::to_string(characters) + ", " + kit::quoted(value.data(), value.size()),
+              "Raise nMaxLen, or shorten the value");
+}
+
+// Whether anything inside an element was given a value. What the definition itself supplies does not count:
+// constants, defaults and counts alone make no optional group appear.
+bool Generator::hasValue(const Element &element, const List &list) const {
+  const auto given = [&](const Text &text) {
+    return text.constant == nullptr && text.countedLoop < 0 && !list.empty(text.slot);
+  };
+  if (element.loop()) return list.repetitions(element.loopSlot) > 0;
+  if (element.text.has_value() && given(*element.text)) return true;
+  for (const Attribute &attribute : element.attributes) {
+    if (given(attribute.text)) return true;
+  }
+  for (const Element &child : element.children) {
+    if (hasValue(child, list)) return true;
+  }
+  return false;
+}
+
+void Generator::child(const Element &child, const List &list) {
+  if (child.loop()) return repetitions(child, list);
+  if (child.field) return field(child, list);
+  if (child.wrapper()) {
+    if (child.mandatory || child.keepEmpty || hasValue(child, list)) element(child, list);
+    return;
+  }
+  m_path.enter(child.node);
+  if (child.mandatory || child.keepEmpty || hasValue(child, list)) element(child, list);
+  m_path.leave();
+}
+
+void Generator::field(const Element &child, const List &list) {
+  m_path.field(child.node);
+  const std::string_view text = value(*child.text, list);
+  if (!text.empty() || child.keepEmpty) leaf(child, text);
+  m_path.field(nullptr);
+}
+
+void Generator::repetitions(const Element &child, const List &list) {
+  const int times = list.repetitions(child.loopSlot);
+  m_path.enter(child.node);
+  if (times < child.minTimes || (child.maxTimes > 0 && times > child.maxTimes)) {
+    const bool few = times < child.minTimes;
+    throw Fault(Fault::kHere,
+                "<" + child.name + "> at " + (few ? "least " : "most ") +
+                    std::to_string(few ? child.minTimes : child.maxTimes) + " times",
+                std::to_string(times), "See nMin and nMax of its XmlLoop");
+  }
+  for (int i = 0; i < times; ++i) {
+    m_path.repetition(i);
+    const List body = list.repetition(child.loopSlot, i, child.bodySlots);
+    if (child.field) {
+      leaf(child, value(*child.text, body));
+    } else {
+      element(child, body);
+    }
+  }
+  m_path.leave();
+}
+
+// An element that is nothing but text.
+void Generator::leaf(const Element &element, std::string_view value) {
+  if (m_pretty) newLine();
+  m_out.put(element.open);
+  if (value.empty()) return empty(element);
+  m_out.put('>');
+  putEscaped(m_out, *m_plan.charset, value, Place::Content);
+  m_out.put(element.close);
+}
+
+// The end of a start tag, and the end tag, of an element without content.
+void Generator::empty(const Element &element) {
+  if (m_plan.emptyPair) {
+    m_out.put('>');
+    m_out.put(element.close);
+  } else {
+    m_out.put("/>");
+  }
+}
+
+void Generator::element(const Element &element, const List &list) {
+  const bool pretty = m_pretty;
+  if (pretty && m_depth > 0) newLine();
+  m_out.put(element.open);
+  attributes(element, list);
+  const size_t tagEnd = m_out.offset();
+  m_out.put('>');
+  const size_t inside = m_out.offset();
+  if (element.text.has_value()) {
+    m_pretty = false;  // line breaks would become part of the text
+    m_path.field(element.text->node);
+    putEscaped(m_out, *m_plan.charset, value(*element.text, list), Place::Content);
+    m_path.field(nullptr);
+  }
+  children(element, list);
+  if (m_out.offset() == inside) {
+    m_out.rewind(tagEnd);
+    empty(element);
+  } else {
+    if (m_pretty) newLine();
+    m_out.put(element.close);
+  }
+  m_pretty = pretty;
+}
+
+void Generator::children(const Element &element, const List &list) {
+  ++m_depth;
+  for (const Element &each : element.children) child(each, list);
+  --m_depth;
+}
+
+void Generator::attributes(const Element &element, const List &list) {
+  for (const Attribute &attribute : element.attributes) {
+    m_path.field(attribute.text.node);
+    const std::string_view text = value(attribute.text, list);
+    if (!text.empty() || attribute.text.keepEmpty) {
+      m_out.put(attribute.open);
+      putEscaped(m_out, *m_plan.charset, text, Place::AttributeValue);
+      m_out.put('"');
+    }
+  }
+  m_path.field(nullptr);
+}
+
+}  // namespace
+
+void generateDocument(const Plan &plan, kit::GenerateCall &call) {
+  Generator(plan, call).document(call.values);
+}
+
+}  // namespace cvt::xml

@@ -1,0 +1,13 @@
+// parser.h: drives a Reader with the documents that expat reads.
+#pragma once
+
+#include "plan.h"
+#include "plugin.h"
+
+namespace cvt::xml {
+
+// Reads the document at call.from, which takes the rest of the buffer. Throws Fault for a text that is no
+// well-formed document, for a DOCTYPE, and for what the definition does not allow.
+void parseDocument(const Plan &plan, kit::ParseCall &call);
+
+}  // namespace cvt::xml

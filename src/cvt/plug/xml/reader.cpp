@@ -1,0 +1,295 @@
+#include "reader.h"
+
+#include <charconv>
+
+#include "log.h"
+
+namespace cvt::xml {
+
+namespace {
+
+using kit::Fault;
+
+bool blank(char c) {
+  return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+std::string_view trimmed(std::string_view text) {
+  while (!text.empty() && blank(text.front())) text.remove_prefix(1);
+  while (!text.empty() && blank(text.back())) text.remove_suffix(1);
+  return text;
+}
+
+std::string_view spaced(std::string_view text, Space space, std::string &room) {
+  if (space == Space::Preserve) return text;
+  const std::string_view inner = trimmed(text);
+  if (space == Space::Trim) return inner;
+  room.clear();
+  for (const char c : inner) {
+    if (!blank(c)) {
+      room += c;
+    } else if (room.back() != ' ') {
+      room += ' ';
+    }
+  }
+  return room;
+}
+
+std::string quoted(std::string_view text) {
+  return kit::quoted(text.data(), text.size());
+}
+
+// "a, b, c" for messages; long lists are cut.
+template <class Named>
+std::string list(const std::vector<Named> &all, const char *none) {
+  static constexpr size_t kShown = 12;
+  std::string names;
+  for (size_t i = 0; i < all.size() && i < kShown; ++i) names += (i == 0 ? "" : ", ") + all[i].name;
+  if (all.size() > kShown) names += ", and " + std::to_string(all.size() - kShown) + " more";
+  return names.empty() ? none : names;
+}
+
+// The name of the list that comes nearest, as advice.
+template <class Named>
+std::string advice(const std::vector<Named> &all, const std::string &found) {
+  std::vector<const char *> known;
+  for (const Named &named : all) known.push_back(named.name.c_str());
+  const char *near = kit::nearest(found.c_str(), known);
+  const std::string skip = "psUnknown=\"skip\" in XmlMsg passes over it";
+  return near == nullptr ? skip : "Write " + std::string(near) + "; " + skip;
+}
+
+}  // namespace
+
+Reader::Reader(const Plan &plan, kit::ParseCall &call, Room &room)
+    : m_plan(plan), m_call(call), m_room(room) {
+  m_room.frames.clear();
+  m_room.text.clear();
+  m_room.seen.clear();
+}
+
+std::string_view Reader::innermost() const {
+  return m_skipped > 0 || m_room.frames.empty() ? std::string_view() : m_room.frames.back().element->name;
+}
+
+void Reader::limit(const char *const *attributes, size_t declarations) const {
+  if (m_depth > m_plan.maxDepth) {
+    throw Fault(Fault::kHere, "at most " + std::to_string(m_plan.maxDepth) + " open elements", "one more",
+                "Raise nMaxDepth of XmlMsg");
+  }
+  size_t count = declarations;
+  for (; *attributes != nullptr; attributes += 2) ++count;
+  if (count > m_plan.maxAttributes) {
+    throw Fault(Fault::kHere, "at most " + std::to_string(m_plan.maxAttributes) + " attributes",
+                std::to_string(count), "Raise nMaxAttributes of XmlMsg");
+  }
+}
+
+void Reader::open(std::string_view name, const char *const *attributes, size_t declarations) {
+  ++m_depth;
+  limit(attributes, declarations);
+  if (m_skipped > 0) {
+    ++m_skipped;
+  } else if (!m_room.frames.empty()) {
+    openChild(m_room.frames.back(), name, attributes);
+  } else if (name == m_plan.root.expanded) {
+    enter(m_plan.root, kit::List(m_call.values, m_plan.slots), attributes);
+  } else {
+    throw Fault(Fault::kHere, "the root element <" + shownName(m_plan, m_plan.root.expanded) + ">",
+                "<" + shownName(m_plan, name) + ">",
+                "The message is another one, or psRoot or psNamespace is");
+  }
+}
+
+// Documents mostly keep the definition's order, so the next child is tried before the table.
+int Reader::find(const Frame &top, std::string_view name) const {
+  const Element &parent = *top.element;
+  const size_t next = top.nextChild;
+  if (next < parent.children.size() && parent.children[next].expanded == name) return static_cast<int>(next);
+  return parent.childNames.find(name);
+}
+
+void Reader::openChild(Frame &top, std::string_view name, const char *const *attributes) {
+  const int found = find(top, name);
+  if (found < 0) {
+    if (!m_plan.skipUnknown) unknown(top, name);
+    m_skipped = 1;
+    return;
+  }
+  const auto position = static_cast<size_t>(found);
+  const Element &child = top.element->children[position];
+  char &seen = m_room.seen[top.seenStart + position];
+  if (child.loop()) {
+    top.nextChild = position;
+    seen = 1;
+    enter(child, repetition(child, top.list), attributes);
+    return;
+  }
+  if (seen != 0) {
+    throw Fault(Fault::kHere, "<" + child.name + "> once", "a second one", "Make the node a loop");
+  }
+  seen = 1;
+  top.nextChild = position + 1;
+  if (child.field) {
+    m_call.path.field(child.node);
+  } else if (!child.wrapper()) {
+    m_call.path.enter(child.node);
+  }
+  enter(child, top.list, attributes);
+}
+
+kit::List Reader::repetition(const Element &child, kit::List &list) {
+  const int index = list.repetitions(child.loopSlot);
+  m_call.path.enter(child.node);
+  m_call.path.repetition(index);
+  if (child.maxTimes > 0 && index >= child.maxTimes) {
+    throw Fault(Fault::kHere, "<" + child.name + "> at most " + std::to_string(child.maxTimes) + " times",
+                "one more", "Raise nMax of its XmlLoop");
+  }
+  return list.append(child.loopSlot, child.bodySlots);
+}
+
+void Reader::enter(const Element &element, kit::List list, const char *const *given) {
+  Room &room = m_room;
+  room.frames.push_back({&element, list, room.text.size(), room.seen.size(), 0});
+  room.seen.resize(room.seen.size() + element.children.size() + element.attributes.size(), 0);
+  attributes(room.frames.back(), given);
+}
+
+void Reader::unknown(const Frame &top, std::string_view name) const {
+  const Element &parent = *top.element;
+  const std::string found = shownName(m_plan, name);
+  throw Fault(Fault::kHere, list(parent.children, "text alone") + " in <" + parent.name + ">",
+              "<" + found + ">", advice(parent.children, found));
+}
+
+void Reader::attributes(const Frame &frame, const char *const *given) {
+  for (; *given != nullptr; given += 2) attribute(frame, given[0], given[1]);
+  const Element &element = *frame.element;
+  const size_t first = frame.seenStart + element.children.size();
+  for (const size_t required : element.requiredAttributes) {
+    if (m_room.seen[first + required] != 0) continue;
+    const Attribute &missing = element.attributes[required];
+    m_call.path.field(missing.text.node);
+    throw Fault(Fault::kHere, "attribute " + missing.name + " of <" + element.name + ">", "none",
+                "It is mandatory");
+  }
+}
+
+void Reader::attribute(const Frame &frame, std::string_view name, std::string_view value) {
+  const Element &element = *frame.element;
+  const int found = element.attributeNames.find(name);
+  if (found >= 0) {
+    const Attribute &attribute = element.attributes[static_cast<size_t>(found)];
+    m_room.seen[frame.seenStart + element.children.size() + static_cast<size_t>(found)] = 1;
+    m_call.path.field(attribute.text.node);
+    store(attribute.text, frame.list, value);
+    m_call.path.field(nullptr);
+  } else if (!m_plan.skipUnknown) {
+    const std::string shown = shownName(m_plan, name);
+    throw Fault(Fault::kHere,
+                list(element.attributes, "no attribute") + " in the tag of <" + element.name + ">",
+                "attribute " + shown, advice(element.attributes, shown));
+  }
+}
+
+void Reader::text(std::string_view bytes) {
+  if (m_skipped > 0) return;
+  const Element &element = *m_room.frames.back().element;
+  if (element.text.has_value()) {
+    m_room.text.append(bytes);
+    return;
+  }
+  const std::string_view inner = trimmed(bytes);
+  if (inner.empty() || m_plan.skipUnknown) return;
+  throw Fault(Fault::kHere, list(element.children, "nothing") + " in <" + element.name + ">",
+              "text " + quoted(inner), "Remove it; a field with psKind=\"text\" would take it");
+}
+
+void Reader::store(const Text &text, kit::List list, std::string_view bytes) {
+  const std::string_view value = spaced(bytes, text.space, m_room.collapsed);
+  if (text.constant != nullptr && value != text.constant) {
+    throw Fault(Fault::kHere, quoted(text.constant), quoted(value), "The field is a constant");
+  }
+  if (value.empty()) {
+    if (!text.mandatory || text.keepEmpty) return;
+    throw Fault(Fault::kHere, "a value", "none",
+                "The field is mandatory; nKeepEmpty=\"1\" allows an empty one");
+  }
+  if (text.maxLength > 0 && value.size() > text.maxLength) {
+    const size_t characters = kit::Charset::countUtf8(value.data(), value.size());
+    if (characters > text.maxLength) {
+      throw Fault(Fault::kHere, "at most " + std::to_string(text.maxLength) + " characters",
+                  std::to_string(characters) + ", " + quoted(value), "Raise nMaxLen, or shorten the value");
+    }
+  }
+  list.put(text.slot, m_call.store.copy(value.data(), value.size()), value.size());
+}
+
+void Reader::close() {
+  --m_depth;
+  if (m_skipped > 0) {
+    --m_skipped;
+    return;
+  }
+  const Frame frame = m_room.frames.back();
+  const Element &element = *frame.element;
+  if (element.text.has_value()) {
+    if (!element.field) m_call.path.field(element.text->node);
+    store(*element.text, frame.list, std::string_view(m_room.text).substr(frame.textStart));
+    if (!element.field) m_call.path.field(nullptr);
+  }
+  complete(frame);
+  m_room.text.resize(frame.textStart);
+  m_room.seen.resize(frame.seenStart);
+  m_room.frames.pop_back();
+  leave(element);
+}
+
+// What must have come by the end of the element.
+void Reader::complete(const Frame &frame) {
+  const Element &element = *frame.element;
+  for (const size_t required : element.requiredChildren) {
+    const Element &child = element.children[required];
+    if (child.loop()) {
+      const int times = frame.list.repetitions(child.loopSlot);
+      if (times >= child.minTimes) continue;
+      throw Fault(Fault::kHere, "<" + child.name + "> at least " + std::to_string(child.minTimes) + " times",
+                  std::to_string(times), "See nMin of its XmlLoop");
+    }
+    if (m_room.seen[frame.seenStart + required] != 0) continue;
+    if (!child.wrapper()) m_call.path.field(child.node);
+    throw Fault(Fault::kHere, "<" + child.name + "> in <" + element.name + ">", "its end", "It is mandatory");
+  }
+  for (const Count &each : element.counts) count(each, frame.list);
+}
+
+// A count field that is there must be right; one that is not is filled in.
+void Reader::count(const Count &count, kit::List list) {
+  const int times = list.repetitions(count.loop);
+  const std::string_view value = list.get(count.slot);
+  char digits[16];
+  if (value.empty()) {
+    const auto end = std::to_chars(digits, digits + sizeof digits, times).ptr;
+    const auto length = static_cast<size_t>(end - digits);
+    list.put(count.slot, m_call.store.copy(digits, length), length);
+    return;
+  }
+  int told = -1;
+  const std::string_view inner = trimmed(value);
+  const auto [end, error] = std::from_chars(inner.data(), inner.data() + inner.size(), told);
+  if (error == std::errc() && end == inner.data() + inner.size() && told == times) return;
+  m_call.path.field(count.node);
+  throw Fault(Fault::kHere, std::to_string(times) + ", the number of repetitions of " + count.loopNode,
+              quoted(value), "Correct the count");
+}
+
+void Reader::leave(const Element &element) {
+  if (element.field && !element.loop()) {
+    m_call.path.field(nullptr);
+  } else if (!element.wrapper() && !m_room.frames.empty()) {
+    m_call.path.leave();  // the root was not entered
+  }
+}
+
+}  // namespace cvt::xml

@@ -1,0 +1,69 @@
+// reader.h: takes a document's elements and texts, in document order, into a message's values.
+//
+// It knows nothing of the parser that tells it what comes: open, text and close are all that a parser calls.
+// It keeps a stack of open elements, as deep as the definition at most, and addresses everything by the plan.
+// Each call throws Fault for what the definition does not allow; the call's Path then says where.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "plan.h"
+#include "plugin.h"
+
+namespace cvt::xml {
+
+// An open element.
+struct Frame {
+  const Element *element;
+  kit::List list;    // the values of its fields
+  size_t textStart;  // its text so far: from here in Room::text
+  size_t seenStart;  // one flag a child and one an attribute: from here in Room::seen
+  size_t nextChild;  // the child that comes next when the document keeps the definition's order
+};
+
+// Memory that a reader needs and that stays for the next one.
+struct Room {
+  std::vector<Frame> frames;
+  std::string text;
+  std::vector<char> seen;
+  std::string collapsed;
+};
+
+class Reader {
+ public:
+  Reader(const Plan &plan, kit::ParseCall &call, Room &room);
+
+  // attributes: name, value, name, value, ..., null. Names are expanded (names.h), texts UTF-8.
+  // declarations: number of namespace declarations of the element.
+  void open(std::string_view name, const char *const *attributes, size_t declarations);
+  void text(std::string_view bytes);
+  void close();
+
+  // The name of the innermost open element; empty when it is skipped or none is open.
+  std::string_view innermost() const;
+
+ private:
+  void enter(const Element &element, kit::List list, const char *const *attributes);
+  void openChild(Frame &top, std::string_view name, const char *const *attributes);
+  kit::List repetition(const Element &child, kit::List &list);
+  int find(const Frame &top, std::string_view name) const;
+  void attributes(const Frame &frame, const char *const *attributes);
+  void attribute(const Frame &frame, std::string_view name, std::string_view value);
+  void store(const Text &text, kit::List list, std::string_view value);
+  void complete(const Frame &frame);
+  void count(const Count &count, kit::List list);
+  void leave(const Element &element);
+
+  [[noreturn]] void unknown(const Frame &top, std::string_view name) const;
+  void limit(const char *const *attributes, size_t declarations) const;
+
+  const Plan &m_plan;
+  kit::ParseCall &m_call;
+  Room &m_room;
+  size_t m_depth = 0;    // open elements
+  size_t m_skipped = 0;  // of them, those that the definition does not know
+};
+
+}  // namespace cvt::xml

@@ -1,0 +1,36 @@
+// region.h: the parser's memory. The parser asks for many small pieces for each document; a region hands them
+// out of one block that stays for the next document, so that parsing does not touch the heap once the block
+// has the size that the documents need. Nothing is freed singly: reset() takes everything back.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+namespace cvt::xml {
+
+class Region {
+ public:
+  // Null when the heap is exhausted. Aligned for any type.
+  void *allocate(size_t size);
+
+  // As realloc. The piece taken last grows in place.
+  void *resize(void *piece, size_t size);
+
+  // Forgets every piece. What one unusually large document needed is given back.
+  void reset();
+
+ private:
+  struct Block {
+    std::unique_ptr<char[]> bytes;
+    size_t size;
+  };
+
+  bool addBlock(size_t size);
+
+  std::vector<Block> m_blocks;  // the last one is in use
+  char *m_next = nullptr;
+  char *m_end = nullptr;
+};
+
+}  // namespace cvt::xml
