@@ -40,9 +40,8 @@ struct Cursor {
 
   bool fail(const Place *place, Message *node, const std::string &sExpected,
             const std::string &sFound) const {
-    logInfo(1, "$toy", "toy.cpp", __LINE__, "fail",
-            "Message[%s] Field[%s%s] Offset[%d]: expected %s, found %s", msg->psMsgName,
-            pathOf(place).c_str(), node->psNodeName, now, sExpected.c_str(), sFound.c_str());
+    logInfo(1, "$toy", "toy.cpp", __LINE__, "fail", "Msg[%s] Field[%s%s] Offset[%d]: expected %s, found %s.",
+            msg->psMsgName, pathOf(place).c_str(), node->psNodeName, now, sExpected.c_str(), sFound.c_str());
     return false;
   }
 };
@@ -138,7 +137,7 @@ class Writer : Cursor {
   bool put(const Place *place, Message *node, std::string_view bytes) {
     if (bytes.size() > static_cast<size_t>(len - now)) {
       return fail(place, node, "room for " + std::to_string(bytes.size()) + " bytes",
-                  std::to_string(len - now) + " bytes left in the output buffer");
+                  std::to_string(len - now) + " bytes left in the buffer");
     }
     if (!bytes.empty()) std::memcpy(buf + now, bytes.data(), bytes.size());
     now += static_cast<int>(bytes.size());

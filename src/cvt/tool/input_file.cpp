@@ -1,0 +1,51 @@
+#include "input_file.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+
+#include "error.h"
+#include "signals.h"
+
+namespace tool {
+namespace {
+
+bool isStandard(const std::string &path) {
+  return path == "-";
+}
+
+[[noreturn]] void unreadable(const std::string &path, const char *why) {
+  throw Failure(Exit::noInput, "cannot read " + path + ": " + why);
+}
+
+}  // namespace
+
+InputFile::InputFile(const std::string &path)
+    : m_name(isStandard(path) ? "standard input" : path),
+      m_fd(isStandard(path) ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
+  if (m_fd < 0) unreadable(path, std::strerror(errno));
+}
+
+InputFile::~InputFile() {
+  if (m_fd != STDIN_FILENO) close(m_fd);
+}
+
+size_t InputFile::read(char *to, size_t size) {
+  for (;;) {
+    checkSignals();
+    const ssize_t got = ::read(m_fd, to, size);
+    if (got >= 0) return static_cast<size_t>(got);
+    if (errno != EINTR) throw Failure(Exit::io, "cannot read " + m_name + ": " + std::strerror(errno));
+  }
+}
+
+void checkReadable(const std::string &path) {
+  if (isStandard(path)) return;
+  if (std::filesystem::is_directory(path)) unreadable(path, "it is a directory");
+  if (access(path.c_str(), R_OK) != 0) unreadable(path, std::strerror(errno));
+}
+
+}  // namespace tool

@@ -1,0 +1,134 @@
+#include "library.h"
+
+#include <filesystem>
+#include <set>
+
+#include "log.h"
+
+namespace tool {
+namespace {
+
+constexpr size_t kNamesInError = 20;
+
+std::string listed(const std::set<std::string> &names) {
+  std::string out;
+  size_t count = 0;
+  for (const std::string &name : names) {
+    if (count == kNamesInError) return out + ", ... (" + std::to_string(names.size()) + " in all)";
+    out += (count++ == 0 ? "" : ", ") + name;
+  }
+  return out.empty() ? "none" : out;
+}
+
+bool isNamed(const char *known, const std::string &name) {
+  return known != nullptr && name == known;
+}
+
+const IdFunc *parseChain(const FormatInfo &info) {
+  return info.ptParseFunc;
+}
+const IdFunc *generateChain(const FormatInfo &info) {
+  return info.ptGenFunc;
+}
+
+// The pipeline of that id, if it has the chain in question.
+const FormatInfo &pipeline(const std::string &formatId, const IdFunc *chain(const FormatInfo &),
+                           const std::string &purpose) {
+  std::set<std::string> known;
+  for (const FormatInfo *info = gptFormatInfo; info != nullptr; info = info->ptNext) {
+    if (info->psFormatId == nullptr || chain(*info) == nullptr) continue;
+    if (isNamed(info->psFormatId, formatId)) return *info;
+    known.insert(info->psFormatId);
+  }
+  throw Failure(Exit::usage, purpose + " format '" + formatId + "'; known: " + listed(known));
+}
+
+// The start-up unit takes a root file apart at its last two slashes.
+std::string absolute(const std::string &path) {
+  return std::filesystem::absolute(path).lexically_normal().string();
+}
+
+std::string rootOf(const std::string &config) {
+  if (config.empty()) {
+    throw Failure(Exit::config,
+                  "no configuration: give a directory or a root file with -c, or set CVT2_CONFIG");
+  }
+  if (!std::filesystem::exists(config)) {
+    throw Failure(Exit::config, "configuration " + config + " does not exist; check -c or CVT2_CONFIG");
+  }
+  const bool bDirectory = std::filesystem::is_directory(config);
+  if (!bDirectory && !config.ends_with(".xml")) {
+    throw Failure(Exit::config,
+                  "configuration " + config + ": expected a directory or a file ending in .xml");
+  }
+  std::string root = absolute(config);
+  while (root.size() > 1 && root.ends_with('/')) root.pop_back();
+  return root;
+}
+
+}  // namespace
+
+Library::Library(const std::string &config) {
+  std::string root = rootOf(config);
+  log::begin();
+  const int result = cvtInit(root.data());
+  if (result == 0 && gptAllInfo != nullptr) {
+    for (const std::string &notice : log::trail()) log::say("warning: " + notice);
+    log::begin();
+    return;
+  }
+  const std::string cause = log::cause();
+  cvtEnd();
+  if (result == 0) {
+    throw Failure(Exit::config, "configuration " + config + ": expected one root file ending in .xml in " +
+                                    root + "/All, found none");
+  }
+  throw Failure(Exit::config, "configuration " + config + " does not load: " + cause);
+}
+
+const FormatInfo &parsePipeline(const std::string &formatId) {
+  return pipeline(formatId, parseChain, "-f: the configuration has no pipeline that parses");
+}
+
+const FormatInfo &generatePipeline(const std::string &formatId) {
+  return pipeline(formatId, generateChain, "-t: the configuration has no pipeline that generates");
+}
+
+std::string knownMessages() {
+  std::set<std::string> known;
+  const StringList *list = gptFmtGlobalInfo == nullptr ? nullptr : gptFmtGlobalInfo->ptMsgList;
+  for (; list != nullptr; list = list->ptNext) known.insert(list->psString);
+  return listed(known);
+}
+
+void checkMessageName(const std::string &name) {
+  std::string writable = name;
+  if (gptFmtGlobalInfo != nullptr && cvtGetMsg(writable.data()) != nullptr) return;
+  throw Failure(Exit::usage,
+                "-m: the configuration has no message type '" + name + "'; known: " + knownMessages());
+}
+
+bool converts(const FormatInfo &pipeline) {
+  for (const IdFunc *step = pipeline.ptGenFunc; step != nullptr; step = step->ptNext) {
+    if (isNamed(step->psFunctName, "pubConvert")) return true;
+  }
+  return false;
+}
+
+std::string knownTargets(const Msg &msg) {
+  std::set<std::string> known;
+  for (const auto *pair = static_cast<const IdCvtInfo *>(msg.pIdInfo); pair != nullptr; pair = pair->ptNext) {
+    if (pair->psFormatId != nullptr) known.insert(*pair->psFormatId == 0 ? "any" : pair->psFormatId);
+  }
+  return listed(known);
+}
+
+void refuse(const std::string &otherwise, const std::string &advice) {
+  const std::string cause = log::cause();
+  if (log::has("AutoReload err!! Please Check Config File!!")) {
+    throw Failure(Exit::config, "the configuration was changed and does not load any more: " + cause);
+  }
+  throw DataError((cause.empty() ? otherwise : cause) + (advice.empty() ? "" : " " + advice));
+}
+
+}  // namespace tool

@@ -1,0 +1,92 @@
+#include "log.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <string_view>
+
+namespace tool::log {
+namespace {
+
+constexpr int kErrorLevel = 1;
+constexpr int kTraceVerbosity = 2;
+constexpr size_t kMaxLines = 200;  // a failing list reports once an entry
+
+int f_verbosity = 0;
+std::vector<std::string> f_lines;
+
+std::string format(const char *format, va_list args) {
+  va_list again;
+  va_copy(again, args);
+  const int size = std::vsnprintf(nullptr, 0, format, args);
+  std::string text(size < 0 ? 0 : static_cast<size_t>(size), '\0');
+  std::vsnprintf(text.data(), text.size() + 1, format, again);
+  va_end(again);
+  while (text.ends_with('\n')) text.pop_back();
+  return text;
+}
+
+// Lines that the library writes at the level of errors although nothing has failed.
+bool isNotice(const std::string &line) {
+  constexpr std::array<std::string_view, 4> kNotices = {
+      "Set Src Message Offset to [", "Set Dst Message Offset to [", "Warning No Value num!!", "Open Dir ["};
+  return std::any_of(kNotices.begin(), kNotices.end(),
+                     [&](std::string_view notice) { return line.starts_with(notice); });
+}
+
+bool isPlace(const std::string &line) {
+  return line.starts_with("File[") && line.find("] Line[") != line.npos;
+}
+
+}  // namespace
+
+void setVerbosity(int level) {
+  f_verbosity = level;
+}
+int verbosity() {
+  return f_verbosity;
+}
+
+void take(int level, const char *text, va_list args) {
+  if (level == kErrorLevel) {
+    if (f_lines.size() < kMaxLines) f_lines.push_back(format(text, args));
+  } else if (f_verbosity >= kTraceVerbosity) {
+    std::fprintf(stderr, "cvt2:   %s\n", format(text, args).c_str());
+  }
+}
+
+void begin() {
+  f_lines.clear();
+}
+
+std::string cause() {
+  const auto first = std::find_if_not(f_lines.begin(), f_lines.end(), isNotice);
+  if (first == f_lines.end()) return f_lines.empty() ? "" : f_lines.front();
+  if (first->starts_with("File[")) return *first;
+  const auto place = std::find_if(first, f_lines.end(), isPlace);
+  return place == f_lines.end() ? *first : *first + ", in " + *place;
+}
+
+bool has(const std::string &text) {
+  return std::find(f_lines.begin(), f_lines.end(), text) != f_lines.end();
+}
+
+const std::vector<std::string> &trail() {
+  return f_lines;
+}
+
+void say(const std::string &text) {
+  std::fprintf(stderr, "cvt2: %s\n", text.c_str());
+}
+
+void report(const std::string &text) {
+  say(text);
+  if (f_verbosity > 0) {
+    for (const std::string &line : f_lines) {
+      if (text.find(line) == text.npos) say("  " + line);
+    }
+  }
+  begin();
+}
+
+}  // namespace tool::log
