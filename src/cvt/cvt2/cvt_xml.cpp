@@ -1,7 +1,7 @@
 // cvt_xml.cpp: the XML access layer over libxml2.
 //
-// Reports failures through return values only and never logs. libxml2's own messages are kept off the standard
-// error stream; whoever reads a file asks xmlLastParseError().
+// Reports failures through return values only and never logs; libxml2's own messages do not reach the standard
+// error stream either.
 #include "cvt_xml.h"
 
 #include <libxml/encoding.h>
@@ -9,14 +9,14 @@
 #include <libxml/tree.h>
 #include <libxml/xmlschemas.h>
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
+#include <string>
 
 #include "stt.h"
 
 namespace {
-
-constexpr int kQuiet = XML_PARSE_NOERROR | XML_PARSE_NOWARNING;
 
 xmlNodePtr node(void *p) { return static_cast<xmlNodePtr>(p); }
 xmlDocPtr document(void *p) { return static_cast<xmlDocPtr>(p); }
@@ -29,8 +29,30 @@ struct XmlFree {
 };
 using XmlText = std::unique_ptr<xmlChar, XmlFree>;
 
-// Takes libxml2's schema messages: the layer speaks through return values.
-void quiet(void *, const char *, ...) {}
+// Keeps libxml2's messages off the standard error stream, and from a host's own handler, while it lives.
+class Quiet {
+ public:
+  explicit Quiet(xmlStructuredErrorFunc handler = [](void *, xmlErrorPtr) {}, void *context = nullptr) {
+    xmlSetStructuredErrorFunc(context, handler);
+  }
+  ~Quiet() { xmlSetStructuredErrorFunc(m_context, m_handler); }
+  Quiet(const Quiet &) = delete;
+  Quiet &operator=(const Quiet &) = delete;
+
+ private:
+  const xmlStructuredErrorFunc m_handler = xmlStructuredError;
+  void *const m_context = xmlStructuredErrorContext;
+};
+
+// Puts the first of several messages, on one line, into the string that is its context.
+void keepFirst(void *context, xmlErrorPtr error) {
+  std::string &sReason = *static_cast<std::string *>(context);
+  if (!sReason.empty() || error->message == nullptr) return;
+  if (error->line > 0) sReason = "line " + std::to_string(error->line) + ": ";
+  sReason += error->message;
+  if (sReason.back() == '\n') sReason.pop_back();
+  std::replace(sReason.begin(), sReason.end(), '\n', ' ');
+}
 
 // A copy of the first nLen bytes, so that the caller's string is not written to.
 XmlText firstBytes(const char *ps, int nLen) { return XmlText(xmlStrndup(text(ps), nLen)); }
@@ -45,12 +67,10 @@ XmlPlace xmlPlaceOf(void *ptXmlNode) {
   return {bNamed ? plain(pt->doc->URL) : "", xmlGetLineNo(pt)};
 }
 
-std::string xmlLastParseError() {
-  const xmlErrorPtr pt = xmlGetLastError();
-  if (pt == nullptr || pt->message == nullptr) return "not readable";
-  std::string sText = "line " + std::to_string(pt->line) + ": " + pt->message;
-  while (!sText.empty() && sText.back() == '\n') sText.pop_back();
-  return sText;
+void *xmlFileParse(char *psFileName, std::string &sReason) {
+  sReason.clear();
+  const Quiet quiet(keepFirst, &sReason);
+  return xmlReadFile(psFileName, nullptr, XML_PARSE_NOBLANKS);
 }
 
 void xmlDropNode(void *ptXmlNode) {
@@ -59,6 +79,7 @@ void xmlDropNode(void *ptXmlNode) {
 }
 
 void XmlDocFree::operator()(void *ptXmlDoc) const { xmlDocFree(ptXmlDoc); }
+void XmlNodeFree::operator()(void *ptXmlNode) const { xmlNodeFree(ptXmlNode); }
 
 }  // namespace cvt
 
@@ -128,6 +149,7 @@ void *xmlPutNsNodeAttr(void *ptXmlNode, void *ptXmlNs, char *psAttrName, char *p
 int xmlGenerate(void *ptXmlDoc, char *psBuf, int *pnLen) {
   xmlChar *psDump = nullptr;
   int nSize = 0;
+  const Quiet quiet;
   xmlDocDumpMemory(document(ptXmlDoc), &psDump, &nSize);
   const XmlText owner(psDump);
   if (psDump == nullptr || *pnLen < nSize) return -1;
@@ -137,18 +159,23 @@ int xmlGenerate(void *ptXmlDoc, char *psBuf, int *pnLen) {
 }
 
 int xmlFileGenerate(char *psFileName, void *ptXmlDoc) {
+  const Quiet quiet;
   return xmlSaveFormatFile(psFileName, document(ptXmlDoc), 1);
 }
 
-void *xmlParse(char *psBuf, int nLen) { return xmlReadMemory(psBuf, nLen, nullptr, nullptr, kQuiet); }
+void *xmlParse(char *psBuf, int nLen) {
+  const Quiet quiet;
+  return xmlReadMemory(psBuf, nLen, nullptr, nullptr, 0);
+}
 
 void *xmlParse2(char *psBuf, int nLen) {
-  return xmlReadMemory(psBuf, nLen, nullptr, nullptr, XML_PARSE_NOBLANKS | kQuiet);
+  const Quiet quiet;
+  return xmlReadMemory(psBuf, nLen, nullptr, nullptr, XML_PARSE_NOBLANKS);
 }
 
 void *xmlFileParse(char *psFileName) {
-  xmlResetLastError();
-  return xmlReadFile(psFileName, nullptr, XML_PARSE_NOBLANKS | kQuiet);
+  const Quiet quiet;
+  return xmlReadFile(psFileName, nullptr, XML_PARSE_NOBLANKS);
 }
 
 int xmlDocFree(void *ptXmlDoc) {
@@ -188,18 +215,18 @@ char *xmlGetNodeAttr(void *ptXmlNode, char *psAttrName) {
 
 void *xmlGetSchemaObj(char *psUrl) {
   if (psUrl == nullptr || *psUrl == 0) return nullptr;
+  const Quiet quiet;
   const std::unique_ptr<xmlSchemaParserCtxt, decltype(&xmlSchemaFreeParserCtxt)> context(
       xmlSchemaNewParserCtxt(psUrl), &xmlSchemaFreeParserCtxt);
   if (context == nullptr) return nullptr;
-  xmlSchemaSetParserErrors(context.get(), quiet, quiet, nullptr);
   return xmlSchemaParse(context.get());
 }
 
 int xmlCheckSchema(void *ptSchema, void *ptXmlDoc) {
+  const Quiet quiet;
   const std::unique_ptr<xmlSchemaValidCtxt, decltype(&xmlSchemaFreeValidCtxt)> context(
       xmlSchemaNewValidCtxt(static_cast<xmlSchemaPtr>(ptSchema)), &xmlSchemaFreeValidCtxt);
   if (context == nullptr) return -1;
-  xmlSchemaSetValidErrors(context.get(), quiet, quiet, nullptr);
   return xmlSchemaValidateDoc(context.get(), document(ptXmlDoc));
 }
 

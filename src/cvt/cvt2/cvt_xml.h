@@ -12,15 +12,19 @@ struct XmlPlace {
 };
 XmlPlace xmlPlaceOf(void *ptXmlNode);
 
-// What was wrong with the file that xmlFileParse refused last: "line 3: Opening and ending tag mismatch".
-std::string xmlLastParseError();
+// xmlFileParse; for a file that libxml2 refuses, sReason says what it objected to first:
+// "line 3: Opening and ending tag mismatch: b line 2 and a".
+void *xmlFileParse(char *psFileName, std::string &sReason);
 
 // Takes a node out of its tree and frees it.
 void xmlDropNode(void *ptXmlNode);
 
-// Deletes a document when its owner leaves.
+// Delete a document, or a tree that is in no document yet, when its owner leaves.
 struct XmlDocFree {
   void operator()(void *ptXmlDoc) const;
+};
+struct XmlNodeFree {
+  void operator()(void *ptXmlNode) const;
 };
 
 }  // namespace cvt

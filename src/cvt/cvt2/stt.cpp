@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <string>
 #include <utility>
 
@@ -19,6 +20,7 @@ TypeList *gptTypeList = nullptr;
 namespace {
 
 using XmlDoc = std::unique_ptr<void, cvt::XmlDocFree>;
+using XmlNode = std::unique_ptr<void, cvt::XmlNodeFree>;
 using FncParseRecord = void *(*)(void *ptXmlNode, char *psType);
 using FncGenRecord = void *(*)(void *ptStruct, void *ptXmlNode, char *psName, char *psType);
 
@@ -31,8 +33,10 @@ char f_sId[] = "__ID";
 char f_sBaseType[] = "String";
 char f_sBaseValue[] = "psValue";
 
-// The current dispatcher chain: that of the file type being read, else the global one.
 FuncList *gptFuncList = nullptr;
+
+// The current dispatcher chain: that of the file type being read, else the global one.
+FuncList **f_pptChain = &gptFuncList;
 
 // Whether the place of the failure being reported has been logged.
 bool f_bPlaced = false;
@@ -83,14 +87,25 @@ void releaseChain(FuncList *&ptHead) {
 // Makes another chain current for as long as it lives.
 class CurrentChain {
  public:
-  explicit CurrentChain(FuncList *pt) : m_ptSaved(std::exchange(gptFuncList, pt)) {}
-  ~CurrentChain() { gptFuncList = m_ptSaved; }
+  explicit CurrentChain(FuncList **ppt) : m_pptSaved(std::exchange(f_pptChain, ppt)) {}
+  ~CurrentChain() { f_pptChain = m_pptSaved; }
   CurrentChain(const CurrentChain &) = delete;
   CurrentChain &operator=(const CurrentChain &) = delete;
 
  private:
-  FuncList *m_ptSaved;
+  FuncList **m_pptSaved;
 };
+
+bool isBaseType(const char *psType) { return psType != nullptr && std::strcmp(psType, f_sBaseType) == 0; }
+
+// The first dispatcher of the current chain that knows the type writes the record; null when none does.
+void *writeByChain(void *ptStruct, void *ptNode, char *psNodeName, char *psType) {
+  for (const FuncList *pt = *f_pptChain; pt != nullptr; pt = pt->ptNext) {
+    void *const ptWritten = pt->fpGen(ptStruct, ptNode, psNodeName, psType);
+    if (ptWritten != nullptr) return ptWritten;
+  }
+  return nullptr;
+}
 
 }  // namespace
 
@@ -121,8 +136,15 @@ void place(void *ptXmlNode) {
 int sttAddSttInfo(char *psType, FncSttParse fParseFunction) {
   CVT_NOT_NULL(psType, -1);
   if (findType(psType) != nullptr) return 0;
-  auto fresh = std::make_unique<SttInfo>(SttInfo{strdup(psType), fParseFunction, nullptr, gptSttInfo});
-  gptSttInfo = fresh.release();
+  char *const psTypeName = strdup(psType);
+  auto *const fresh = new (std::nothrow) SttInfo{psTypeName, fParseFunction, nullptr, gptSttInfo};
+  if (psTypeName == nullptr || fresh == nullptr) {
+    CVT_ERR("New Type[%s] SttInfo Err!!", psType);
+    std::free(psTypeName);
+    delete fresh;
+    return -1;
+  }
+  gptSttInfo = fresh;
   return 0;
 }
 
@@ -141,7 +163,7 @@ int sttAddVoidFunctionToSttInfo(char *psType, sttFncParseVoid fpParseVoid, sttFn
 }
 
 int sttAddFuncVoid(sttFncParseVoid fpParseVoid, sttFncGenVoid fpGenVoid) {
-  FuncList **pptEnd = &gptFuncList;
+  FuncList **pptEnd = f_pptChain;
   for (; *pptEnd != nullptr; pptEnd = &(*pptEnd)->ptNext) {
     if ((*pptEnd)->fpParse == fpParseVoid) return 0;
   }
@@ -150,7 +172,7 @@ int sttAddFuncVoid(sttFncParseVoid fpParseVoid, sttFncGenVoid fpGenVoid) {
 }
 
 int sttResetFunctVoid() {
-  releaseChain(gptFuncList);
+  releaseChain(*f_pptChain);
   return 0;
 }
 
@@ -174,17 +196,18 @@ int sttEnd() {
     std::free(gone->psTypeName);
     releaseChain(gone->ptVoidFunction);
   }
+  f_pptChain = &gptFuncList;
   return sttResetFunctVoid();
 }
 
 // --- Dispatch -----------------------------------------------------------------------------------------------------
 
 void *sttParseVoid(void *ptXmlNode, char *psStructType) {
-  for (const FuncList *pt = gptFuncList; pt != nullptr; pt = pt->ptNext) {
+  for (const FuncList *pt = *f_pptChain; pt != nullptr; pt = pt->ptNext) {
     void *const ptStruct = pt->fpParse(ptXmlNode, psStructType);
     if (ptStruct != nullptr) return ptStruct;
   }
-  if (psStructType != nullptr && std::strcmp(psStructType, f_sBaseType) == 0) {
+  if (isBaseType(psStructType)) {
     const XmlString value = attribute(ptXmlNode, f_sBaseValue);
     return value == nullptr ? nullptr : strdup(value.get());
   }
@@ -193,16 +216,12 @@ void *sttParseVoid(void *ptXmlNode, char *psStructType) {
 }
 
 void *sttGenVoid(void *ptSruct, void *ptNode, char *psNodeName, char *psStructType) {
-  for (const FuncList *pt = gptFuncList; pt != nullptr; pt = pt->ptNext) {
-    void *const ptWritten = pt->fpGen(ptSruct, ptNode, psNodeName, psStructType);
-    if (ptWritten != nullptr) return ptWritten;
-  }
-  if (psStructType != nullptr && std::strcmp(psStructType, f_sBaseType) == 0) {
-    // The element made here is returned without being attached: what sttGenerateXmlVoid writes for a base
-    // string stays without its value. Callers that want the element attach it themselves.
+  if (void *const ptWritten = writeByChain(ptSruct, ptNode, psNodeName, psStructType)) return ptWritten;
+  if (isBaseType(psStructType)) {
+    // An element of its own, returned without being attached: who wants it in a tree attaches it.
     void *const ptMade = xmlMadeNode(psNodeName);
     auto *const psValue = static_cast<char *>(ptSruct);
-    if (xmlPutNodeAttr(ptMade, f_sBaseValue, psValue, length(psValue)) == nullptr) {
+    if (psValue == nullptr || xmlPutNodeAttr(ptMade, f_sBaseValue, psValue, length(psValue)) == nullptr) {
       CVT_ERR("psValue Generate Xml Node err!");
       xmlNodeFree(ptMade);
       return nullptr;
@@ -217,10 +236,11 @@ void *sttGenVoid(void *ptSruct, void *ptNode, char *psNodeName, char *psStructTy
 
 void *sttParseBySttInfo(char *psFile) {
   CVT_NOT_NULL(psFile, nullptr);
-  const XmlDoc doc(xmlFileParse(psFile));
+  std::string sReason;
+  const XmlDoc doc(cvt::xmlFileParse(psFile, sReason));
   if (doc == nullptr) {
     CVT_ERR("File[%s] Parse err!!", psFile);
-    CVT_ERR("File[%s] %s", psFile, cvt::xmlLastParseError().c_str());
+    CVT_ERR("File[%s] %s", psFile, sReason.c_str());
     return nullptr;
   }
   void *const ptXmlRoot = xmlGetHeadNode(doc.get());
@@ -230,12 +250,12 @@ void *sttParseBySttInfo(char *psFile) {
   }
   char *psType = nullptr;
   CVT_NOT_NULL(psType = xmlGetNodeName(ptXmlRoot), nullptr);
-  const SttInfo *const ptInfo = findType(psType);
+  SttInfo *const ptInfo = findType(psType);
   if (ptInfo == nullptr) {
     CVT_ERR("SttInfo no Type[%s] Info!!", psType);
     return nullptr;
   }
-  const CurrentChain chain(ptInfo->ptVoidFunction);
+  const CurrentChain chain(&ptInfo->ptVoidFunction);
   return ptInfo->fParseFunction(psFile, psType, xmlGetChileNode(ptXmlRoot));
 }
 
@@ -245,9 +265,10 @@ void *sttParseXmlFile(char *psFileName, char *psRootTag, char *psType, void *pfP
   void *ptXmlDoc = nullptr;
   void *ptXmlRoot = nullptr;
   void *ptHeadNode = nullptr;
-  if ((ptXmlDoc = xmlFileParse(psFileName)) == nullptr) {
+  std::string sReason;
+  if ((ptXmlDoc = cvt::xmlFileParse(psFileName, sReason)) == nullptr) {
     CVT_ERR("[ptXmlDoc = xmlFileParse(psFileName)] is NULL");
-    CVT_ERR("File[%s] %s", psFileName, cvt::xmlLastParseError().c_str());
+    CVT_ERR("File[%s] %s", psFileName, sReason.c_str());
     return nullptr;
   }
   const XmlDoc owner(ptXmlDoc);
@@ -269,16 +290,18 @@ int sttGenXmlFile(char *psFileName, void *ptStruct, char *psTagName, char *psTyp
   CVT_NOT_NULL(psFileName, -1);
   CVT_NOT_NULL(ptStruct, -1);
   CVT_NOT_NULL(pfGen, -1);
-  const XmlDoc doc(xmlInit());
-  void *const ptRoot = xmlMadeNode(psTagName);
+  CVT_NOT_NULL(psTagName, -1);
+  CVT_NOT_NULL(psType, -1);
+  XmlNode root(xmlMadeNode(psTagName));
   void *const ptNode = xmlMadeNode(psType);
-  xmlPutRootNode(doc.get(), ptRoot);
-  xmlPutChileNode(ptRoot, ptNode);
+  xmlPutChileNode(root.get(), ptNode);
   reinterpret_cast<FncGenRecord>(pfGen)(ptStruct, ptNode, psTagName, psType);
   if (nGRet == -1) {
     CVT_ERR("Make [%s)%s] Xml err!", psTagName, psFileName);
     return -1;
   }
+  const XmlDoc doc(xmlInit());
+  xmlPutRootNode(doc.get(), root.release());
   if (xmlFileGenerate(psFileName, doc.get()) < 0) {
     CVT_ERR("Generate Xml File[%s] err!", psFileName);
     return -1;
@@ -307,7 +330,6 @@ void putNumber(void *ptXmlNode, char *psName, const char *psFormat, T number) {
 #pragma GCC diagnostic pop
   putAttribute(ptXmlNode, psName, sText);
 }
-
 
 }  // namespace
 
@@ -447,6 +469,9 @@ void sttGenerateXmlVoid(void *ptXmlNode, void *ptVoid, char *psName) {
     nGRet = -1;
     return;
   }
-  sttGenVoid(ptVoid, ptNode, psName, psType);
+  // A base string has no dispatcher: its element stays without the value.
+  if (writeByChain(ptVoid, ptNode, psName, psType) == nullptr && !isBaseType(psType)) {
+    CVT_ERR("Type[%s] Not Define", psType);
+  }
   if (nGRet == -1) CVT_ERR("sttGenVoid Type[%s] Err!!", psType);
 }

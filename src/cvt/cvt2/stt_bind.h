@@ -50,6 +50,18 @@ struct AnyRecord {
   }
 };
 
+// Releases a string that was read, also when a later step fails: the record keeps its own interned copy.
+class Text {
+ public:
+  explicit Text(char *ps) : m_ps(ps) {}
+  ~Text() { sttFreeXmlString(m_ps); }
+  Text(const Text &) = delete;
+  Text &operator=(const Text &) = delete;
+
+ private:
+  char *m_ps;
+};
+
 inline char *name(const char *ps) { return const_cast<char *>(ps); }
 
 // A parse or write function as the untyped argument that the field readers and writers take.
@@ -123,11 +135,12 @@ const Type *find(const Type (&types)[N], const char *psStructType) {
 // clang-format off
 
 // Runs a statement; if it leaves nGRet at -1, logs its own text followed by " is Err!!" and returns null.
+// ptPlace is the element whose place in the configuration is logged, too, or null.
 #define STT_TRY(...)                                                                     \
   cvt::bind::begin();                                                                    \
   __VA_ARGS__;                                                                           \
   if (nGRet == -1) {                                                                     \
-    cvt::bind::failed(__LINE__, static_cast<const char *>(__func__), #__VA_ARGS__, ptXmlNode); \
+    cvt::bind::failed(__LINE__, static_cast<const char *>(__func__), #__VA_ARGS__, ptPlace); \
     return nullptr;                                                                      \
   }
 
@@ -136,20 +149,23 @@ const Type *find(const Type (&types)[N], const char *psStructType) {
   cvt::bind::begin();                                                                    \
   if ((__VA_ARGS__) == nullptr) {                                                        \
     nGRet = -1;                                                                          \
-    cvt::bind::failed(__LINE__, static_cast<const char *>(__func__), #__VA_ARGS__, ptXmlNode); \
+    cvt::bind::failed(__LINE__, static_cast<const char *>(__func__), #__VA_ARGS__, ptPlace); \
     return nullptr;                                                                      \
   }
+
+// The text that a read step has just put into `name` goes with the end of the parse function.
+#define STT_OWN(name) const cvt::bind::Text name##_owner(name);
 
 // Each kind: the class that says how a value is kept (TEXT is interned, PLAIN stored, DERIVED computed), its
 // C type, the statement that reads it and the one that writes it.
 #define STT_CLASS_STRING TEXT
 #define STT_TYPE_STRING() char *
-#define STT_READ_STRING(name) STT_TRY(char * name = sttParseXmlString(ptXmlNode, #name))
+#define STT_READ_STRING(name) STT_TRY(char * name = sttParseXmlString(ptXmlNode, #name)) STT_OWN(name)
 #define STT_WRITE_STRING(name) STT_TRY(sttGenerateXmlString(ptXmlNode, p->name, #name))
 
 #define STT_CLASS_STRING_BY TEXT
 #define STT_TYPE_STRING_BY(...) char *
-#define STT_READ_STRING_BY(name, ...) STT_TRY(char * name = __VA_ARGS__)
+#define STT_READ_STRING_BY(name, ...) STT_TRY(char * name = __VA_ARGS__) STT_OWN(name)
 #define STT_WRITE_STRING_BY(name, ...) STT_WRITE_STRING(name)
 
 #define STT_CLASS_INT PLAIN
@@ -223,9 +239,6 @@ const Type *find(const Type (&types)[N], const char *psStructType) {
 #define STT_STORE_TEXT(...)
 #define STT_STORE_PLAIN(kind, name, ...) p->name = name;
 #define STT_STORE_DERIVED(...)
-#define STT_FREE_TEXT(kind, name, ...) sttFreeXmlString(name);
-#define STT_FREE_PLAIN(...)
-#define STT_FREE_DERIVED(...)
 
 #define STT_CAT_(a, b) a##b
 #define STT_CAT(a, b) STT_CAT_(a, b)
@@ -234,7 +247,6 @@ const Type *find(const Type (&types)[N], const char *psStructType) {
 #define STT_INTERN(kind, ...) STT_CAT(STT_INTERN_, STT_CLASS_##kind)(kind, __VA_ARGS__)
 #define STT_DERIVE(kind, ...) STT_CAT(STT_DERIVE_, STT_CLASS_##kind)(kind, __VA_ARGS__)
 #define STT_STORE(kind, ...) STT_CAT(STT_STORE_, STT_CLASS_##kind)(kind, __VA_ARGS__)
-#define STT_FREE(kind, ...) STT_CAT(STT_FREE_, STT_CLASS_##kind)(kind, __VA_ARGS__)
 #define STT_READ(kind, ...) STT_READ_##kind(__VA_ARGS__)
 #define STT_WRITE(kind, ...) STT_WRITE_##kind(__VA_ARGS__)
 
@@ -245,7 +257,7 @@ const Type *find(const Type (&types)[N], const char *psStructType) {
 #define STT_BIND_WITH(T, create)                                                          \
   struct T *sttMake##T(struct T *p STT_TABLE_##T(STT_PARAM)) {                            \
     if (p == nullptr) return nullptr;                                                     \
-    [[maybe_unused]] void *const ptXmlNode = nullptr;                                     \
+    [[maybe_unused]] void *const ptPlace = nullptr;                                       \
     STT_TABLE_##T(STT_INTERN)                                                             \
     STT_TABLE_##T(STT_DERIVE)                                                             \
     STT_TABLE_##T(STT_STORE)                                                              \
@@ -258,16 +270,17 @@ const Type *find(const Type (&types)[N], const char *psStructType) {
   void *sttGenXml##T(struct T *p, void *ptXmlNode, char *) {                              \
     using namespace cvt::bind;                                                            \
     if (p == nullptr || ptXmlNode == nullptr) return nullptr;                             \
+    void *const ptPlace = nullptr; /* a failed writer has freed the element */            \
     STT_TABLE_##T(STT_WRITE)                                                              \
     return ptXmlNode;                                                                     \
   }                                                                                       \
   struct T *sttParseXml##T(void *ptXmlNode, char *) {                                     \
     using namespace cvt::bind;                                                            \
     if (ptXmlNode == nullptr) return nullptr;                                             \
+    void *const ptPlace = ptXmlNode;                                                      \
     STT_TABLE_##T(STT_READ)                                                               \
     struct T *p = create(STT_TAIL(STT_TABLE_##T(STT_ARG)));                               \
     if (p == nullptr && nGRet == -1) cvt::bind::place(ptXmlNode);                         \
-    STT_TABLE_##T(STT_FREE)                                                               \
     return p;                                                                             \
   }
 
