@@ -333,10 +333,11 @@ Value *cvtGetNameValue(InnerMessage *ptMsg, char *psValueName, int *pnError) {
   CVT_NOT_NULL(pnError, nullptr);
   if (const FncGetNameValue fGetValue = ptMsg->ptMsgInfo->fGetValue) {
     Value *ptValue = nullptr;
-    cvt::guarded("Msg", ptMsg->sMsgName, [&] {
+    const int nRet = cvt::guarded("Msg", ptMsg->sMsgName, [&] {
       ptValue = fGetValue(ptMsg->ptMsgInfo, &ptMsg->tValueListInfo, psValueName, pnError);
       return 0;
     });
+    if (nRet != 0) *pnError = nRet;
     return ptValue;
   }
   *pnError = 0;
@@ -365,9 +366,11 @@ int cvtSetNameValue(InnerMessage *ptMessage, char *psValueName, char *psValue, i
     CVT_ERR("Field[%s] get value err!!", psValueName);
     return nError;
   }
+  auto *const psCopy = static_cast<char *>(cvtMalloc(nLen, ptMessage->tValueListInfo.ptMemNode));
+  if (psCopy == nullptr && nLen > 0) return -1;  // no pool node: already logged
+  if (nLen > 0) std::memcpy(psCopy, psValue, static_cast<size_t>(nLen));
+  ptValue->psValue = psCopy;
   ptValue->nLen = nLen;
-  ptValue->psValue = static_cast<char *>(cvtMalloc(nLen, ptMessage->tValueListInfo.ptMemNode));
-  if (nLen > 0) std::memcpy(ptValue->psValue, psValue, static_cast<size_t>(nLen));
   return 0;
 }
 

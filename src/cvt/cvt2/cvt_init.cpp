@@ -2,11 +2,12 @@
 #include <dirent.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
-#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <utility>
@@ -40,6 +41,7 @@ bool isXmlName(const char *psName) {
 int locParseDirXmlLimit(char *psBasePath, char *psDirName, int nLimit, fnptr *Init) {
   CVT_NOT_NULL(psDirName, -1);
   CVT_NOT_NULL(Init, -1);
+  if (psBasePath == nullptr) CVT_NOT_NULL(gpsRootPath, -1);
   const char *const psBase = psBasePath == nullptr ? gpsRootPath : psBasePath;
   char sPath[kPathSize];
   std::snprintf(sPath, sizeof sPath, "%s/%s", psBase, psDirName);
@@ -79,6 +81,7 @@ int cvtIniParseFileXml(char *psBasePath, char *psDir, char *psFileName, fnptr *I
   CVT_NOT_NULL(psDir, -1);
   CVT_NOT_NULL(psFileName, -1);
   CVT_NOT_NULL(Init, -1);
+  if (psBasePath == nullptr) CVT_NOT_NULL(gpsRootPath, -1);
   char sFile[kPathSize];
   std::snprintf(sFile, sizeof sFile, "%s/%s/%s", psBasePath == nullptr ? gpsRootPath : psBasePath, psDir,
                 psFileName);
@@ -188,13 +191,17 @@ char *cutLast(char *psPath) {
   return psSlash + 1;
 }
 
-// A root file lies in a directory below the configuration root. A name too short to say which is taken from
-// the current directory.
+// A root file lies in a directory below the configuration root. A name too short to say which is completed from
+// the current directory; links are not followed, since the root is where the file is found, not where it is kept.
+void completeRootFile() {
+  if (std::count(gpsRootPath, gpsRootPath + std::strlen(gpsRootPath), '/') >= 2) return;
+  std::error_code error;
+  const std::filesystem::path full = std::filesystem::absolute(gpsRootPath, error).lexically_normal();
+  if (!error) replaceRootPath(HeapString(strdup(full.c_str())));
+}
+
 int loadRootFile() {
-  const char *const psFirst = std::strchr(gpsRootPath, '/');
-  if (psFirst == nullptr || psFirst == std::strrchr(gpsRootPath, '/')) {
-    if (char *const psFull = realpath(gpsRootPath, nullptr)) replaceRootPath(HeapString(psFull));
-  }
+  completeRootFile();
   const std::string sWhole = gpsRootPath;
   char *const psFileName = cutLast(gpsRootPath);
   char *const psDir = psFileName == nullptr ? nullptr : cutLast(gpsRootPath);
