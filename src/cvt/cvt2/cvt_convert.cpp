@@ -416,10 +416,13 @@ Value *GetValue(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Arg 
   }
 }
 
-// Equal lengths and equal bytes. A slot that holds a loop equals nothing: its length is no size.
+// Equal lengths and equal bytes. A slot that holds a loop equals nothing: its length is no size. Nor does a
+// constant whose length was given without bytes.
 bool sameBytes(const Value *a, const Value *b) {
   if (a->nLen != b->nLen || a->nLen < 0) return false;
-  return a->nLen == 0 || std::memcmp(a->psValue, b->psValue, static_cast<size_t>(a->nLen)) == 0;
+  if (a->nLen == 0) return true;
+  if (a->psValue == nullptr || b->psValue == nullptr) return false;
+  return std::memcmp(a->psValue, b->psValue, static_cast<size_t>(a->nLen)) == 0;
 }
 
 // --- Rules --------------------------------------------------------------------------------------------------------------
