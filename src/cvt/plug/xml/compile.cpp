@@ -2,11 +2,11 @@
 // fails here, when the definition loads, with the place in its file.
 #include <utility>
 
-#include "attributes.h"
-#include "fault.h"
+#include "kit/attributes.h"
+#include "kit/fault.h"
+#include "kit/shape.h"
 #include "names.h"
 #include "plan.h"
-#include "shape.h"
 
 namespace cvt::xml {
 

@@ -4,9 +4,9 @@
 #include <charconv>
 #include <string>
 
-#include "fault.h"
-#include "log.h"
-#include "utf8.h"
+#include "kit/fault.h"
+#include "kit/log.h"
+#include "kit/utf8.h"
 
 namespace cvt::xml {
 

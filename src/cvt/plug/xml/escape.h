@@ -3,8 +3,8 @@
 
 #include <string_view>
 
-#include "charset.h"
-#include "output.h"
+#include "kit/charset.h"
+#include "kit/output.h"
 
 namespace cvt::xml {
 

@@ -1,9 +1,9 @@
 // format.cpp: the format `xml` as the kit registers it.
 #include "entry.h"
 #include "generator.h"
+#include "kit/plugin.h"
 #include "parser.h"
 #include "plan.h"
-#include "plugin.h"
 
 namespace cvt::xml {
 

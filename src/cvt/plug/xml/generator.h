@@ -1,8 +1,8 @@
 // generator.h: writes a message's values as a document, in one pass and without a tree.
 #pragma once
 
+#include "kit/plugin.h"
 #include "plan.h"
-#include "plugin.h"
 
 namespace cvt::xml {
 

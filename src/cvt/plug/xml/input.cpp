@@ -2,7 +2,7 @@
 
 #include <strings.h>
 
-#include "fault.h"
+#include "kit/fault.h"
 
 namespace cvt::xml {
 

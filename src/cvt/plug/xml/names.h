@@ -21,4 +21,8 @@ bool isPlainName(const std::string &name);
 // "URI", separator, "local"; only "local" for an empty URI.
 std::string expandedName(std::string_view uri, std::string_view local);
 
+// Its two parts; the namespace may be empty.
+std::string_view namespaceOf(std::string_view expanded);
+std::string_view localName(std::string_view expanded);
+
 }  // namespace cvt::xml

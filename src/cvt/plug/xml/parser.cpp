@@ -7,7 +7,7 @@
 #include <random>
 
 #include "input.h"
-#include "log.h"
+#include "kit/log.h"
 #include "names.h"
 #include "reader.h"
 #include "region.h"

@@ -1,8 +1,8 @@
 // parser.h: drives a Reader with the documents that expat reads.
 #pragma once
 
+#include "kit/plugin.h"
 #include "plan.h"
-#include "plugin.h"
 
 namespace cvt::xml {
 

@@ -18,8 +18,8 @@
 #include <string_view>
 #include <vector>
 
-#include "charset.h"
 #include "cvt_message.h"
+#include "kit/charset.h"
 #include "records.h"
 
 namespace cvt::xml {
@@ -135,8 +135,8 @@ struct Plan {
 // Throws Misconfigured.
 std::unique_ptr<Plan> compilePlan(const Msg &msg, const XmlMsg &document);
 
-// "p:local" for an expanded name, with the definition's prefix; "{URI}local" for a namespace it does not
-// have.
+// An expanded name for messages: as the definition writes it, and with words about its namespace where the
+// definition knows none of that name.
 std::string shownName(const Plan &plan, std::string_view expanded);
 
 }  // namespace cvt::xml

@@ -2,7 +2,8 @@
 
 #include <charconv>
 
-#include "log.h"
+#include "kit/log.h"
+#include "names.h"
 
 namespace cvt::xml {
 
@@ -49,13 +50,21 @@ std::string list(const std::vector<Named> &all, const char *none) {
   return names.empty() ? none : names;
 }
 
-// The name of the list that comes nearest, as advice.
+// What to write in place of a name that is not in the list.
 template <class Named>
-std::string advice(const std::vector<Named> &all, const std::string &found) {
-  std::vector<const char *> known;
-  for (const Named &named : all) known.push_back(named.name.c_str());
-  const char *near = kit::nearest(found.c_str(), known);
+std::string advice(const std::vector<Named> &all, std::string_view expanded) {
   const std::string skip = "psUnknown=\"skip\" in XmlMsg passes over it";
+  const std::string local(localName(expanded));
+  std::vector<const char *> known;
+  for (const Named &named : all) {
+    if (localName(named.expanded) == local) {
+      const std::string_view uri = namespaceOf(named.expanded);
+      return uri.empty() ? "Write it without a namespace; " + skip
+                         : "Write it in the namespace " + quoted(uri) + "; " + skip;
+    }
+    known.push_back(named.name.c_str());
+  }
+  const char *near = kit::nearest(local.c_str(), known);
   return near == nullptr ? skip : "Write " + std::string(near) + "; " + skip;
 }
 
@@ -95,9 +104,10 @@ void Reader::open(std::string_view name, const char *const *attributes, size_t d
   } else if (name == m_plan.root.expanded) {
     enter(m_plan.root, kit::List(m_call.values, m_plan.slots), attributes);
   } else {
-    throw Fault(Fault::kHere, "the root element <" + shownName(m_plan, m_plan.root.expanded) + ">",
-                "<" + shownName(m_plan, name) + ">",
-                "The message is another one, or psRoot or psNamespace is");
+    const std::string uri(namespaceOf(m_plan.root.expanded));
+    throw Fault(Fault::kHere,
+                "the root element " + m_plan.root.name + (uri.empty() ? "" : " of namespace \"" + uri + "\""),
+                shownName(m_plan, name), "See psRoot, psNamespace and psPrefixes of XmlMsg");
   }
 }
 
@@ -158,9 +168,8 @@ void Reader::enter(const Element &element, kit::List list, const char *const *gi
 
 void Reader::unknown(const Frame &top, std::string_view name) const {
   const Element &parent = *top.element;
-  const std::string found = shownName(m_plan, name);
   throw Fault(Fault::kHere, list(parent.children, "text alone") + " in <" + parent.name + ">",
-              "<" + found + ">", advice(parent.children, found));
+              "element " + shownName(m_plan, name), advice(parent.children, name));
 }
 
 void Reader::attributes(const Frame &frame, const char *const *given) {
@@ -186,10 +195,10 @@ void Reader::attribute(const Frame &frame, std::string_view name, std::string_vi
     store(attribute.text, frame.list, value);
     m_call.path.field(nullptr);
   } else if (!m_plan.skipUnknown) {
-    const std::string shown = shownName(m_plan, name);
+    const std::string shown = namespaceOf(name).empty() ? std::string(name) : shownName(m_plan, name);
     throw Fault(Fault::kHere,
                 list(element.attributes, "no attribute") + " in the tag of <" + element.name + ">",
-                "attribute " + shown, advice(element.attributes, shown));
+                "attribute " + shown, advice(element.attributes, name));
   }
 }
 

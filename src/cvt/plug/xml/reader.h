@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "kit/plugin.h"
 #include "plan.h"
-#include "plugin.h"
 
 namespace cvt::xml {
 

@@ -1,7 +1,7 @@
 // records.h: the records of the format `xml` in a definition file, and what their attributes mean.
 #pragma once
 
-#include "attributes.h"
+#include "kit/attributes.h"
 
 namespace cvt::xml {
 

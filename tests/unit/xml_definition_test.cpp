@@ -1,0 +1,151 @@
+#include <gtest/gtest.h>
+
+#include "xml_config.h"
+
+namespace {
+
+using namespace test::xml;
+
+// A definition that must be refused, and a part of the line that says why.
+struct Mistake {
+  const char *sCase;
+  std::string sAttributes;
+  std::vector<XmlNode> nodes;
+  std::string sLine;
+};
+
+void PrintTo(const Mistake &mistake, std::ostream *out) {
+  *out << mistake.sCase;
+}
+
+class XmlDefinition : public testing::TestWithParam<Mistake> {};
+
+TEST_P(XmlDefinition, IsRefusedWithThePlaceAndTheWayOut) {
+  XmlConfig config;
+  config.message("M", GetParam().sAttributes, GetParam().nodes);
+  EXPECT_NE(config.start(), 0);
+  EXPECT_TRUE(told(GetParam().sLine)) << told();
+  EXPECT_TRUE(told("msg/M.xml:")) << told();
+}
+
+const std::vector<XmlNode> kPlain = {field("A")};
+
+XmlNode nested(int nDepth) {
+  return nDepth == 0 ? field("F") : group("G", "", {nested(nDepth - 1)});
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , XmlDefinition,
+    testing::Values(
+        Mistake{"UnknownAttribute", "psRot=\"m\"", kPlain,
+                "Element[XmlMsg] Attribute[psRot]: expected one of psRoot, "},
+        Mistake{"UnknownWord", "psUnknown=\"ignore\"", kPlain,
+                "Attribute[psUnknown]: expected one of refuse, skip, found \"ignore\"."},
+        Mistake{"NumberOutOfRange", "nMaxDepth=\"0\"", kPlain,
+                "expected a number from 1 to 1000, found \"0\"."},
+        Mistake{"RootIsNoName", "psRoot=\"a b\"", kPlain,
+                "expected an XML name, found \"a b\". Write psName."},
+        Mistake{"NodeIsNoName", "", {field("1st")}, "Node[1st] File["},
+        Mistake{"EmptyName", "", {field("A", "psName=\"\"")}, "expected an XML name, found \"\"."},
+        Mistake{"TwoColons", "", {field("A", "psName=\"a:b:c\"")}, "expected an XML name, found \"a:b:c\"."},
+        Mistake{"UndeclaredPrefix",
+                "",
+                {field("A", "psName=\"p:a\"")},
+                "expected a prefix of psPrefixes, found \"p\" in p:a. "
+                "Write psPrefixes=\"p=URI\" into XmlMsg."},
+        Mistake{"XmlnsAttribute",
+                "",
+                {field("A", "psKind=\"attribute\" psName=\"xmlns\"")},
+                "found xmlns. Write psNamespace"},
+        Mistake{"PrefixWithoutUri", "psPrefixes=\"a=u b\"", kPlain,
+                "expected prefix=URI pairs in psPrefixes, found \"b\"."},
+        Mistake{"ReservedPrefix", "psPrefixes=\"xmlx=u\"", kPlain, "found \"xmlx=u\"."},
+        Mistake{"PrefixTwice", "psPrefixes=\"a=u a=v\"", kPlain,
+                "expected each prefix once in psPrefixes, found \"a\" twice."},
+        Mistake{"TwoElementsOfOneName", "", {field("A"), field("B", "psName=\"A\"")}, "Node[B] File["},
+        Mistake{"TwoNamesOfOneNamespace",
+                "psNamespace=\"u\" psPrefixes=\"p=u\"",
+                {field("A"), field("B", "psName=\"p:A\"")},
+                "expected elements of different names, found a second <p:A> in <M>."},
+        Mistake{"TwoAttributesOfOneName",
+                "",
+                {field("A", "psKind=\"attribute\""), field("B", "psKind=\"attribute\" psName=\"A\"")},
+                "expected attributes of different names, found a second \"A\" of <M>."},
+        Mistake{"TwoTexts",
+                "",
+                {field("A", "psKind=\"text\""), field("B", "psKind=\"text\"")},
+                "expected one text field, without psName, in an element, found a second one."},
+        Mistake{"TextWithName", "", {field("A", "psKind=\"text\" psName=\"a\"")}, "found psName. Remove it."},
+        Mistake{"DefaultAndConstant",
+                "",
+                {field("A", "psDefault=\"a\" psConstant=\"b\"")},
+                "expected psDefault or psConstant, found both."},
+        Mistake{"MandatoryLoop",
+                "",
+                {loop("L", "nMandatory=\"1\"", "", {field("A")})},
+                "Write nMin=\"1\" into its XmlLoop."},
+        Mistake{"AttributeLoop",
+                "",
+                {loop("L", "psKind=\"attribute\"", "", {})},
+                "in a loop, found another kind."},
+        Mistake{"LoopLimitsCrossed",
+                "",
+                {loop("L", "", "nMin=\"3\" nMax=\"2\"", {})},
+                "expected nMax at least nMin, found 2 and 3."},
+        Mistake{"KeptWrapperWithoutName",
+                "",
+                {loop("L", "", "nKeepEmpty=\"1\"", {})},
+                "expected psWrapper with nKeepEmpty, found none."},
+        Mistake{"CountWithDefault",
+                "",
+                {field("C", "psDefault=\"0\""), loop("L", "", "", {}, "C")},
+                "expected a count field of one loop"},
+        Mistake{"CountOfTwoLoops",
+                "",
+                {field("C"), loop("L", "", "", {}, "C"), loop("K", "", "", {}, "C")},
+                "found one of two loops."},
+        Mistake{"DeeperThanTheLimit",
+                "nMaxDepth=\"3\"",
+                {nested(3)},
+                "expected at most 3 elements inside each other, found more. Raise nMaxDepth"},
+        Mistake{"MoreAttributesThanTheLimit",
+                "nMaxAttributes=\"1\"",
+                {field("A", "psKind=\"attribute\""), field("B", "psKind=\"attribute\"")},
+                "expected at most 1 attributes, found more."},
+        Mistake{"FieldRecordOnAGroup",
+                "",
+                {{"G", formatAttr("XmlField", "") + "<StructAttr __ID=\"ptStructAttr\">" +
+                           chain({field("A")}, "ptChildNode") + "</StructAttr>"}},
+                "expected XmlGroup as FormatAttr.pInfo, found XmlField."},
+        Mistake{"GroupRecordOnAField",
+                "",
+                {{"A", formatAttr("XmlGroup", "") + "<StructAttr __ID=\"ptStructAttr\"/>"}},
+                "expected XmlField as FormatAttr.pInfo, found XmlGroup."},
+        Mistake{"RecordInTheStructAttr",
+                "",
+                {{"A", "<StructAttr __ID=\"ptStructAttr\"><XmlField __ID=\"pInfo\"/></StructAttr>"}},
+                "found a record in StructAttr."},
+        Mistake{"CountedNode",
+                "",
+                {field("N"),
+                 {"A",
+                  "<StructAttr __ID=\"ptStructAttr\" nType=\"5\"><LoopType __ID=\"pInfo\" "
+                  "psLoopNumName=\"N\"/></StructAttr>"}},
+                "found a counted node."}),
+    [](const auto &one) { return std::string(one.param.sCase); });
+
+TEST(XmlDefinitionRecords, OnlyAnXmlMsgDescribesTheDocument) {
+  XmlConfig config;
+  config.file("msg/M.xml", "<xml><Msg psMsgName=\"M\">" + chain({field("A")}, "ptHead") +
+                               "<XmlField __ID=\"pInfo\"/></Msg></xml>");
+  EXPECT_NE(config.start(), 0);
+  EXPECT_TRUE(told("expected XmlMsg as pInfo of Msg, found XmlField.")) << told();
+}
+
+TEST(XmlDefinitionLimits, AsDeepAsTheLimitIsFine) {
+  XmlConfig config;
+  config.message("M", "nMaxDepth=\"5\"", {nested(3)});
+  EXPECT_EQ(config.start(), 0) << told();
+}
+
+}  // namespace
