@@ -105,8 +105,10 @@ bool parseByte(const std::string &value, int &byte) {
     byte = value[0];
     return true;
   }
-  return value.size() == 4 && value.starts_with("0x") && value[2] != '-' &&
-         parseInt(value.substr(2), 16, byte);
+  if (value.size() != 4 || !value.starts_with("0x") || value[2] == '-') return false;
+  if (!parseInt(value.substr(2), 16, byte)) return false;
+  byte += kRawByte;
+  return true;
 }
 
 // Puts the attribute's text into the record; false when it may not stand there.
@@ -139,7 +141,7 @@ std::string shown(const Attribute &row, const void *record) {
   const int number = member<int>(record, row);
   if (row.kind == AttributeKind::Word) return row.words[static_cast<size_t>(number)];
   if (row.kind != AttributeKind::Byte) return std::to_string(number);
-  if (number >= 0x20 && number < 0x7F) return {static_cast<char>(number)};
+  if (number < kRawByte) return {static_cast<char>(number)};
   static constexpr char kHex[] = "0123456789ABCDEF";
   return {'0', 'x', kHex[(number >> 4) & 15], kHex[number & 15]};
 }

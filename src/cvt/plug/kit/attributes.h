@@ -33,8 +33,11 @@ enum class AttributeKind {
   Flag,  // member int; "0" or "1"
   Text,  // member char *, interned; null when absent and without default
   Word,  // member int: position of the value in `words`
-  Byte,  // member int, 0 .. 255; one printable ASCII character, or 0xNN
+  Byte,  // member int: one printable ASCII character, or 0xNN, which reads as kRawByte + NN
 };
+
+// Tells a byte written as 0xNN from the character with that code: in another character set they differ.
+inline constexpr int kRawByte = 0x100;
 
 // One row of a record's table. The fallback is what an absent attribute means; a fallback outside the range
 // (-1 for an int, a word, a byte) says "not given".

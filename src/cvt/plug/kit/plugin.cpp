@@ -104,7 +104,7 @@ int initFormat(Msg *msg, void (*compile)(Msg &), FncParse parse, FncGenerate gen
       msg, [&] { compile(*msg); },
       [&](const Fault &fault) { KIT_ERR("Msg[%s]: %s", nameOf(msg), fault.text().c_str()); });
   if (status != 0) return status;
-  msg->nValueNum = msg->nFieldNum;
+  if (msg->nValueNum < 0) msg->nValueNum = msg->nFieldNum;
   msg->fParse = parse;
   msg->fGen = generate;
   return 0;

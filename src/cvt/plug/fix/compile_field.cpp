@@ -1,0 +1,312 @@
+#include "compile_field.h"
+
+#include <cstring>
+
+#include "field.h"
+#include "kit/fault.h"
+
+namespace cvt::fix {
+
+using kit::Charset;
+using kit::Misconfigured;
+using kit::NumberFill;
+using kit::NumberForm;
+using kit::NumberSign;
+using kit::quoted;
+
+namespace {
+
+constexpr int kMaxNumberBytes = 64;
+
+NumberForm formOf(FieldType type) {
+  switch (type) {
+    case FieldType::Zoned:
+      return NumberForm::ZonedEbcdic;
+    case FieldType::ZonedAscii:
+      return NumberForm::ZonedAscii;
+    case FieldType::ZonedOverpunch:
+      return NumberForm::ZonedTranslated;
+    case FieldType::Packed:
+      return NumberForm::Packed;
+    case FieldType::Bcd:
+      return NumberForm::Bcd;
+    case FieldType::Binary:
+      return NumberForm::BinaryBig;
+    case FieldType::BinaryLittle:
+      return NumberForm::BinaryLittle;
+    case FieldType::Text:
+    case FieldType::Raw:
+    case FieldType::Number:
+      break;
+  }
+  return NumberForm::Text;
+}
+
+class FieldCompiler {
+ public:
+  FieldCompiler(const char *name, const FixField &record, const FixMsg &settings, const std::string &path)
+      : m_record(record), m_settings(settings), m_path(path) {
+    m_plan.name = name;
+  }
+
+  FieldPlan run() {
+    m_plan.type = static_cast<FieldType>(int{m_record.nType});
+    const char *charset = m_record.psCharset;
+    m_plan.charset = findCharset(charset == nullptr ? m_settings.psCharset : charset, m_path, &m_record);
+    m_plan.controlKept = or_(m_record.nControl, m_settings.nControl) == kControlKept;
+    m_plan.cut = m_record.nOverflow == kOverflowCut;
+    checkApplicable();
+    compileLength();
+    compilePad();
+    if (m_plan.isNumber()) compileNumber();
+    compileBlank();
+    compileValues();
+    return std::move(m_plan);
+  }
+
+ private:
+  [[noreturn]] void refuse(const std::string &expected, const std::string &found,
+                           const std::string &advice) const {
+    throw Misconfigured(m_path, &m_record, expected, found, advice);
+  }
+
+  static int or_(int own, int general) { return own == kNotGiven ? general : own; }
+
+  bool is(FieldType type) const { return m_plan.type == type; }
+
+  // Settings that mean nothing for the type.
+  void checkApplicable() const {
+    if (!m_plan.isNumber() && (m_record.nDecimals != 0 || m_record.nSign != 0)) {
+      refuse("nDecimals and psSign on numbers only", "them on a text", "Write psType, or remove them");
+    }
+    if (!is(FieldType::Number) && (m_record.nPoint != 0 || m_record.nPlus != 0)) {
+      refuse("nPoint and psPlus with psType number", "them with another type", "Remove them");
+    }
+    if (!is(FieldType::Text) && (m_record.nOverflow != kOverflowError || m_record.nControl != kNotGiven)) {
+      refuse("psOverflow and psControl on texts only", "them on another type", "Remove them");
+    }
+    if (m_plan.isNumber() && !is(FieldType::Number) &&
+        (m_record.nPad != kNotGiven || m_record.nAlign != kNotGiven)) {
+      refuse("psPad and psAlign on texts and psType number", "them on digits that fill the field",
+             "Remove them");
+    }
+    if (!is(FieldType::Text) && !is(FieldType::Number) && m_record.psCharset != nullptr) {
+      refuse("psCharset on texts and psType number", "it on bytes that are no characters", "Remove it");
+    }
+    if (is(FieldType::Number) && !m_plan.charset->containsAscii() && !m_plan.charset->oneByte()) {
+      refuse("a character set with one byte a digit", m_plan.charset->name(), "Write another psCharset");
+    }
+  }
+
+  void compileLength() {
+    m_plan.length = static_cast<size_t>(int{m_record.nLen});
+    const bool text = is(FieldType::Text);
+    m_plan.chars = text && or_(m_record.nUnit, m_settings.nUnit) == kChars && !m_plan.charset->oneByte();
+    if (m_plan.length != 0) return;
+    const char *constant = m_record.psConst;
+    if (constant == nullptr || *constant == '\0' || m_plan.isNumber()) {
+      refuse("nLen", "no length", "Write nLen=\"...\"");
+    }
+    const std::string value = constant;
+    m_plan.chars = false;
+    std::string bytes(m_plan.charset->decodedRoom(value.size()) * 4, '\0');
+    const bool raw = is(FieldType::Raw);
+    const kit::Converted made =
+        m_plan.charset->encode(value.data(), value.size(), bytes.data(), bytes.size());
+    if (!raw && made.damage != kit::Damage::None) {
+      refuse(std::string(kit::damageText(made.damage)) + " of " + m_plan.charset->name(),
+             "psConst " + quoted(value), "");
+    }
+    m_plan.length = raw ? value.size() : made.written;
+  }
+
+  void compilePad() {
+    m_plan.right = m_record.nAlign == kNotGiven ? is(FieldType::Number) : m_record.nAlign == kRight;
+    m_plan.trims = !is(FieldType::Raw) || m_record.nPad != kNotGiven;
+    if (is(FieldType::Number) || (m_plan.isNumber() && is(FieldType::Zoned))) {
+      m_plan.blank = is(FieldType::Zoned) ? '\x40' : padByte(' ', m_plan.charset, m_path, &m_record);
+    }
+    if (m_plan.isNumber()) return;
+    const int pad = or_(m_record.nPad, ' ');
+    m_plan.rawPad = pad >= kit::kRawByte || is(FieldType::Raw);
+    m_plan.pad =
+        is(FieldType::Raw) ? static_cast<char>(pad) : padByte(pad, m_plan.charset, m_path, &m_record);
+    m_plan.padText = static_cast<char>(pad);
+  }
+
+  void compileNumber() {
+    kit::NumberSpec &spec = m_plan.number;
+    spec.form = formOf(m_plan.type);
+    spec.sign = static_cast<NumberSign>(int{m_record.nSign});
+    spec.decimals = m_record.nDecimals;
+    spec.point = m_record.nPoint != 0;
+    spec.plusBlank = m_record.nPlus != 0;
+    spec.lenient = m_settings.nLenient != 0;
+    if (is(FieldType::Number)) compileFill(spec);
+    if (is(FieldType::Bcd) && spec.sign != NumberSign::None) {
+      refuse("psSign none", "a sign on bcd", "Use packed, or remove psSign");
+    }
+    if (spec.sign == NumberSign::Leading &&
+        (is(FieldType::Packed) || is(FieldType::Binary) || is(FieldType::BinaryLittle))) {
+      refuse("psSign none or trailing", "leading", "Write psSign=\"trailing\" for a signed number");
+    }
+    if (m_plan.length > kMaxNumberBytes || kit::digitsOf(spec, m_plan.length) == 0) {
+      refuse("nLen, nDecimals and psSign that the type can have (at most 31 digits, binary at most 8 bytes)",
+             "nLen " + std::to_string(m_plan.length) + " with " + std::to_string(spec.decimals) + " decimals",
+             "");
+    }
+  }
+
+  void compileFill(kit::NumberSpec &spec) const {
+    const int pad = or_(m_record.nPad, '0');
+    if (pad != '0' && pad != ' ') refuse("psPad 0 or a blank on a number", "another pad", "");
+    if (pad == '0' && !m_plan.right) {
+      refuse("psAlign right for a number filled with zeros", "left",
+             "Write psPad=\" \" for a left-aligned number");
+    }
+    spec.fill = pad == '0'     ? NumberFill::Zeros
+                : m_plan.right ? NumberFill::BlankLeft
+                               : NumberFill::BlankRight;
+  }
+
+  void compileBlank() {
+    const bool byDefault = !m_plan.isNumber() && m_record.psDefault == nullptr && !listLacksBlank();
+    m_plan.blankAllowed = m_record.nBlank == kNotGiven ? byDefault : m_record.nBlank == kBlankAllowed;
+    if (is(FieldType::Raw) && !m_plan.trims) m_plan.blankAllowed = false;
+    if (!m_plan.blankAllowed || !m_plan.isNumber()) return;
+    if (!is(FieldType::Number) && !is(FieldType::Zoned)) {
+      refuse("psBlank refused", "allowed on a type whose blanks are digits",
+             "Only number and zoned can tell blanks from a number");
+    }
+  }
+
+  bool listLacksBlank() const {
+    if (m_record.psValues == nullptr) return false;
+    const std::string list = "|" + std::string(m_record.psValues) + "|";
+    return list.find("||") == std::string::npos;
+  }
+
+  void compileValues() {
+    const bool constant = m_record.psConst != nullptr;
+    const bool fallback = m_record.psDefault != nullptr;
+    const bool list = m_record.psValues != nullptr;
+    if (constant && (fallback || list)) {
+      refuse("psConst alone", "psConst with psDefault or psValues", "Remove one of them");
+    }
+    if (m_record.nTag != 0 && !constant && !list) {
+      refuse("psConst or psValues on a tag", "neither", "Write the tag's value");
+    }
+    if (list) compileList();
+    if (fallback) compileDefault();
+    if (constant) compileConstant();
+    if (m_record.nTag != 0) compileTag();
+  }
+
+  void compileTag() {
+    if (m_plan.chars) refuse("a tag whose length is counted in bytes", "one counted in characters", "");
+    if (m_plan.constant) m_plan.tags.push_back(m_plan.bytes);
+    for (const std::string &one : m_plan.allowed) {
+      m_plan.tags.push_back(fieldBytes(m_plan, one, m_path, &m_record));
+    }
+  }
+
+  void compileList() {
+    const std::string list = m_record.psValues;
+    size_t from = 0;
+    while (from <= list.size()) {
+      const size_t bar = std::min(list.find('|', from), list.size());
+      const std::string item = list.substr(from, bar - from);
+      m_plan.allowed.push_back(item.empty() ? item : asRead(item));
+      from = bar + 1;
+    }
+  }
+
+  void compileDefault() {
+    if (m_plan.blankAllowed) {
+      refuse("psDefault or psBlank allowed", "both", "A blank field would not come back as it was");
+    }
+    m_plan.value = asRead(m_record.psDefault);
+    m_plan.hasDefault = true;
+    // A lenient message reads a blank field; it is written with its default.
+    if (m_settings.nLenient != 0 && !m_plan.isNumber()) m_plan.blankAllowed = true;
+  }
+
+  void compileConstant() {
+    const bool blank = *static_cast<const char *>(m_record.psConst) == '\0';
+    if (blank && m_plan.isNumber())
+      refuse("a number", "an empty psConst", "Write psType text for a blank field");
+    if (blank) m_plan.blankAllowed = true;
+    m_plan.bytes = fieldBytes(m_plan, m_record.psConst, m_path, &m_record);
+    m_plan.value = asRead(m_record.psConst);
+    m_plan.constant = true;
+  }
+
+  // A value of the definition as a message would give it: numbers canonical, texts without their pads.
+  std::string asRead(const std::string &value) const {
+    fieldBytes(m_plan, value, m_path, &m_record);
+    if (m_plan.isNumber()) return canonical(value);
+    std::string text = value;
+    if (!m_plan.trims) return text;
+    while (!m_plan.right && !text.empty() && text.back() == m_plan.padText) text.pop_back();
+    while (m_plan.right && !text.empty() && text.front() == m_plan.padText) text.erase(0, 1);
+    return text;
+  }
+
+  std::string canonical(const std::string &value) const {
+    if (value.empty()) return value;
+    kit::NumberSpec widest;
+    widest.sign = NumberSign::Leading;
+    widest.decimals = m_plan.number.decimals;
+    char digits[kit::kMaxDigits + 1];
+    char text[kit::kCanonicalRoom];
+    kit::writeNumber(widest, value, digits, sizeof digits);
+    return {text, kit::readNumber(widest, digits, sizeof digits, text).length};
+  }
+
+  const FixField &m_record;
+  const FixMsg &m_settings;
+  const std::string &m_path;
+  FieldPlan m_plan;
+};
+
+}  // namespace
+
+const Charset *findCharset(const char *name, const std::string &path, const void *record) {
+  const Charset *charset = Charset::find(name);
+  if (charset != nullptr) return charset;
+  throw Misconfigured(path, record, "a character set that iconv knows", "psCharset " + quoted(name),
+                      "iconv -l lists them");
+}
+
+char padByte(int pad, const Charset *charset, const std::string &path, const void *record) {
+  if (pad >= kit::kRawByte) return static_cast<char>(pad - kit::kRawByte);
+  const char c = static_cast<char>(pad);
+  char bytes[16];
+  const kit::Converted made = charset->encode(&c, 1, bytes, sizeof bytes);
+  if (made.damage == kit::Damage::None && made.written == 1) return bytes[0];
+  throw Misconfigured(path, record, "a character set in which the pad is one byte", charset->name(),
+                      "Write psPad as 0xNN");
+}
+
+FieldPlan compileField(const char *name, const FixField &record, const FixMsg &settings,
+                       const std::string &path) {
+  return FieldCompiler(name, record, settings, path).run();
+}
+
+std::string fieldBytes(const FieldPlan &field, const std::string &value, const std::string &path,
+                       const void *record) {
+  std::string bytes(field.length * 4 + 16, '\0');
+  kit::Output out(bytes.data(), 0, bytes.size());
+  try {
+    FieldPlan strict = field;
+    strict.cut = false;
+    strict.allowed.clear();
+    writeField(strict, value, out);
+  } catch (const kit::Fault &fault) {
+    throw Misconfigured(path, record, "values that the field can have", quoted(value), fault.text());
+  }
+  bytes.resize(out.offset());
+  return bytes;
+}
+
+}  // namespace cvt::fix

@@ -1,0 +1,116 @@
+#include "extent.h"
+
+namespace cvt::fix {
+
+namespace {
+
+size_t nextOf(const LevelPlan &level, size_t position) {
+  return static_cast<size_t>(level.ops[position].next);
+}
+
+Extent loopExtent(const LoopPlan &loop) {
+  const Extent body = extentOf(*loop.body, 0, loop.body->ops.size());
+  if (loop.room != 0) return {loop.room * body.bytes, body.exact};
+  if (loop.fixed != 0) return {loop.fixed * body.bytes, body.exact};
+  return {loop.least * body.bytes, false};
+}
+
+Extent choiceExtent(const LevelPlan &level, size_t position) {
+  Extent all{0, true};
+  for (size_t child = position + 1; child < nextOf(level, position); child = nextOf(level, child)) {
+    const Extent one = extentOf(level, child, nextOf(level, child));
+    const bool first = child == position + 1;
+    all.exact = all.exact && one.exact && (first || one.bytes == all.bytes);
+    all.bytes = first || one.bytes < all.bytes ? one.bytes : all.bytes;
+  }
+  return all;
+}
+
+Extent opExtent(const LevelPlan &level, size_t position) {
+  const Op &op = level.ops[position];
+  if (op.optional) return {0, false};
+  if (op.kind == Kind::Field) {
+    const FieldPlan &field = level.fields[op.detail];
+    return {field.length, !field.chars};
+  }
+  if (op.kind == Kind::Loop) return loopExtent(level.loops[op.detail]);
+  if (op.kind == Kind::Choice) return choiceExtent(level, position);
+  Extent extent = extentOf(level, position + 1, nextOf(level, position));
+  if (op.kind == Kind::Record) extent.bytes += static_cast<size_t>(level.records[op.detail].separator);
+  return extent;
+}
+
+// Tags of the siblings, as far as their offset is known. False: behind a node of no fixed size.
+bool collect(const LevelPlan &level, size_t from, size_t to, size_t &offset, Start &start) {
+  for (size_t i = from; i < to; i = nextOf(level, i)) {
+    const Op &op = level.ops[i];
+    if ((op.kind == Kind::Group || op.kind == Kind::Record) && !op.optional) {
+      if (!collect(level, i + 1, nextOf(level, i), offset, start)) return false;
+      if (op.kind == Kind::Record) return false;  // what follows is another record
+      continue;
+    }
+    if (op.kind == Kind::Field && !level.fields[op.detail].tags.empty()) {
+      start.push_back({offset, level.fields[op.detail].tags});
+    }
+    const Extent extent = opExtent(level, i);
+    if (!extent.exact) return false;
+    offset += extent.bytes;
+  }
+  return true;
+}
+
+bool mayBeMissing(const LevelPlan &level, const Op &op) {
+  return op.optional || (op.kind == Kind::Loop && level.loops[op.detail].least == 0);
+}
+
+void append(std::vector<Start> &all, std::vector<Start> more) {
+  for (Start &start : more) all.push_back(std::move(start));
+}
+
+}  // namespace
+
+Extent extentOf(const LevelPlan &level, size_t from, size_t to) {
+  Extent sum{0, true};
+  for (size_t i = from; i < to; i = nextOf(level, i)) {
+    const Extent one = opExtent(level, i);
+    sum.bytes += one.bytes;
+    sum.exact = sum.exact && one.exact;
+  }
+  return sum;
+}
+
+std::vector<Start> startsOf(const LevelPlan &level, size_t position) {
+  const Op &op = level.ops[position];
+  if (op.kind == Kind::Loop) {
+    const LevelPlan &body = *level.loops[op.detail].body;
+    return startsAt(body, 0, body.ops.size());
+  }
+  const size_t next = nextOf(level, position);
+  if (op.kind == Kind::Choice) {
+    std::vector<Start> all;
+    for (size_t child = position + 1; child < next; child = nextOf(level, child))
+      append(all, startsOf(level, child));
+    return all;
+  }
+  if (op.kind == Kind::Group) return startsAt(level, position + 1, next);
+  size_t offset = 0;
+  std::vector<Start> one(1);
+  collect(level, op.kind == Kind::Record ? position + 1 : position, next, offset, one[0]);
+  return one;
+}
+
+std::vector<Start> startsAt(const LevelPlan &level, size_t from, size_t to) {
+  if (from == to) return {Start{}};
+  const Op &first = level.ops[from];
+  if (first.kind == Kind::Field) {
+    size_t offset = 0;
+    std::vector<Start> one(1);
+    collect(level, from, to, offset, one[0]);
+    return one;
+  }
+  std::vector<Start> all = startsOf(level, from);
+  if (mayBeMissing(level, first)) append(all, startsAt(level, nextOf(level, from), to));
+  return all;
+}
+
+}  // namespace cvt::fix
