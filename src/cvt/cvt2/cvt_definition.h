@@ -4,9 +4,31 @@
 // other by nature: a loop body is indexed like a message, and a reference loads a file through the registry.
 #pragma once
 
+#include <unordered_set>
+
 #include "cvt_message.h"
 
 namespace cvt {
+
+// What a recursive walk has met since its outermost call began. Loops in loops stand in the index of every
+// loop around them: without this, each level of nesting would double the work.
+//   Walk  tells walks apart
+template <class Walk, class T>
+class Met {
+ public:
+  Met() { ++s_nDepth; }
+  ~Met() {
+    if (--s_nDepth == 0) s_met.clear();
+  }
+  Met(const Met &) = delete;
+  Met &operator=(const Met &) = delete;
+
+  static bool first(const T *pt) { return s_met.insert(pt).second; }
+
+ private:
+  inline static int s_nDepth = 0;
+  inline static std::unordered_set<const T *> s_met;
+};
 
 // Loads one definition file and registers it under its message's name: 0, 1 known already, -1 (logged).
 int FmtMsgInit(char *psFileName);

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -56,8 +57,11 @@ int FmtAddMsg(Msg *ptMsg) {
   return 0;
 }
 
-// The files being read, outermost first: a definition that refers to itself would be read for ever.
+// The files being read, each referred to by the one before it.
 std::vector<std::string> f_reading;
+
+// Every file takes some kilobytes of the stack while it waits for the one it refers to.
+constexpr size_t kMostReading = 256;
 
 class Reading {
  public:
@@ -65,11 +69,21 @@ class Reading {
   ~Reading() { f_reading.pop_back(); }
   Reading(const Reading &) = delete;
   Reading &operator=(const Reading &) = delete;
-
-  static bool holds(const char *psFileName) {
-    return std::find(f_reading.begin(), f_reading.end(), psFileName) != f_reading.end();
-  }
 };
+
+// Whether a file may be read from within those being read. One that is among them would be read for ever.
+bool mayRead(const char *psFileName) {
+  const auto first = std::find(f_reading.begin(), f_reading.end(), psFileName);
+  if (first == f_reading.end() && f_reading.size() < kMostReading) return true;
+  if (first == f_reading.end()) {
+    CVT_ERR("File[%s]: more than [%zu] definitions refer one to the next: make the chain shorter", psFileName,
+            kMostReading);
+    return false;
+  }
+  for (auto it = first + 1; it != f_reading.end(); ++it) CVT_ERR("File[%s] refers to [%s]", (it - 1)->c_str(), it->c_str());
+  CVT_ERR("File[%s] refers to [%s], which is being read: take one of these references out", f_reading.back().c_str(), psFileName);
+  return false;
+}
 
 int FmtParseMessage(CvtFmtArgs *ptArgs) {
   if (ptArgs == nullptr) return 0;
@@ -90,10 +104,7 @@ namespace cvt {
 int FmtMsgInit(char *psFileName) {
   CVT_NOT_NULL(psFileName, -1);
   if (MsgGetMsgByFileName(psFileName) != nullptr) return 1;
-  if (Reading::holds(psFileName)) {
-    CVT_ERR("File[%s] refers to itself: take the reference out of the definition", psFileName);
-    return -1;
-  }
+  if (!mayRead(psFileName)) return -1;
   const Reading reading(psFileName);
   auto *const ptMsg = static_cast<Msg *>(sttParseBySttInfo(psFileName));
   if (ptMsg == nullptr) {
@@ -150,6 +161,7 @@ namespace {
 
 constexpr int kSpareLists = 10;
 constexpr int kLeastLoop = 999;
+constexpr int kMostSlots = std::numeric_limits<int>::max() / static_cast<int>(sizeof(Value));
 
 int maxLoop() {
   const CvtFmtArgs *const ptArgs = gptFmtGlobalInfo == nullptr ? nullptr : gptFmtGlobalInfo->ptCvtFmtArgs;
@@ -221,9 +233,11 @@ int SwitchToLoopList(ValueList *ptList) {
   return 0;
 }
 
+// A list may have been asked for more slots than it has room for: those beyond its capacity do not exist.
 bool isSlot(const ValueList *ptValueList, int nIndex) {
-  if (nIndex >= 0 && nIndex < ptValueList->nNow) return true;
-  CVT_ERR("Value Index[%d] < 0 or >= max [%d] err!!", nIndex, ptValueList->nNow);
+  const int nSlots = std::min(static_cast<int>(ptValueList->nNow), static_cast<int>(ptValueList->nMax));
+  if (nIndex >= 0 && nIndex < nSlots) return true;
+  CVT_ERR("Value Index[%d] < 0 or >= max [%d] err!!", nIndex, nSlots);
   return false;
 }
 
@@ -243,17 +257,15 @@ Value *cvtGetListValue(ValueList *ptValueList, int nIdx) {
 int cvtDumpValue(Value *ptValue, char *psBuf, int nLen, MemPort ptMemNode) {
   CVT_NOT_NULL(ptValue, -1);
   CVT_NOT_NULL(psBuf, -1);
-  if (nLen < 0) {
-    CVT_ERR("Value Length[%d] < 0", nLen);
+  if (nLen < 0 || nLen == std::numeric_limits<int>::max()) {
+    CVT_ERR("Value Length[%d] is not in [0] .. [%d]", nLen, std::numeric_limits<int>::max() - 1);
     return -1;
   }
+  auto *const psCopy = static_cast<char *>(cvtMalloc(nLen + 1, ptMemNode));
+  if (psCopy == nullptr) return -1;  // no pool node: already logged
+  std::memcpy(psCopy, psBuf, static_cast<size_t>(nLen));
+  ptValue->psValue = psCopy;
   ptValue->nLen = nLen;
-  ptValue->psValue = static_cast<char *>(cvtMalloc(nLen + 1, ptMemNode));
-  if (ptValue->psValue == nullptr) {  // no pool node: already logged
-    ptValue->nLen = 0;
-    return -1;
-  }
-  std::memcpy(ptValue->psValue, psBuf, static_cast<size_t>(nLen));
   return 0;
 }
 
@@ -269,15 +281,17 @@ struct ValueList *cvtNewLoopValueList(ValueList *ptValueList, int nIndex, int nF
     ptSlot->nLen = -1;
     insertBehind(ptValueList, ptFresh);
   }
-  auto *const ptLoopList = reinterpret_cast<ValueList *>(ptSlot->psValue);
-  if (ptLoopList->nNow >= ptLoopList->nMax) {
+  void *ptLoopList = nullptr;
+  CVT_NOT_NULL(ptLoopList = (void *)ptValueList->ptValue[nIndex].psValue, nullptr);
+  auto *const ptLoop = static_cast<ValueList *>(ptLoopList);
+  if (ptLoop->nNow >= ptLoop->nMax) {
     CVT_ERR("Loop Num is Max then Define[%d]", maxLoop());
     return nullptr;
   }
   ValueList *const ptFresh = cvtGetValueList(nFieldNum);
-  ptLoopList->ptValue[ptLoopList->nNow].psValue = reinterpret_cast<char *>(ptFresh);
+  ptLoop->ptValue[ptLoop->nNow].psValue = reinterpret_cast<char *>(ptFresh);
   insertBehind(ptValueList, ptFresh);
-  ptLoopList->nNow += 1;
+  ptLoop->nNow += 1;
   return ptFresh;
 }
 
@@ -337,10 +351,26 @@ STT_BIND(CvtFmtArgs)
 STT_BIND_MODULE(_cvt_message, STT_TYPE(PathList), STT_TYPE(CvtFmtArgs))
 // clang-format on
 
+namespace {
+
+bool isCapacity(const char *psName, int nSlots) {
+  if (nSlots <= kMostSlots) return true;
+  CVT_ERR("CvtFmtArgs %s[%d] is more than [%d]: write a smaller number", psName, nSlots, kMostSlots);
+  return false;
+}
+
+bool areCapacities(const CvtFmtArgs *ptArgs) {
+  return ptArgs == nullptr ||
+         (isCapacity("gnMaxValue", ptArgs->gnMaxValue) && isCapacity("gnMaxLoop", ptArgs->gnMaxLoop));
+}
+
+}  // namespace
+
 void *cvtFmtInit(void *ptXmlNode, char *) {
   NewFmtGlobalInfo();
   nGRet = 0;
   gptFmtGlobalInfo->ptCvtFmtArgs = sttParseXmlCvtFmtArgs(ptXmlNode, const_cast<char *>("CvtFmtArgs"));
+  if (nGRet == 0 && !areCapacities(gptFmtGlobalInfo->ptCvtFmtArgs)) nGRet = -1;
   if (nGRet == -1) {
     CVT_ERR("cvt Message Get Args Err!!");
     return nullptr;

@@ -104,8 +104,14 @@ int cvtLoopGetLoopNum(ValueListInfo *ptValueListInfo, Message *ptMessage) {
   return ptValue->nLen > 0 ? cvtStrAntoi(ptValue->psValue, ptValue->nLen) : 0;
 }
 
+namespace {
+struct Counting;
+using BodiesMet = cvt::Met<Counting, Message *>;
+}  // namespace
+
 int cvtLoopSetLoopNumIndex(Message **pptIdx) {
   CVT_NOT_NULL(pptIdx, -1);
+  const BodiesMet met;
   for (int i = 0; Message *const ptNode = cvtIdxNode(pptIdx, i); ++i) {
     CVT_NOT_NULL(ptNode->ptStructAttr, -1);
     if (!isCounted(ptNode)) continue;
@@ -124,9 +130,8 @@ int cvtLoopSetLoopNumIndex(Message **pptIdx) {
               ptLoopType->psLoopNumName);
       return -3;
     }
-    // A childless loop's body is the loop itself: there is nothing below it to resolve.
-    const bool bHasBody = isLoop(ptNode) && ptNode->ptStructAttr->ptChildNode != nullptr;
-    const int nRet = bHasBody ? cvtLoopSetLoopNumIndex(ptLoopType->pptMessageIdx) : 0;
+    if (!isLoop(ptNode) || !BodiesMet::first(ptLoopType->pptMessageIdx)) continue;
+    const int nRet = cvtLoopSetLoopNumIndex(ptLoopType->pptMessageIdx);
     if (nRet != 0) return nRet;
   }
   return 0;

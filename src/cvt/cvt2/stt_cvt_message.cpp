@@ -60,10 +60,19 @@ Message *GetNextMessage(IterHead &tIter) {
   return ptMessage;
 }
 
+// References that are used twice double a definition; a few dozen of them one above the other would fill any
+// memory.
+constexpr int kMostNodes = 1 << 20;
+
 int GetMessageNum(Message *ptMessage) {
   CVT_NOT_NULL(ptMessage, -1);
   int nNum = 0;
-  for (IterHead tIter = GetMsgIter(ptMessage); GetNextMessage(tIter) != nullptr;) ++nNum;
+  for (IterHead tIter = GetMsgIter(ptMessage); GetNextMessage(tIter) != nullptr; ++nNum) {
+    if (nNum < kMostNodes) continue;
+    CVT_ERR("Message[%s] and what follows has more than [%d] nodes: refer to fewer definitions",
+            ptMessage->psNodeName, kMostNodes);
+    return -1;
+  }
   if (nNum > gnMaxValueNum) gnMaxValueNum = nNum;
   return nNum;
 }
@@ -87,11 +96,21 @@ void putNode(Message **pptIdx, int nPos, Message *ptNode) {
                    sizeof ptNode);
 }
 
-// A loop met again, by an enclosing traversal or through a reference, has its index already.
+struct Numbering;
+using LoopsMet = cvt::Met<Numbering, Message>;
+
 bool needsLoopIndex(const Message *ptMessage) {
-  if (ptMessage->ptStructAttr->nType != CVT_STRUCT_LOOP) return false;
-  const auto *const ptLoopType = static_cast<const LoopType *>(ptMessage->ptStructAttr->pInfo);
-  return ptLoopType == nullptr || ptLoopType->pptMessageIdx == nullptr;
+  return ptMessage->ptStructAttr->nType == CVT_STRUCT_LOOP && LoopsMet::first(ptMessage);
+}
+
+bool hasStruct(const Message *ptMessage, int nPos) {
+  if (ptMessage->ptStructAttr != nullptr) return true;
+  CVT_ERR("[ptMessage->ptStructAttr] is NULL");
+  CVT_ERR(
+      "Create Message index err: Message[%s] index[%d] has no StructAttr: give it a <StructAttr "
+      "__ID=\"ptStructAttr\"/>",
+      ptMessage->psNodeName, nPos);
+  return false;
 }
 
 // --- Positions by name, beside the indexes made here -------------------------------------------------------
@@ -140,11 +159,14 @@ void cvt::indexNodes(Message **pptIdx) { rememberPositions(pptIdx); }
 
 Message **cvtCreateMessageIdx(Message *ptMessage, int *pnNum) {
   CVT_NOT_NULL(ptMessage, nullptr);
+  CVT_NOT_NULL(pnNum, nullptr);
   const int nNum = GetMessageNum(ptMessage);
+  if (nNum < 0) return nullptr;
   *pnNum = nNum;
   auto **const pptIdx =
       static_cast<Message **>(cvtMemMalloc((nNum + 1) * static_cast<int>(sizeof(Message *))));
   int i = 0;
+  const LoopsMet met;
   IterHead tIter = GetMsgIter(ptMessage);
   while ((ptMessage = GetNextMessage(tIter)) != nullptr) {
     if (i > nNum) {
@@ -152,7 +174,7 @@ Message **cvtCreateMessageIdx(Message *ptMessage, int *pnNum) {
               i, nNum);
       return nullptr;
     }
-    CVT_NOT_NULL(ptMessage->ptStructAttr, nullptr);
+    if (!hasStruct(ptMessage, i)) return nullptr;
     SetMessageIndex(ptMessage, i);
     putNode(pptIdx, i++, ptMessage);
     if (needsLoopIndex(ptMessage) && cvtLoopCreateIndex(ptMessage) != 0) {
