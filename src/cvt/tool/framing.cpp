@@ -7,7 +7,7 @@
 namespace tool {
 namespace {
 
-constexpr size_t kChunk = 64 * 1024;
+constexpr size_t kChunk = size_t{64} * 1024;
 constexpr size_t kMaxMessage = INT_MAX - 1;  // the library counts bytes in int
 constexpr size_t kAsciiDigits = 4;
 

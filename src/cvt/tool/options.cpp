@@ -19,10 +19,11 @@ constexpr const char *kExitCodes = R"(Exit codes:
 'cvt2 VERB --help' shows the options of a verb, with examples.)";
 
 constexpr const char *kConvertNotes = R"(Framings:
-  whole      one message [--framing]         none   nothing between messages [--out-framing for whole, rec=N]
-  line       a line feed ends each message   rec=N  every message has N bytes
+  whole      the input is one message; for the output: none, nothing between messages
+  line       a line feed ends each message
   len2 len4  two, four bytes of length, big-endian, before each message
   lenascii4  four digits of length before each message
+  rec=N      every message has N bytes; the output then has none, unless told
 
 Examples:
   cvt2 convert -c conf -m NachaFile -f fix -t xml payroll.ach -o payroll.xml
@@ -31,10 +32,11 @@ Examples:
   (without -m the parse pipeline of the format names the message))";
 
 constexpr const char *kParseNotes = R"(Framings:
-  whole      one message                     rec=N  every message has N bytes
+  whole      the input is one message
   line       a line feed ends each message
   len2 len4  two, four bytes of length, big-endian, before each message
   lenascii4  four digits of length before each message
+  rec=N      every message has N bytes
 
 Examples:
   cvt2 parse -c conf -m Order -f fix order.dat
@@ -42,7 +44,8 @@ Examples:
   cvt2 parse -c conf -m Order -f fix --all order.dat            (empty fields too))";
 
 constexpr const char *kGenerateNotes = R"(Output framings:
-  line       a line feed ends each message   none   nothing between messages
+  none       nothing between messages
+  line       a line feed ends each message
   len2 len4  two, four bytes of length, big-endian, before each message
   lenascii4  four digits of length before each message
   rec=N      every message must have N bytes
@@ -85,10 +88,8 @@ void addFraming(CLI::App &verb, Raw &raw, const char *description) {
 
 void addOutput(CLI::App &verb, Raw &raw) {
   verb.add_option("-t,--to", raw.options.to, "Format id to generate")->type_name("FORMAT")->required();
-  verb.add_option(
-          "--out-framing", raw.outFraming,
-          "How messages are told apart in the output: none, or a KIND of --framing [as the input; none "
-          "for whole and rec=N]")
+  verb.add_option("--out-framing", raw.outFraming,
+                  "How messages follow each other in the output, see below [as in the input]")
       ->type_name("KIND");
   verb.add_option("--max-output", raw.options.maxOutput, "Largest message to generate, as 500K or 64M [1G]")
       ->transform(CLI::AsSizeValue(false).description(""))

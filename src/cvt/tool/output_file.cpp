@@ -17,7 +17,7 @@
 namespace tool {
 namespace {
 
-constexpr size_t kBuffer = 64 * 1024;
+constexpr size_t kBuffer = size_t{64} * 1024;
 
 struct Free {
   void operator()(char *p) const { std::free(p); }
