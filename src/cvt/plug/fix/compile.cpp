@@ -57,8 +57,18 @@ class LevelCompiler {
       throw Misconfigured(path, node.record, "a FixField", kit::recordName(node.record),
                           "Write <FixField __ID=\"pInfo\" nLen=\"...\"/> into the FormatAttr");
     }
+    if (record->nType == static_cast<int>(FieldType::End)) return messageEnd(i, path);
     m_plan.ops[i].detail = m_plan.fields.size();
     m_plan.fields.push_back(compileField(node.name, *record, m_settings, path));
+  }
+
+  // The field that remembers how the message ended: of no bytes, behind everything else.
+  void messageEnd(size_t i, const std::string &path) {
+    if (path != m_shape.nodes[i].name || i + 1 != m_shape.nodes.size() || i == 0) {
+      throw Misconfigured(path, m_shape.nodes[i].record, "psType end on the last node of the message",
+                          "it elsewhere", "");
+    }
+    m_plan.ops[i].kind = Kind::End;
   }
 
   void group(size_t i, const std::string &path, bool inRecord) {
@@ -224,7 +234,7 @@ std::unique_ptr<Plan> compile(const Msg &msg, const FixMsg &settings) {
   plan->lenient = settings.nLenient != 0;
   plan->whole = settings.nWhole != 0;
   plan->lastOptional = settings.nLastSeparator == kLastOptional;
-  if (plan->lastOptional) plan->lastSlot = shape.slots;
+  if (plan->top.ops.back().kind == Kind::End) plan->endSlot = plan->top.ops.back().slot;
   return plan;
 }
 

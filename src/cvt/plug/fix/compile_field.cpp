@@ -36,6 +36,7 @@ NumberForm formOf(FieldType type) {
       return NumberForm::BinaryLittle;
     case FieldType::Text:
     case FieldType::Raw:
+    case FieldType::End:
     case FieldType::Number:
       break;
   }

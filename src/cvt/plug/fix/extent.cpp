@@ -28,6 +28,7 @@ Extent choiceExtent(const LevelPlan &level, size_t position) {
 
 Extent opExtent(const LevelPlan &level, size_t position) {
   const Op &op = level.ops[position];
+  if (op.kind == Kind::End) return {0, true};
   if (op.optional) return {0, false};
   if (op.kind == Kind::Field) {
     const FieldPlan &field = level.fields[op.detail];

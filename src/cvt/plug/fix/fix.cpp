@@ -29,12 +29,7 @@ struct FixFormat {
 
   static void compile(Msg &msg) {
     FixMsg *settings = settingsOf(msg);
-    const Plan *plan = f_plans.add(fix::compile(msg, *settings));
-    settings->ptPlan = plan;
-    if (plan->lastSlot < 0) return;
-    // One slot more than the definition has nodes; lists are made as long as the longest definition.
-    msg.nValueNum = plan->lastSlot + 1;
-    if (gnMaxValueNum < msg.nValueNum) gnMaxValueNum = msg.nValueNum;
+    settings->ptPlan = f_plans.add(fix::compile(msg, *settings));
   }
   static void parse(kit::ParseCall &call) { fix::parse(planOf(call.msg), call); }
   static void generate(kit::GenerateCall &call) { fix::generate(planOf(call.msg), call); }

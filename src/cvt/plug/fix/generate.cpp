@@ -18,18 +18,25 @@ class Generator {
   void run() {
     const List values(m_call.values, m_plan.top.slots);
     members(m_plan.top, 0, m_plan.top.ops.size(), values);
-    const bool lastMissing =
-        hasHiddenSlot(m_plan, m_call.values) && values.get(m_plan.lastSlot) == kLastMissing;
-    if (!lastMissing) endRecord();
+    if (!openEnd(values)) endRecord();
   }
 
  private:
+  bool openEnd(const List &values) {
+    if (m_plan.endSlot < 0) return false;
+    const std::string_view end = values.get(m_plan.endSlot);
+    if (end.empty() || end == kOpenEnd) return !end.empty();
+    m_call.path.field(m_plan.top.ops.back().name);
+    throw Fault(m_out.offset(), std::string(kOpenEnd) + " or nothing", kit::quoted(end.data(), end.size()),
+                "");
+  }
+
   void members(const LevelPlan &level, size_t from, size_t to, const List &values) {
     for (size_t i = from; i < to;) {
       const Op &op = level.ops[i];
       if (op.kind == Kind::Field) {
         field(level.fields[op.detail], op.slot, values);
-      } else if (!op.optional || present(level, i, values)) {
+      } else if (op.kind != Kind::End && (!op.optional || present(level, i, values))) {
         m_call.path.enter(op.name);
         node(level, i, values);
         m_call.path.leave();
@@ -54,6 +61,7 @@ class Generator {
         loop(level.loops[op.detail], op.slot, values);
         break;
       case Kind::Field:
+      case Kind::End:
         break;
     }
   }

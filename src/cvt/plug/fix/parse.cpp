@@ -33,8 +33,9 @@ class Parser {
       throw Fault(offset(), "the end of the message", found(left()),
                   "Remove what follows, or set nWhole to 0");
     }
-    if (m_lastMissing && hasHiddenSlot(m_plan, m_call.values)) {
-      values.put(m_plan.lastSlot, m_call.store.copy(kLastMissing, 1), 1);
+    if (m_openEnd && m_plan.endSlot >= 0) {
+      const std::string_view open = kOpenEnd;
+      values.put(m_plan.endSlot, m_call.store.copy(open.data(), open.size()), open.size());
     }
     m_call.end = offset();
   }
@@ -53,7 +54,7 @@ class Parser {
       const Op &op = level.ops[i];
       if (op.kind == Kind::Field) {
         field(level.fields[op.detail], op.slot, values);
-      } else if (!op.optional || starts(op.starts)) {
+      } else if (op.kind != Kind::End && (!op.optional || starts(op.starts))) {
         m_call.path.enter(op.name);
         node(level, i, values);
         m_call.path.leave();
@@ -78,6 +79,7 @@ class Parser {
         loop(level.loops[op.detail], op.slot, values);
         break;
       case Kind::Field:
+      case Kind::End:
         break;
     }
   }
@@ -220,7 +222,7 @@ class Parser {
       return;
     }
     if (left() == 0 && m_plan.lastOptional) {
-      m_lastMissing = true;
+      m_openEnd = true;
       return;
     }
     throw Fault(offset(), separatorName(kind), found(20),
@@ -290,7 +292,7 @@ class Parser {
   const char *m_origin;  // the buffer, or the padded copy of a record
   const char *m_at;
   const char *m_end;
-  bool m_lastMissing = false;
+  bool m_openEnd = false;
 };
 
 }  // namespace

@@ -71,7 +71,7 @@ struct LoopPlan {
   std::unique_ptr<LevelPlan> body;
 };
 
-enum class Kind : unsigned char { Field, Group, Choice, Record, Loop };
+enum class Kind : unsigned char { Field, Group, Choice, Record, Loop, End };
 
 // One node. Members of groups follow directly, up to `next`.
 struct Op {
@@ -95,10 +95,13 @@ struct LevelPlan {
 struct Plan {
   LevelPlan top;
   bool lastOptional = false;
-  int lastSlot = -1;  // remembers that the last separator was missing; behind the nodes' slots
+  int endSlot = -1;  // of the field of type end; -1: none
   bool lenient = false;
   bool whole = false;
 };
+
+// Value of a field of type end when the message ended without its last separator.
+inline constexpr const char *kOpenEnd = "open";
 
 // The plan of a definition. Throws Misconfigured.
 std::unique_ptr<Plan> compile(const Msg &msg, const FixMsg &settings);

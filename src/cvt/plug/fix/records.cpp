@@ -8,7 +8,8 @@ constexpr int kMaxLength = 100000000;
 constexpr int kMaxRepetitions = 100000000;
 
 constexpr const char *kTypes[] = {"text",   "number", "zoned",  "zoned-ascii",   "zoned-overpunch",
-                                  "packed", "bcd",    "binary", "binary-little", "raw"};
+                                  "packed", "bcd",    "binary", "binary-little", "raw",
+                                  "end"};
 constexpr const char *kUnits[] = {"bytes", "chars"};
 constexpr const char *kAligns[] = {"left", "right"};
 constexpr const char *kBlanks[] = {"refused", "allowed"};

@@ -17,6 +17,7 @@ enum class FieldType {
   Binary,
   BinaryLittle,
   Raw,
+  End,
 };
 
 // Words that may be left out have the value -1 then: the message's setting, or the type's own, holds.
