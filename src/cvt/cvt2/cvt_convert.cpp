@@ -97,6 +97,12 @@ Message *nodeAt(Message **pptIndex, int nPos) {
   return ptNode;
 }
 
+// What the other kinds keep in pInfo is a record of their format, and no LoopType.
+bool hasLoopType(const Message *ptNode) {
+  const StructAttr *const pt = ptNode->ptStructAttr;
+  return pt != nullptr && (pt->nType == CVT_STRUCT_LOOP || pt->nType == CVT_STRUCT_COUNTED);
+}
+
 }  // namespace
 
 Message **GetLoopMessageIndex(Arg *ptArgs, Message **pptIndex) {
@@ -108,7 +114,12 @@ Message **GetLoopMessageIndex(Arg *ptArgs, Message **pptIndex) {
     return nullptr;
   }
   CVT_NOT_NULL(pptIndex, nullptr);
-  return cvtLoopGetIdx(nodeAt(pptIndex, nIndex));
+  Message *const ptNode = nodeAt(pptIndex, nIndex);
+  if (ptNode != nullptr && !hasLoopType(ptNode)) {
+    CVT_ERR("Message[%s] Get Loop Type Err!!", ptNode->psNodeName);
+    return nullptr;
+  }
+  return cvtLoopGetIdx(ptNode);
 }
 
 namespace {
@@ -331,18 +342,26 @@ void PushTempValue(const Value *ptValue) {
 
 Value *GetValue(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Arg *ptArgs, MemPort ptMemNode);
 
-// The argument pointers of one call: on the stack, or on the heap where there are very many.
+// The argument pointers of one call. Each depth of calls has an array of its own, which is kept for the next
+// call: a call may hand its array to a function that calls others.
 class ArgArray {
  public:
   explicit ArgArray(int nSize) {
-    if (nSize > kFixed) m_more.resize(static_cast<size_t>(nSize));
+    if (f_depth == f_arrays.size()) f_arrays.emplace_back();
+    std::vector<Value *> &array = f_arrays[f_depth++];
+    array.assign(std::max(array.size(), static_cast<size_t>(nSize)), nullptr);
+    m_data = array.data();
   }
-  Value **data() { return m_more.empty() ? m_fixed : m_more.data(); }
+  ~ArgArray() { --f_depth; }
+  ArgArray(const ArgArray &) = delete;
+  ArgArray &operator=(const ArgArray &) = delete;
+
+  Value **data() const { return m_data; }
 
  private:
-  static constexpr int kFixed = 16;
-  Value *m_fixed[kFixed] = {};
-  std::vector<Value *> m_more;
+  static inline std::vector<std::vector<Value *>> f_arrays;
+  static inline size_t f_depth = 0;
+  Value **m_data;
 };
 
 Value *DoFunc(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Function *ptFunc,

@@ -200,6 +200,9 @@ int fucGenerate(char *psFormatId, InnerMessage *ptSrcMsg, InnerMessage *ptDstMsg
 
 namespace {
 
+// The name of a converted message may fill its field, without a terminator.
+constexpr int kNameSize = static_cast<int>(sizeof(InnerMessage::sMsgName));
+
 int findDefinition(InnerMessage *ptInMsg, void *ptArgs) {
   ptInMsg->ptMsgInfo = cvtGetMsg(ptInMsg->sMsgName);
   if (ptInMsg->ptMsgInfo != nullptr) return 0;
@@ -252,11 +255,11 @@ int pubGenerate(InnerMessage *, InnerMessage *ptInMsg, void *) {
   CVT_NOT_NULL(ptInMsg->ptMsgInfo, -1);
   CVT_NOT_NULL(ptInMsg->ptMsgInfo->fGen, -1);
   const FncGenerate fGen = ptInMsg->ptMsgInfo->fGen;
-  const int nRet = cvt::guarded("Message", ptInMsg->sMsgName, [&] {
+  const int nRet = cvt::guarded("Message", ptInMsg->ptMsgInfo->psMsgName, [&] {
     return fGen(nullptr, &ptInMsg->tValueListInfo, ptInMsg->ptMsgInfo, ptInMsg->psBuf, &ptInMsg->nNowLen,
                 ptInMsg->nLen);
   });
-  if (nRet != 0) CVT_ERR("Message[%s] generate to Buf err!!", ptInMsg->sMsgName);
+  if (nRet != 0) CVT_ERR("Message[%.*s] generate to Buf err!!", kNameSize, ptInMsg->sMsgName);
   return nRet;
 }
 
@@ -264,31 +267,43 @@ int pubGenerate(InnerMessage *, InnerMessage *ptInMsg, void *) {
 
 namespace {
 
-// The answers of one message's pair list as the identification files gave it.
+// The answers of a walk over one message's pair list, for the lists that the identification files gave.
 struct Choices {
   std::unordered_map<std::string_view, Converter *> byFormat;  // the first pair of a format wins
   Converter *ptDefault = nullptr;                              // the last pair with an empty format id
 };
 
-void add(Choices &choices, const IdCvtInfo *pt) {
-  const char *const psFormatId = pt->psFormatId;
-  if (psFormatId == nullptr) return;
-  if (*psFormatId == 0) {
-    choices.ptDefault = pt->ptConverter;
-  } else {
-    choices.byFormat.try_emplace(psFormatId, static_cast<Converter *>(pt->ptConverter));
-  }
-}
-
 Choices choicesOf(const IdCvtInfo *ptList) {
   Choices choices;
-  for (const IdCvtInfo *pt = ptList; pt != nullptr; pt = pt->ptNext) add(choices, pt);
+  for (const IdCvtInfo *pt = ptList; pt != nullptr; pt = pt->ptNext) {
+    const std::string_view format = pt->psFormatId;
+    if (format.empty()) {
+      choices.ptDefault = pt->ptConverter;
+    } else {
+      choices.byFormat.try_emplace(format, static_cast<Converter *>(pt->ptConverter));
+    }
+  }
   return choices;
 }
 
 Converter *choose(const Choices &choices, const char *psFormatId) {
   const auto it = choices.byFormat.find(psFormatId);
   return it != choices.byFormat.end() ? it->second : choices.ptDefault;
+}
+
+// The walk itself, for a list that somebody else hung on the definition.
+Converter *choose(const IdCvtInfo *ptList, const char *psFormatId) {
+  Converter *ptDefault = nullptr;
+  for (const IdCvtInfo *pt = ptList; pt != nullptr; pt = pt->ptNext) {
+    const char *const psPairFormat = pt->psFormatId;
+    if (psPairFormat == nullptr) continue;
+    if (*psPairFormat == 0) {
+      ptDefault = pt->ptConverter;
+    } else if (std::strcmp(psPairFormat, psFormatId) == 0) {
+      return pt->ptConverter;
+    }
+  }
+  return ptDefault;
 }
 
 std::unordered_map<const void *, Choices> f_choices;  // by loaded pair list
@@ -304,7 +319,7 @@ Converter *cvtGetConvert(InnerMessage *ptInSrcMsg, InnerMessage *ptInDstMsg) {
   Converter *const pt =
       known != f_choices.end()
           ? choose(known->second, ptInDstMsg->sMsgFormat)
-          : choose(choicesOf(static_cast<const IdCvtInfo *>(pIdInfo)), ptInDstMsg->sMsgFormat);
+          : choose(static_cast<const IdCvtInfo *>(pIdInfo), ptInDstMsg->sMsgFormat);
   if (pt == nullptr) CVT_ERR("Message Convert Format id [%s] not fond!!", ptInDstMsg->sMsgFormat);
   return pt;
 }
@@ -314,7 +329,8 @@ int pubConvert(InnerMessage *ptSrtMsg, InnerMessage *ptDstMsg, void *) {
   CVT_NOT_NULL(ptDstMsg, -1);
   Converter *const ptConverter = cvtGetConvert(ptSrtMsg, ptDstMsg);
   if (ptConverter == nullptr) {
-    CVT_ERR("Get convert Msg[%s] To Msg[%s] define info err!!", ptSrtMsg->sMsgName, ptDstMsg->sMsgFormat);
+    CVT_ERR("Get convert Msg[%.*s] To Msg[%s] define info err!!", kNameSize, ptSrtMsg->sMsgName,
+            ptDstMsg->sMsgFormat);
     return -1;
   }
   char *const psDstName = cvtGetDst(ptConverter);
