@@ -98,9 +98,19 @@ class CurrentChain {
 
 bool isBaseType(const char *psType) { return psType != nullptr && std::strcmp(psType, f_sBaseType) == 0; }
 
-// The first dispatcher of the current chain that knows the type writes the record; null when none does.
+// What the first dispatcher of the current chain that knows the type reads, or writes; null when none does.
+void *readByChain(void *ptXmlNode, char *psType) {
+  for (const FuncList *pt = *f_pptChain; pt != nullptr; pt = pt->ptNext) {
+    CVT_NOT_NULL(pt->fpParse, nullptr);
+    void *const ptStruct = pt->fpParse(ptXmlNode, psType);
+    if (ptStruct != nullptr) return ptStruct;
+  }
+  return nullptr;
+}
+
 void *writeByChain(void *ptStruct, void *ptNode, char *psNodeName, char *psType) {
   for (const FuncList *pt = *f_pptChain; pt != nullptr; pt = pt->ptNext) {
+    CVT_NOT_NULL(pt->fpGen, nullptr);
     void *const ptWritten = pt->fpGen(ptStruct, ptNode, psNodeName, psType);
     if (ptWritten != nullptr) return ptWritten;
   }
@@ -203,10 +213,7 @@ int sttEnd() {
 // --- Dispatch -----------------------------------------------------------------------------------------------------
 
 void *sttParseVoid(void *ptXmlNode, char *psStructType) {
-  for (const FuncList *pt = *f_pptChain; pt != nullptr; pt = pt->ptNext) {
-    void *const ptStruct = pt->fpParse(ptXmlNode, psStructType);
-    if (ptStruct != nullptr) return ptStruct;
-  }
+  if (void *const ptStruct = readByChain(ptXmlNode, psStructType)) return ptStruct;
   if (isBaseType(psStructType)) {
     const XmlString value = attribute(ptXmlNode, f_sBaseValue);
     return value == nullptr ? nullptr : strdup(value.get());
@@ -255,6 +262,7 @@ void *sttParseBySttInfo(char *psFile) {
     CVT_ERR("SttInfo no Type[%s] Info!!", psType);
     return nullptr;
   }
+  CVT_NOT_NULL(ptInfo->fParseFunction, nullptr);
   const CurrentChain chain(&ptInfo->ptVoidFunction);
   return ptInfo->fParseFunction(psFile, psType, xmlGetChileNode(ptXmlRoot));
 }
