@@ -214,6 +214,20 @@ TEST_F(NodeIndex, ANodeWithoutAStructAttrIsRefusedByName) {
              "Create Message[Order] Idx err!!"}));
 }
 
+TEST_F(NodeIndex, ATreeThatDoublesAtEveryLevelIsRefused) {
+  Message *ptNode = nullptr;
+  for (int i = 0; i < 60; ++i) {
+    ptNode =
+        sttNewMessage(cs("G"), 0, nullptr, sttNewStructAttr(0, nullptr, ptNode, ptNode, nullptr, nullptr));
+  }
+  int nNum = 77;
+  EXPECT_EQ(cvtCreateMessageIdx(ptNode, &nNum), nullptr);
+  EXPECT_EQ(logTexts(), (Names{"Message[G] and what follows has more than [262144] nodes: refer to fewer "
+                               "definitions"}));
+  EXPECT_EQ(nNum, 77);
+  EXPECT_EQ(gnMaxValueNum, 0);
+}
+
 TEST_F(NodeIndex, ACountedNodeGetsNoIndexAndNeedsNoLoopTypeHere) {
   NodeXml bare = counted("N", "");
   bare.sInfo.clear();

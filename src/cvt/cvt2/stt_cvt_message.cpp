@@ -62,7 +62,7 @@ Message *GetNextMessage(IterHead &tIter) {
 
 // References that are used twice double a definition; a few dozen of them one above the other would fill any
 // memory.
-constexpr int kMostNodes = 1 << 20;
+constexpr int kMostNodes = 1 << 18;
 
 int GetMessageNum(Message *ptMessage) {
   CVT_NOT_NULL(ptMessage, -1);
