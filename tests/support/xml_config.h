@@ -16,7 +16,7 @@
 #include "log_capture.h"
 #include "toy_config.h"
 
-namespace test::xml {
+namespace test::xmldoc {
 
 // One node: everything inside its Message element.
 struct XmlNode {
@@ -77,7 +77,7 @@ class XmlConfig : public ConfigTree {
   XmlConfig &message(const std::string &sName, const std::string &sAttributes,
                      const std::vector<XmlNode> &nodes) {
     file("msg/" + sName + ".xml", "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<xml><Msg psMsgName=\"" +
-                                      sName + "\">" + test::xml::chain(nodes, "ptHead") +
+                                      sName + "\">" + test::xmldoc::chain(nodes, "ptHead") +
                                       "<XmlMsg __ID=\"pInfo\" " + sAttributes + "/></Msg></xml>");
     return *this;
   }
@@ -142,4 +142,4 @@ inline std::string told() {
   return s;
 }
 
-}  // namespace test::xml
+}  // namespace test::xmldoc

@@ -4,7 +4,7 @@
 
 namespace {
 
-using namespace test::xml;
+using namespace test::xmldoc;
 
 // A definition that must be refused, and a part of the line that says why.
 struct Mistake {
@@ -78,8 +78,8 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{"TextWithName", "", {field("A", "psKind=\"text\" psName=\"a\"")}, "found psName. Remove it."},
         Mistake{"DefaultAndConstant",
                 "",
-                {field("A", "psDefault=\"a\" psConstant=\"b\"")},
-                "expected psDefault or psConstant, found both."},
+                {field("A", "psDefault=\"a\" psConst=\"b\"")},
+                "expected psDefault or psConst, found both."},
         Mistake{"MandatoryLoop",
                 "",
                 {loop("L", "nMandatory=\"1\"", "", {field("A")})},

@@ -5,7 +5,7 @@
 
 namespace {
 
-using namespace test::xml;
+using namespace test::xmldoc;
 
 std::string converted(const std::string &sTo, const std::string &s) {
   const iconv_t tool = iconv_open(sTo.c_str(), "UTF-8");

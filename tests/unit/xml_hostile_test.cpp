@@ -7,7 +7,7 @@
 
 namespace {
 
-using namespace test::xml;
+using namespace test::xmldoc;
 
 std::string repeated(const std::string &s, size_t n) {
   std::string all;

@@ -4,7 +4,7 @@
 
 namespace {
 
-using namespace test::xml;
+using namespace test::xmldoc;
 
 std::string repeated(const std::string &s, size_t n) {
   std::string all;
@@ -388,8 +388,8 @@ TEST(XmlPlugin, MandatoryFieldsAreReportedInBothDirections) {
 TEST(XmlPlugin, DefaultsAndConstantsAreWritten) {
   XmlConfig config;
   config.message("M", "nDeclaration=\"0\"",
-                 {field("Ver", "psKind=\"attribute\" psConstant=\"1.0\""), field("Ccy", "psDefault=\"EUR\""),
-                  group("Opt", "", {field("K", "psConstant=\"k&lt;\""), field("V")})});
+                 {field("Ver", "psKind=\"attribute\" psConst=\"1.0\""), field("Ccy", "psDefault=\"EUR\""),
+                  group("Opt", "", {field("K", "psConst=\"k&lt;\""), field("V")})});
   ASSERT_EQ(config.start(), 0) << told();
   const Document document = create("M");
   EXPECT_EQ(generate(document), "<M Ver=\"1.0\"><Ccy>EUR</Ccy></M>");

@@ -9,7 +9,7 @@
 
 namespace {
 
-using namespace test::xml;
+using namespace test::xmldoc;
 
 std::string content(const std::string &sFile) {
   std::ifstream in(sFile, std::ios::binary);

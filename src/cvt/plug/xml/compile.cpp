@@ -397,8 +397,8 @@ Element Compiler::element(const char *node, const std::string &name, const Scope
 
 Text Compiler::textOf(const Node &node, const XmlField &field, const Level &level, size_t at,
                       const Scope &scope) {
-  if (field.psDefault != nullptr && field.psConstant != nullptr) {
-    throw Misconfigured(scope.path, scope.record, "psDefault or psConstant", "both",
+  if (field.psDefault != nullptr && field.psConst != nullptr) {
+    throw Misconfigured(scope.path, scope.record, "psDefault or psConst", "both",
                         "A constant needs no default");
   }
   Text made{};
@@ -409,13 +409,12 @@ Text Compiler::textOf(const Node &node, const XmlField &field, const Level &leve
   made.maxLength = static_cast<size_t>(field.nMaxLen);
   made.space = static_cast<Space>(field.nSpace < 0 ? m_document.nSpace : field.nSpace);
   made.fallback = field.psDefault;
-  made.constant = field.psConstant;
+  made.constant = field.psConst;
   made.countedLoop = -1;
   for (const Node &other : level.nodes) {
     if (other.kind != NodeKind::Loop || other.countNode != static_cast<int>(at)) continue;
     if (made.countedLoop >= 0 || made.constant != nullptr || made.fallback != nullptr) {
-      throw Misconfigured(scope.path, scope.record,
-                          "a count field of one loop, without psDefault or psConstant",
+      throw Misconfigured(scope.path, scope.record, "a count field of one loop, without psDefault or psConst",
                           made.countedLoop >= 0 ? "one of two loops" : "one with such an attribute");
     }
     made.countedLoop = other.slot;

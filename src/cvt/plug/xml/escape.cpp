@@ -61,10 +61,11 @@ std::string_view reference(char c) {
 }
 
 void putNumber(kit::Output &out, uint32_t code) {
-  char digits[16] = {'&', '#'};
-  char *end = std::to_chars(digits + 2, digits + sizeof digits, code).ptr;
-  *end++ = ';';
+  char digits[16];
+  const char *end = std::to_chars(digits, digits + sizeof digits, code).ptr;
+  out.put("&#");
   out.put({digits, static_cast<size_t>(end - digits)});
+  out.put(';');
 }
 
 [[noreturn]] void refuse(std::string_view value, size_t at, size_t length) {

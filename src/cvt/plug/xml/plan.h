@@ -56,7 +56,7 @@ struct Text {
   size_t maxLength;  // in characters; 0: no limit
   Space space;
   const char *fallback;  // psDefault, or null
-  const char *constant;  // psConstant, or null
+  const char *constant;  // psConst, or null
   int countedLoop;       // slot of the loop whose repetitions it counts; -1: an ordinary value
 };
 

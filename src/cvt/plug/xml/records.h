@@ -46,7 +46,7 @@ struct CVT_RECORD XmlField {
   int nMaxLen;
   int nSpace;
   char *psDefault;
-  char *psConstant;
+  char *psConst;
 };
 
 // FormatAttr.pInfo of a group, and of a loop with children.
@@ -104,7 +104,7 @@ inline constexpr kit::Attribute kXmlFieldRows[] = {
     KIT_INT(XmlField, nMaxLen, kNoLimit, 1, kMaxInt, "characters that the value may have"),
     KIT_WORD(XmlField, nSpace, "psSpace", -1, kSpaceWords, "white space of the parsed value"),
     KIT_TEXT(XmlField, psDefault, nullptr, "generating: written in place of an empty value"),
-    KIT_TEXT(XmlField, psConstant, nullptr,
+    KIT_TEXT(XmlField, psConst, nullptr,
              "generating: written whatever the value is; parsing: the only text accepted"),
 };
 inline constexpr kit::RecordType kXmlField =

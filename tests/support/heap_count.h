@@ -1,0 +1,52 @@
+// heap_count.h: how often a program asks the heap for memory. Include it in one source file of the program:
+// its allocation functions then stand before the C library's, also for the shared objects that it loads.
+#pragma once
+
+#include <cstddef>
+
+#if defined(__has_feature)
+#define HEAP_COUNT_HAS_FEATURE(feature) __has_feature(feature)
+#else
+#define HEAP_COUNT_HAS_FEATURE(feature) 0
+#endif
+#if defined(__SANITIZE_ADDRESS__) || HEAP_COUNT_HAS_FEATURE(address_sanitizer)
+#define HEAP_COUNT_WORKS 0  // the sanitizer's allocator stands in the same place
+#else
+#define HEAP_COUNT_WORKS 1
+#endif
+
+namespace test {
+inline long g_nAllocations = 0;
+}
+
+#if HEAP_COUNT_WORKS
+extern "C" {
+void *__libc_malloc(size_t);
+void *__libc_calloc(size_t, size_t);
+void *__libc_realloc(void *, size_t);
+__attribute__((visibility("default"))) void *malloc(size_t nSize) {
+  ++test::g_nAllocations;
+  return __libc_malloc(nSize);
+}
+__attribute__((visibility("default"))) void *calloc(size_t nNum, size_t nSize) {
+  ++test::g_nAllocations;
+  return __libc_calloc(nNum, nSize);
+}
+__attribute__((visibility("default"))) void *realloc(void *p, size_t nSize) {
+  ++test::g_nAllocations;
+  return __libc_realloc(p, nSize);
+}
+}
+#endif
+
+namespace test {
+
+// Allocations while `work` runs. REQUIRES: HEAP_COUNT_WORKS.
+template <class Work>
+long allocations(Work work) {
+  const long nBefore = g_nAllocations;
+  work();
+  return g_nAllocations - nBefore;
+}
+
+}  // namespace test
