@@ -154,8 +154,8 @@ TEST_P(Manual, ExamplesHold) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, Manual, testing::ValuesIn(manuals()), [](const auto &info) {
-  std::string name = fs::relative(info.param, CVT2_SOURCE_DIR).string();
+INSTANTIATE_TEST_SUITE_P(All, Manual, testing::ValuesIn(manuals()), [](const auto &manual) {
+  std::string name = fs::relative(manual.param, CVT2_SOURCE_DIR).string();
   for (char &c : name) {
     if (isalnum(static_cast<unsigned char>(c)) == 0) c = '_';
   }
