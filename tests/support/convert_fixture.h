@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "config_tree.h"
@@ -23,6 +24,8 @@ inline void registerPlainFormat() {
 
 class ConvertTest : public testing::Test {
  protected:
+  using Texts = std::vector<std::string>;
+
   void SetUp() override { registerPlainFormat(); }
 
   void define(const std::string &sName, const std::vector<xml::Field> &fields) {
@@ -33,13 +36,13 @@ class ConvertTest : public testing::Test {
     tree.file("Cvt/" + sName + ".xml", xml::converter(sName, sSrc, sDst, rules));
   }
 
-  // Starts with the sections Message and Convert; the log begins here.
+  // Starts with the sections Message and Convert and those of sMoreSections; the log begins here.
   int start(const std::string &sConvertAttributes = "psCvtPath='Cvt'") {
     tree.file(
         "All/root.xml",
         "<AllInfo><AllInfo><Message __ID='ptMessage'><PathList __ID='ptMsgList' psPath='Msg'/></Message>"
         "<Convert __ID='ptConvert' " +
-            sConvertAttributes + "/></AllInfo></AllInfo>");
+            sConvertAttributes + "/>" + sMoreSections + "</AllInfo></AllInfo>");
     clearLog();
     return cvtInit(tree.arg());
   }
@@ -50,35 +53,35 @@ class ConvertTest : public testing::Test {
     return cvtConvert(from.ptList, to.ptList, cvtGetCvt(cs(psName)), to.ptNode);
   }
 
-  // The whole trail of a start that fails on the converter file Cvt/sName.xml: what is logged up to the
-  // file's own failure, then what every failing converter file is followed by.
-  std::vector<std::string> startTrail(const std::string &sName, std::vector<std::string> inner) const {
-    const std::string sFile = file(sName);
+  // What a start that fails logs behind the failing section's own texts. The framework names the place of a
+  // failure once; where no record of the section's files failed, that is the root file's.
+  Texts rootTrail(Texts inner, bool bPlaced) const {
     const std::string sRoot = tree.path("All/root.xml");
-    const std::vector<std::string> outer = {
-        "Init Convert define: load file[" + sFile + "] err!!",
-        "Parse File[" + sFile + "] Err!!",
-        "Init[" + sName + ".xml] err !!",
-        "Convert Pare Path[Cvt] err!!",
-        "void * ptConvert = sttParseXmlStruct(ptXmlNode, \"Convert\", \"ptConvert\", cvtCvtInit) is Err!!",
-        "File[" + sRoot + "] Line[1] Element[AllInfo]",
-        "parse xml[AllInfo)" + sRoot + "] faile",
-        "Parse Xml File To Xml Struct Err!!",
-        "Parse File[" + sRoot + "] Err!!",
-        "Init[root.xml] err !!",
-        "XmlFileInit [All] Init Err!!",
-        "Init Path[" + tree.path() + "] err!!\n",
-    };
-    inner.insert(inner.end(), outer.begin(), outer.end());
+    if (!bPlaced) inner.push_back("File[" + sRoot + "] Line[1] Element[AllInfo]");
+    inner.push_back("parse xml[AllInfo)" + sRoot + "] faile");
+    inner.push_back("Parse Xml File To Xml Struct Err!!");
+    inner.push_back("Parse File[" + sRoot + "] Err!!");
+    inner.push_back("Init[root.xml] err !!");
+    inner.push_back("XmlFileInit [All] Init Err!!");
+    inner.push_back("Init Path[" + tree.path() + "] err!!\n");
     return inner;
   }
 
-  // The same for a file in which a record fails: the framework's place and file lines stand in it, too.
-  std::vector<std::string> recordTrail(const std::string &sName, std::vector<std::string> inner) const {
+  // The whole trail of a start that fails on the converter file Cvt/sName.xml.
+  Texts startTrail(const std::string &sName, Texts inner, bool bPlaced = false) const {
+    inner.push_back("Init Convert define: load file[" + file(sName) + "] err!!");
+    inner.push_back("Parse File[" + file(sName) + "] Err!!");
+    inner.push_back("Init[" + sName + ".xml] err !!");
+    inner.push_back("Convert Pare Path[Cvt] err!!");
+    inner.push_back(
+        "void * ptConvert = sttParseXmlStruct(ptXmlNode, \"Convert\", \"ptConvert\", cvtCvtInit) is Err!!");
+    return rootTrail(std::move(inner), bPlaced);
+  }
+
+  // The same for a file in which a record fails.
+  Texts recordTrail(const std::string &sName, Texts inner) const {
     inner.push_back("parse xml[Convert)" + file(sName) + "] faile");
-    std::vector<std::string> trail = startTrail(sName, std::move(inner));
-    std::erase(trail, "File[" + tree.path("All/root.xml") + "] Line[1] Element[AllInfo]");  // placed already
-    return trail;
+    return startTrail(sName, std::move(inner), true);
   }
 
   std::string file(const std::string &sName) const { return tree.path("Cvt/" + sName + ".xml"); }
@@ -87,6 +90,7 @@ class ConvertTest : public testing::Test {
   }
 
   ConfigTree tree;
+  std::string sMoreSections;
 };
 
 }  // namespace test

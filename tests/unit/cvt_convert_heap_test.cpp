@@ -77,12 +77,8 @@ class HeapSilence : public test::ConvertTest {
     convert("C", rules);
     tree.file("Id/id.xml", pipelines({{"fmt", {}, {}}}));
     tree.file("IdInfo/in.xml", choices({{"In", {{"fmt", "C"}, {"", "C"}}}}));
-    tree.file(
-        "All/root.xml",
-        "<AllInfo><AllInfo><Message __ID='ptMessage'><PathList __ID='ptMsgList' psPath='Msg'/></Message>"
-        "<Convert __ID='ptConvert' psCvtPath='Cvt'/>"
-        "<Id __ID='ptId' psIdPath='Id' psIdInfoPath='IdInfo'/></AllInfo></AllInfo>");
-    if (cvtInit(tree.arg()) != 0) ADD_FAILURE() << "the configuration does not load";
+    sMoreSections = "<Id __ID='ptId' psIdPath='Id' psIdInfoPath='IdInfo'/>";
+    if (start() != 0) ADD_FAILURE() << "the configuration does not load";
     from = newMessage("In");
     from.set("A", "a").set("B", "b");
     for (int i = 0; i < 3; ++i) {
