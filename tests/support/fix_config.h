@@ -45,14 +45,16 @@ inline FixNode field(const std::string &sName, const std::string &sAttributes) {
 }
 
 // sRecord: FixRecord or FixGroup, with attributes; empty: a plain group.
-inline FixNode group(const std::string &sName, const std::string &sRecord, const std::vector<FixNode> &children) {
+inline FixNode group(const std::string &sName, const std::string &sRecord,
+                     const std::vector<FixNode> &children) {
   const size_t nSpace = sRecord.find(' ');
   const std::string sAttributes = nSpace == std::string::npos ? "" : sRecord.substr(nSpace);
   return {sName, (sRecord.empty() ? "" : formatAttr(sRecord.substr(0, nSpace), sAttributes)) +
                      "<StructAttr __ID=\"ptStructAttr\">" + chain(children, "ptChildNode") + "</StructAttr>"};
 }
 
-inline FixNode record(const std::string &sName, const std::string &sAttributes, const std::vector<FixNode> &children) {
+inline FixNode record(const std::string &sName, const std::string &sAttributes,
+                      const std::vector<FixNode> &children) {
   return group(sName, "FixRecord " + sAttributes, children);
 }
 
@@ -66,7 +68,8 @@ inline FixNode loop(const std::string &sName, const std::string &sLoop, const st
                      "</StructAttr>"};
 }
 
-// A tree with the plug-in, a pipeline "fix" that parses and one "02" that generates, and the definitions added.
+// A tree with the plug-in, a pipeline "fix" that parses and one "02" that generates, and the definitions
+// added.
 class FixConfig : public ConfigTree {
  public:
   explicit FixConfig(const std::string &sPlugAttributes = "") {
@@ -75,14 +78,16 @@ class FixConfig : public ConfigTree {
     root.sMessage = messageSection({"msg"});
     root.sId = "<Id __ID=\"ptId\" psIdPath=\"id\"/>";
     file("All/root.xml", root.text());
-    file("id/pipelines.xml", pipelines({{"fix", {"pubParse"}, {"pubGenerate"}}, {"02", {}, {"pubGenerate"}}}));
+    file("id/pipelines.xml",
+         pipelines({{"fix", {"pubParse"}, {"pubGenerate"}}, {"02", {}, {"pubGenerate"}}}));
   }
 
   // sAttributes: of its FixMsg.
-  FixConfig &message(const std::string &sName, const std::string &sAttributes, const std::vector<FixNode> &nodes) {
-    file("msg/" + sName + ".xml", "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<fix><Msg psMsgName=\"" + sName +
-                                      "\">" + test::fix::chain(nodes, "ptHead") + "<FixMsg __ID=\"pInfo\" " +
-                                      sAttributes + "/></Msg></fix>");
+  FixConfig &message(const std::string &sName, const std::string &sAttributes,
+                     const std::vector<FixNode> &nodes) {
+    file("msg/" + sName + ".xml", "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<fix><Msg psMsgName=\"" +
+                                      sName + "\">" + test::fix::chain(nodes, "ptHead") +
+                                      "<FixMsg __ID=\"pInfo\" " + sAttributes + "/></Msg></fix>");
     return *this;
   }
 
@@ -132,7 +137,9 @@ inline void set(const Record &message, const std::string &sName, const std::stri
   cvtSetNameValue(message.get(), cs(sName.c_str()), cs(sValue.c_str()), static_cast<int>(sValue.size()));
 }
 
-inline void addTime(const Record &message, const std::string &sLoop) { cvtAddLoopTime(message.get(), cs(sLoop.c_str())); }
+inline void addTime(const Record &message, const std::string &sLoop) {
+  cvtAddLoopTime(message.get(), cs(sLoop.c_str()));
+}
 
 // Makes a repetition current and tells whether there is one.
 inline bool at(const Record &message, const std::string &sLoop, int nTime) {

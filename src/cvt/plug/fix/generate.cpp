@@ -136,6 +136,7 @@ class Generator {
       members(*plan.body, 0, plan.body->ops.size(), repetition);
     }
     if (plan.room == 0) return;
+    m_call.path.repetition(-1);
     endRecord();
     m_out.fill(plan.pad, (plan.room - static_cast<size_t>(repetitions)) * plan.size);
   }

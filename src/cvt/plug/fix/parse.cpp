@@ -221,6 +221,7 @@ class Parser {
       m_at += length;
       return;
     }
+    m_call.path.field(nullptr);
     if (left() == 0 && m_plan.lastOptional) {
       m_openEnd = true;
       return;
@@ -244,6 +245,7 @@ class Parser {
       members(*plan.body, 0, plan.body->ops.size(), repetition);
       ++done;
     }
+    m_call.path.repetition(-1);
     if (done < plan.least) {
       throw Fault(offset(), "at least " + std::to_string(plan.least) + " repetitions",
                   std::to_string(done) + " and " + found(20), "");

@@ -1,7 +1,7 @@
 // path.h: where in a message a call is, kept so cheaply that every field can say it.
 //
 //   path.enter("Batches");            // a loop or a group
-//   path.repetition(2);               // loops only; counted from 0
+//   path.repetition(2);               // loops only; counted from 0; -1: no longer in a repetition
 //   path.field("Amount");             // one store; the next field overwrites it
 //   path.text();                      // "Batches[2].Amount", formatted only when something failed
 //   path.leave();
@@ -32,6 +32,7 @@ class Path {
     --m_depth;
     m_field = nullptr;
   }
+  // Null: no longer at a field.
   void field(const char *name) { m_field = name; }
 
   // Empty at the message itself.

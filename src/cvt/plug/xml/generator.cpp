@@ -34,6 +34,7 @@ class Generator {
   void newLine();
 
   std::string_view value(const Text &text, const List &list);
+  std::string_view constant(const Text &text, std::string_view value) const;
   void check(const Text &text, std::string_view value) const;
   bool hasValue(const Element &element, const List &list) const;
 
@@ -53,18 +54,23 @@ void Generator::newLine() {
 // The text to be written. Throws when it must not be empty but is.
 std::string_view Generator::value(const Text &text, const List &list) {
   std::string_view found;
-  if (text.constant != nullptr) {
-    found = text.constant;
-  } else if (text.countedLoop >= 0) {
-    const auto end =
-        std::to_chars(m_digits, m_digits + sizeof m_digits, list.repetitions(text.countedLoop)).ptr;
+  if (text.countedLoop >= 0) {
+    const int times = list.repetitions(text.countedLoop);
+    const auto end = std::to_chars(m_digits, m_digits + sizeof m_digits, times).ptr;
     found = {m_digits, static_cast<size_t>(end - m_digits)};
   } else {
     found = list.get(text.slot);
+    if (text.constant != nullptr) found = constant(text, found);
     if (found.empty() && text.fallback != nullptr) found = text.fallback;
   }
   check(text, found);
   return found;
+}
+
+std::string_view Generator::constant(const Text &text, std::string_view value) const {
+  if (value.empty() || value == text.constant) return text.constant;
+  throw Fault(Fault::kHere, kit::quoted(text.constant), kit::quoted(value.data(), value.size()),
+              "Leave the value empty or equal to psConst");
 }
 
 void Generator::check(const Text &text, std::string_view value) const {
@@ -80,11 +86,11 @@ void Generator::check(const Text &text, std::string_view value) const {
               "Raise nMaxLen, or shorten the value");
 }
 
-// Whether anything inside an element was given a value. What the definition itself supplies does not count:
-// constants, defaults and counts alone make no optional group appear.
+// Whether anything inside an element has a value. Constants and defaults that were not asked for do not make
+// an optional group appear.
 bool Generator::hasValue(const Element &element, const List &list) const {
   const auto given = [&](const Text &text) {
-    return text.constant == nullptr && text.countedLoop < 0 && !list.empty(text.slot);
+    return !list.empty(text.slot) || (text.countedLoop >= 0 && list.repetitions(text.countedLoop) > 0);
   };
   if (element.loop()) return list.repetitions(element.loopSlot) > 0;
   if (element.text.has_value() && given(*element.text)) return true;

@@ -107,7 +107,9 @@ class Document {
   std::string advice(XML_Error error) const {
     switch (error) {
       case XML_ERROR_INVALID_TOKEN:
-        return "Write & as &amp; and < as &lt;, remove control characters, and declare the right encoding";
+        return "Write & as &amp; and < as &lt;, put attribute values in quotes, remove control characters, "
+               "and declare "
+               "the right encoding";
       case XML_ERROR_TAG_MISMATCH: {
         const std::string open(m_reader.innermost());
         return open.empty() ? "Close the element that was opened last" : "Close <" + open + "> first";

@@ -273,12 +273,13 @@ void Reader::complete(const Frame &frame) {
   for (const Count &each : element.counts) count(each, frame.list);
 }
 
-// A count field that is there must be right; one that is not is filled in.
+// A count field that is there must be right; one that is not is filled in when there is something to count.
 void Reader::count(const Count &count, kit::List list) {
   const int times = list.repetitions(count.loop);
   const std::string_view value = list.get(count.slot);
   char digits[16];
   if (value.empty()) {
+    if (times == 0) return;
     const auto end = std::to_chars(digits, digits + sizeof digits, times).ptr;
     const auto length = static_cast<size_t>(end - digits);
     list.put(count.slot, m_call.store.copy(digits, length), length);

@@ -102,10 +102,11 @@ inline constexpr kit::Attribute kXmlFieldRows[] = {
     KIT_FLAG(XmlField, nMandatory, 0, "1: an error when it is absent or empty, parsing and generating"),
     KIT_FLAG(XmlField, nKeepEmpty, 0, "1: written, empty, also when the value is empty"),
     KIT_INT(XmlField, nMaxLen, kNoLimit, 1, kMaxInt, "characters that the value may have"),
-    KIT_WORD(XmlField, nSpace, "psSpace", -1, kSpaceWords, "white space of the parsed value"),
-    KIT_TEXT(XmlField, psDefault, nullptr, "generating: written in place of an empty value"),
+    KIT_WORD(XmlField, nSpace, "psSpace", -1, kSpaceWords,
+             "white space of the parsed value; absent: as XmlMsg says"),
+    KIT_TEXT(XmlField, psDefault, nullptr, "generating: written when the value is empty"),
     KIT_TEXT(XmlField, psConst, nullptr,
-             "generating: written whatever the value is; parsing: the only text accepted"),
+             "the only value the field may have; generating: written also when the value is empty"),
 };
 inline constexpr kit::RecordType kXmlField =
     KIT_RECORD(XmlField, kXmlFieldRows, "a field, or a loop without children");
