@@ -70,7 +70,12 @@ XmlPlace xmlPlaceOf(void *ptXmlNode) {
 void *xmlFileParse(char *psFileName, std::string &sReason) {
   sReason.clear();
   const Quiet quiet(keepFirst, &sReason);
-  return xmlReadFile(psFileName, nullptr, XML_PARSE_NOBLANKS);
+  const xmlDocPtr pt = xmlReadFile(psFileName, nullptr, XML_PARSE_NOBLANKS);
+  if (pt == nullptr) return nullptr;
+  // The place of a failure names the file as the caller wrote it, not as the URL that libxml2 makes of it.
+  xmlFree(const_cast<xmlChar *>(pt->URL));
+  pt->URL = xmlStrdup(text(psFileName));
+  return pt;
 }
 
 void xmlDropNode(void *ptXmlNode) {
