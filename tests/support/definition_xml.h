@@ -8,7 +8,7 @@
 #include "config_tree.h"
 #include "cvt.h"
 
-namespace test {
+namespace test::model {
 
 // One element of a definition's tree.
 struct NodeXml {
@@ -166,4 +166,4 @@ inline Message *nodeNamed(Message **pptIdx, const char *psName) {
   return cvtIdxNode(pptIdx, cvtGetNodeIdx(pptIdx, cs(psName)));
 }
 
-}  // namespace test
+}  // namespace test::model

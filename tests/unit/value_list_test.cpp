@@ -8,6 +8,7 @@
 #include "log_capture.h"
 
 using namespace test;
+using namespace test::model;
 using Names = std::vector<std::string>;
 
 namespace {

@@ -33,10 +33,10 @@ CvtFmtGlobalInfo *NewFmtGlobalInfo() {
   return gptFmtGlobalInfo;
 }
 
-// --- Definition files -----------------------------------------------------------------------------------------------
+// --- Definition files --------------------------------------------------------------------------------------
 
-// The registered definition named like the file: the part between the last "/" and the last ".". The cut is made
-// in the caller's string and taken back.
+// The registered definition named like the file: the part between the last "/" and the last ".". The cut is
+// made in the caller's string and taken back.
 Msg *MsgGetMsgByFileName(char *psFileName) {
   char *const psSlash = std::strrchr(psFileName, '/');
   char *const psBase = psSlash == nullptr ? psFileName : psSlash + 1;
@@ -80,8 +80,10 @@ bool mayRead(const char *psFileName) {
             kMostReading);
     return false;
   }
-  for (auto it = first + 1; it != f_reading.end(); ++it) CVT_ERR("File[%s] refers to [%s]", (it - 1)->c_str(), it->c_str());
-  CVT_ERR("File[%s] refers to [%s], which is being read: take one of these references out", f_reading.back().c_str(), psFileName);
+  for (auto it = first + 1; it != f_reading.end(); ++it)
+    CVT_ERR("File[%s] refers to [%s]", (it - 1)->c_str(), it->c_str());
+  CVT_ERR("File[%s] refers to [%s], which is being read: take one of these references out",
+          f_reading.back().c_str(), psFileName);
   return false;
 }
 
@@ -124,7 +126,7 @@ int initFormat(char *psFormat, Msg *ptMsg) {
 
 }  // namespace cvt
 
-// --- Registry -------------------------------------------------------------------------------------------------------
+// --- Registry ----------------------------------------------------------------------------------------------
 
 int cvtFmtAddPlug(char *psName, sttFncParseVoid fpParseVoid, sttFncGenVoid fpGenVoid, FncFotmatInit fpInit) {
   NewFmtGlobalInfo();
@@ -132,7 +134,8 @@ int cvtFmtAddPlug(char *psName, sttFncParseVoid fpParseVoid, sttFncGenVoid fpGen
   sttAddVoidFunctionToSttInfo(psName, fpParseVoid, fpGenVoid);
   sttAddVoidFunctionToSttInfo(psName, sttParseVoidcvt_struct_loop, sttGenVoidcvt_struct_loop);
   sttAddVoidFunctionToSttInfo(psName, sttParseVoidcvt_message, sttGenVoidcvt_message);
-  // The head is replaced even by null: a format without initialiser empties the list. A plug-in must pass one.
+  // The head is replaced even by null: a format without initialiser empties the list. A plug-in must pass
+  // one.
   gptFmtGlobalInfo->ptInitList =
       cvtStrAddStringList(gptFmtGlobalInfo->ptInitList, psName, reinterpret_cast<void *>(fpInit));
   return 0;
@@ -155,7 +158,7 @@ int cvtFmtEnd() {
   return 0;
 }
 
-// --- Value lists ------------------------------------------------------------------------------------------------------
+// --- Value lists -------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -205,7 +208,9 @@ ValueList *GetValueList(ValueList **pptGlobalList, int nMaxNum, int nNum) {
   return pt;
 }
 
-ValueList *GetLoopValueList() { return GetValueList(&gptLoopValue, maxLoop(), 0); }
+ValueList *GetLoopValueList() {
+  return GetValueList(&gptLoopValue, maxLoop(), 0);
+}
 
 void insertBehind(ValueList *ptList, ValueList *ptFresh) {
   ptFresh->ptNext = ptList->ptNext;
@@ -215,7 +220,8 @@ void insertBehind(ValueList *ptList, ValueList *ptFresh) {
 // Clearing stays within the capacity, also where more slots were asked for.
 void clearList(ValueList *ptList) {
   const int nUsed = std::min(static_cast<int>(ptList->nNow), static_cast<int>(ptList->nMax));
-  if (nUsed > 0) std::memset(static_cast<void *>(ptList->ptValue), 0, static_cast<size_t>(nUsed) * sizeof(Value));
+  if (nUsed > 0)
+    std::memset(static_cast<void *>(ptList->ptValue), 0, static_cast<size_t>(nUsed) * sizeof(Value));
   ptList->nNow = 0;
 }
 
@@ -269,7 +275,9 @@ int cvtDumpValue(Value *ptValue, char *psBuf, int nLen, MemPort ptMemNode) {
   return 0;
 }
 
-struct ValueList *cvtGetValueList(int nNum) { return GetValueList(&gptFreeValue, gnMaxValueNum, nNum); }
+struct ValueList *cvtGetValueList(int nNum) {
+  return GetValueList(&gptFreeValue, gnMaxValueNum, nNum);
+}
 
 struct ValueList *cvtNewLoopValueList(ValueList *ptValueList, int nIndex, int nFieldNum) {
   CVT_NOT_NULL(ptValueList, nullptr);
@@ -334,7 +342,7 @@ int cvtFreeValue(ValueList *ptValueList) {
   return 0;
 }
 
-// --- The "Message" section -------------------------------------------------------------------------------------------
+// --- The "Message" section ---------------------------------------------------------------------------------
 
 // clang-format off
 #define STT_TABLE_PathList(F) \

@@ -6,7 +6,9 @@
 
 namespace {
 
-bool isLoop(const Message *ptMessage) { return ptMessage->ptStructAttr->nType == CVT_STRUCT_LOOP; }
+bool isLoop(const Message *ptMessage) {
+  return ptMessage->ptStructAttr->nType == CVT_STRUCT_LOOP;
+}
 
 bool isCounted(const Message *ptMessage) {
   return isLoop(ptMessage) || ptMessage->ptStructAttr->nType == CVT_STRUCT_COUNTED;

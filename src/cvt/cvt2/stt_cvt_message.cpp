@@ -77,7 +77,7 @@ int GetMessageNum(Message *ptMessage) {
   return nNum;
 }
 
-// --- Numbering ------------------------------------------------------------------------------------------------------
+// --- Numbering ---------------------------------------------------------------------------------------------
 
 // A node keeps its first number: one shared with another definition, or numbered by its loop already. Groups
 // get 0 or, over a child that is numbered already, position + 1; plug-ins rely on both.
@@ -116,7 +116,9 @@ bool hasStruct(const Message *ptMessage, int nPos) {
 // --- Positions by name, beside the indexes made here -------------------------------------------------------
 
 // Names are equal without regard to the case of ASCII letters, whatever the process's locale.
-char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+char lower(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
 
 struct NameHash {
   size_t operator()(std::string_view s) const {
@@ -153,9 +155,13 @@ int walkForName(Message **pptIdx, const char *psName) {
 
 }  // namespace
 
-void cvt::forgetNodeIndexes() { f_positions.clear(); }
+void cvt::forgetNodeIndexes() {
+  f_positions.clear();
+}
 
-void cvt::indexNodes(Message **pptIdx) { rememberPositions(pptIdx); }
+void cvt::indexNodes(Message **pptIdx) {
+  rememberPositions(pptIdx);
+}
 
 Message **cvtCreateMessageIdx(Message *ptMessage, int *pnNum) {
   CVT_NOT_NULL(ptMessage, nullptr);
@@ -207,7 +213,7 @@ int cvtGenMessageInfo(Msg *ptMsg) {
   return 0;
 }
 
-// --- Nodes and references ---------------------------------------------------------------------------------------
+// --- Nodes and references ----------------------------------------------------------------------------------
 
 namespace {
 
@@ -266,7 +272,7 @@ void *cvtSttInitMessage(char *psFileName, char *psType, void *ptRootNode) {
   return ptMsg;
 }
 
-// --- Bound records --------------------------------------------------------------------------------------------------
+// --- Bound records -----------------------------------------------------------------------------------------
 
 // clang-format off
 #define STT_TABLE_Value(F) \
