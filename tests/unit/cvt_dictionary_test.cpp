@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstring>
+#include <ctime>
 #include <random>
 #include <string>
 #include <vector>
@@ -248,24 +248,25 @@ TEST_F(DictionaryTest, AnswersAreThoseOfAWalk) {
   }
 }
 
+// Processor time, the best of three.
 double seconds(int nCount) {
   double dBest = 1e9;
   for (int nRound = 0; nRound < 3; ++nRound) {
     cvtEndDict();
     cvtMemReset();
-    const auto start = std::chrono::steady_clock::now();
+    const std::clock_t start = std::clock();
     for (int i = 0; i < nCount; ++i) dup(numbered(i));
-    dBest = std::min(dBest, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+    dBest = std::min(dBest, static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC);
   }
   return dBest;
 }
 
-// Twenty times the strings. A walk would take four hundred times as long, and minutes; the half second is for
-// a busy machine.
+// Twenty times the strings. A walk would take four hundred times as long, and far more than the two seconds
+// that are there for caches that the small dictionary fits and the large one does not.
 TEST_F(DictionaryTest, DistinctStringsTakeTimeInProportion) {
   const double dSmall = seconds(10000);
   const double dLarge = seconds(200000);
-  EXPECT_LT(dLarge, 30 * dSmall + 0.5);
+  EXPECT_LT(dLarge, 30 * dSmall + 2);
 }
 
 }  // namespace
