@@ -50,11 +50,11 @@ extern MemRoot *gptMemRoot;    /* made on first use; keeps its value after cvtMe
 extern MemNode *gptGlobalNode; /* made by the first cvtMemMalloc; keeps its value after cvtMemCleanUp */
 
 /* nNum zeroed bytes from a message node. Valid until the node is given back.
- * Returns null when ptNode is null (logged) or nNum is 0. Negative sizes are not checked. */
+ * Returns null when ptNode is null (logged) or nNum is 0 or below. */
 void *cvtMalloc(int nNum, MemNode *ptNode);
 
 /* nNum zeroed bytes from the global node. Valid until cvtMemReset or cvtMemCleanUp.
- * Returns null when nNum is 0. */
+ * Returns null when nNum is 0 or below. */
 void *cvtMemMalloc(int nNum);
 
 /* Makes all memory of the global node free again; no block goes back to the heap. Returns 0. */
