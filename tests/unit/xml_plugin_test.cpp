@@ -172,6 +172,7 @@ TEST(XmlPlugin, ACountFieldIsWrittenCheckedAndFilledIn) {
              {field("Count", "psKind=\"attribute\" psName=\"count\""), loop("Line", "", "", {}, "Count")})});
   ASSERT_EQ(config.start(), 0) << told();
   EXPECT_EQ(generate(create("M")), "<M><Lines count=\"0\"/></M>");
+  EXPECT_EQ(generate(parse("M", "<M><Lines count=\"0\"/></M>")), "<M><Lines count=\"0\"/></M>");
   const Document document = parse("M", "<M><Lines><Line>a</Line><Line>b</Line></Lines></M>");
   ASSERT_NE(document, nullptr) << told();
   EXPECT_EQ(get(document, "Count"), "2");
@@ -393,16 +394,51 @@ TEST(XmlPlugin, DefaultsAndConstantsAreWritten) {
   ASSERT_EQ(config.start(), 0) << told();
   const Document document = create("M");
   EXPECT_EQ(generate(document), "<M Ver=\"1.0\"><Ccy>EUR</Ccy></M>");
-  set(document, "Ver", "9");
+  set(document, "Ver", "1.0");
   set(document, "Ccy", "USD");
   set(document, "V", "v");
   EXPECT_EQ(generate(document), "<M Ver=\"1.0\"><Ccy>USD</Ccy><Opt><K>k&lt;</K><V>v</V></Opt></M>");
+  set(document, "Ver", "9");
+  EXPECT_EQ(generate(document), "failed");
+  EXPECT_TRUE(
+      told("Field[Ver] Offset[2]: expected \"1.0\", found \"9\". Leave the value empty or equal to psConst."))
+      << told();
   const Document read = parse("M", "<M Ver=\"1.0\"><Opt/></M>");
   ASSERT_NE(read, nullptr) << told();
   EXPECT_EQ(get(read, "Ccy"), "");
   EXPECT_EQ(parse("M", "<M Ver=\"2.0\"/>"), nullptr);
   EXPECT_TRUE(told("Field[Ver] Offset[0]: expected \"1.0\", found \"2.0\". The field is a constant."))
       << told();
+  const std::string sAlone = "<M Ver=\"1.0\"><Ccy>EUR</Ccy><Opt><K>k&lt;</K></Opt></M>";
+  EXPECT_EQ(generate(parse("M", sAlone)), sAlone);
+}
+
+TEST(XmlPlugin, ADocumentMayStandBehindAHeader) {
+  XmlConfig config;
+  config.message("M", "nDeclaration=\"0\" nIndent=\"1\"", {field("A")});
+  ASSERT_EQ(config.start(), 0) << told();
+  Msg *ptDefinition = cvtGetMsg(test::cs("M"));
+  const Document document = create("M");
+  std::string s = "HEAD<M><A>1</A></M>";
+  int nNow = 4;
+  ASSERT_EQ(ptDefinition->fParse(nullptr, &document->tValueListInfo, ptDefinition, s.data(), &nNow,
+                                 static_cast<int>(s.size())),
+            0)
+      << told();
+  EXPECT_EQ(nNow, static_cast<int>(s.size()));
+  std::string sOut(100, '.');
+  nNow = 2;
+  ASSERT_EQ(ptDefinition->fGen(nullptr, &document->tValueListInfo, ptDefinition, sOut.data(), &nNow, 100), 0)
+      << told();
+  EXPECT_EQ(sOut.substr(0, static_cast<size_t>(nNow)), "..<M>\n <A>1</A>\n</M>");
+  s = "HEAD<M><B/></M>";
+  nNow = 4;
+  const Document other = create("M");
+  EXPECT_EQ(ptDefinition->fParse(nullptr, &other->tValueListInfo, ptDefinition, s.data(), &nNow,
+                                 static_cast<int>(s.size())),
+            -1);
+  EXPECT_EQ(nNow, 4);
+  EXPECT_TRUE(told("Field[] Offset[7]: expected A in <M>, found element B.")) << told();
 }
 
 TEST(XmlPlugin, TheLongestTextIsCountedInCharacters) {

@@ -93,10 +93,17 @@ class Document {
     static_cast<Document *>(data)->m_declarations += 1;
   }
   static void onDoctype(void *data, const XML_Char *name, const XML_Char *, const XML_Char *, int) {
-    guard(data, [&](Document &) {
-      throw Fault(Fault::kHere, "no DOCTYPE", "<!DOCTYPE " + std::string(name),
+    guard(data, [&](Document &self) {
+      throw Fault(self.doctypeOffset(), "no DOCTYPE", "<!DOCTYPE " + std::string(name),
                   "Remove it: entities and external definitions are never read");
     });
+  }
+
+  // The parser tells of a DOCTYPE at its end.
+  size_t doctypeOffset() const {
+    const auto end = static_cast<size_t>(XML_GetCurrentByteIndex(m_parser));
+    const size_t start = m_input.bytes.substr(0, end).rfind("<!DOCTYPE");
+    return offset(static_cast<XML_Index>(start == std::string_view::npos ? end : start));
   }
 
   // A place of the parser, from the start of the buffer.
