@@ -27,8 +27,10 @@ std::string shown(std::string_view bytes) {
   return part.size() < bytes.size() ? out + "..." : out;
 }
 
-// A format's error names an offset in the message, "... Offset[12]: ..."; told for the input too.
+// A format's error names an offset in the message, "... Offset[12]: ..."; told for the input too where it is
+// another one.
 std::string placeInInput(const Frame &frame) {
+  if (frame.offset == 0) return "";
   constexpr std::string_view kMark = "Offset[";
   const std::string cause = log::cause();
   const size_t mark = cause.find(kMark);
