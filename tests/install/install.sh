@@ -1,0 +1,25 @@
+#!/usr/bin/env bash
+# The installed tree works wherever it is moved, and a program builds against nothing but what is installed.
+#
+#   install.sh BUILD_DIR SOURCE_DIR CC [FLAG...]
+set -eu
+build=$1 source=$2 cc=$3
+shift 3
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+fail() { echo "$*" >&2; exit 1; }
+
+cmake --install "$build" --prefix "$work/first" >/dev/null
+mv "$work/first" "$work/moved"
+config=$source/examples/nacha
+file=$config/data/iat-debit.ach
+
+env -i "$work/moved/bin/cvt2" convert -c "$config" -m NachaFile -f nacha -t pain "$file" >"$work/xml" ||
+  fail "the installed command does not convert"
+grep -q '</Document>' "$work/xml" || fail "the installed command wrote no document"
+
+lib=$(dirname "$(find "$work/moved" -name libcvt2.so)")
+"$cc" "$@" -I"$work/moved/include/cvt2" "$source/examples/host/host.c" -o "$work/host" -L"$lib" -lcvt2 \
+  -Wl,-rpath,"$lib" || fail "the example host does not build against the installed tree"
+env -i "$work/host" "$config" "$file" | grep -q 'bytes of XML' || fail "the example host does not run"
