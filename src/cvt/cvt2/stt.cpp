@@ -394,56 +394,73 @@ void sttGenerateXmlDouble(void *ptXmlNode, double dDouble, char *psName) {
 
 namespace {
 
-// A new last child of ptFather with its "__ID"; null when it could not be made.
-void *appendRecord(void *ptFather, char *psTypeName, char *psName) {
+// A new last child of ptFather with its "__ID"; null, with the flag raised, when it could not be made.
+void *appendRecord(void *ptFather, char *psName, char *psTypeName) {
   void *const ptNode = xmlMadeNode(psTypeName);
-  if (ptNode == nullptr) return nullptr;
-  if (xmlPutNodeAttr(ptNode, f_sId, psName, length(psName)) == nullptr) {
+  if (ptNode == nullptr || xmlPutNodeAttr(ptNode, f_sId, psName, length(psName)) == nullptr) {
     xmlNodeFree(ptNode);
+    nGRet = -1;
     return nullptr;
   }
   xmlPutChileNode(ptFather, ptNode);
   return ptNode;
 }
 
-void writeRecord(void *ptFather, void *ptStruct, char *psName, char *psTypeName, void *fFunc) {
-  void *const ptNode = appendRecord(ptFather, psTypeName, psName);
-  if (ptNode == nullptr) {
-    nGRet = -1;
-    return;
-  }
-  reinterpret_cast<FncGenRecord>(fFunc)(ptStruct, ptNode, psName, psTypeName);
+void *read(void *ptElement, char *psType, void *fFunc) {
+  return ptElement == nullptr ? nullptr : reinterpret_cast<FncParseRecord>(fFunc)(ptElement, psType);
+}
+
+void write(void *ptElement, void *ptStruct, char *psName, char *psTypeName, void *fFunc) {
+  if (ptElement != nullptr) reinterpret_cast<FncGenRecord>(fFunc)(ptStruct, ptElement, psName, psTypeName);
 }
 
 }  // namespace
 
-void *sttParseXmlStruct(void *ptXmlNode, char *psType, char *psName, void *fFunc) {
-  void *const ptChild = childWithId(ptXmlNode, psType, psName);
-  return ptChild == nullptr ? nullptr : reinterpret_cast<FncParseRecord>(fFunc)(ptChild, psType);
+namespace cvt::bind {
+
+void *structElement(void *ptXmlNode, char *psType, char *psName) {
+  return childWithId(ptXmlNode, psType, psName);
 }
 
-void sttGenerateXmlStruct(void *ptXmlNode, void *ptStruct, char *psName, char *psTypeName, void *fFunc) {
-  if (ptStruct != nullptr) writeRecord(ptXmlNode, ptStruct, psName, psTypeName, fFunc);
-}
-
-void *sttParseXmlNext(void *ptXmlNode, char *psType, char *psName, void *fFunc) {
+void *nextElement(void *ptXmlNode, char *psType, char *psName) {
   void *const ptOwn = selfOrAncestor(ptXmlNode, psType);
   if (ptOwn == nullptr) return nullptr;
   // Only the very next sibling counts: anything else between two records, a comment too, ends the list.
   void *const ptSibling = xmlGetNextNode(ptOwn);
   if (ptSibling == nullptr || !isNamed(ptSibling, psType) || !hasId(ptSibling, psName)) return nullptr;
-  return reinterpret_cast<FncParseRecord>(fFunc)(ptSibling, psType);
+  return ptSibling;
+}
+
+void *newStructElement(void *ptXmlNode, char *psName, char *psTypeName) {
+  return appendRecord(ptXmlNode, psName, psTypeName);
+}
+
+void *newNextElement(void *ptXmlNode, char *psName, char *psTypeName) {
+  void *const ptOwn = selfOrAncestor(ptXmlNode, psTypeName);
+  void *const ptFather = ptOwn == nullptr ? nullptr : xmlGetFatherNode(ptOwn);
+  if (ptFather != nullptr) return appendRecord(ptFather, psName, psTypeName);
+  nGRet = -1;
+  return nullptr;
+}
+
+}  // namespace cvt::bind
+
+void *sttParseXmlStruct(void *ptXmlNode, char *psType, char *psName, void *fFunc) {
+  return read(cvt::bind::structElement(ptXmlNode, psType, psName), psType, fFunc);
+}
+
+void sttGenerateXmlStruct(void *ptXmlNode, void *ptStruct, char *psName, char *psTypeName, void *fFunc) {
+  if (ptStruct == nullptr) return;
+  write(cvt::bind::newStructElement(ptXmlNode, psName, psTypeName), ptStruct, psName, psTypeName, fFunc);
+}
+
+void *sttParseXmlNext(void *ptXmlNode, char *psType, char *psName, void *fFunc) {
+  return read(cvt::bind::nextElement(ptXmlNode, psType, psName), psType, fFunc);
 }
 
 void sttGenerateXmlNext(void *ptXmlNode, void *ptStruct, char *psName, char *psTypeName, void *fFunc) {
   if (ptStruct == nullptr) return;
-  void *const ptOwn = selfOrAncestor(ptXmlNode, psTypeName);
-  void *const ptFather = ptOwn == nullptr ? nullptr : xmlGetFatherNode(ptOwn);
-  if (ptFather == nullptr) {
-    nGRet = -1;
-    return;
-  }
-  writeRecord(ptFather, ptStruct, psName, psTypeName, fFunc);
+  write(cvt::bind::newNextElement(ptXmlNode, psName, psTypeName), ptStruct, psName, psTypeName, fFunc);
 }
 
 void *sttParseXmlVoid(void *ptXmlNode, char *psName) {

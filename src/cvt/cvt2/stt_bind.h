@@ -64,13 +64,16 @@ class Text {
 
 inline char *name(const char *ps) { return const_cast<char *>(ps); }
 
-// A parse or write function as the untyped argument that the field readers and writers take.
-template <class F>
-void *step(F *f) {
-  return reinterpret_cast<void *>(f);
-}
+// The element from which a Struct or Next field is read; null when there is none.
+void *structElement(void *ptXmlNode, char *psType, char *psName);
+void *nextElement(void *ptXmlNode, char *psType, char *psName);
 
-// The field readers and writers under their own names, for literal names and typed functions.
+// A new element for a Struct or Next field; null, with nGRet -1, when there is no room for one.
+void *newStructElement(void *ptXmlNode, char *psName, char *psTypeName);
+void *newNextElement(void *ptXmlNode, char *psName, char *psTypeName);
+
+// The field readers and writers under their own names, for literal names. Functions of records are called by
+// their own type here.
 inline char *sttParseXmlString(void *ptXmlNode, const char *psName) {
   return ::sttParseXmlString(ptXmlNode, name(psName));
 }
@@ -83,13 +86,15 @@ inline char sttParseXmlChar(void *ptXmlNode, const char *psName) {
 inline void *sttParseXmlVoid(void *ptXmlNode, const char *psName) {
   return ::sttParseXmlVoid(ptXmlNode, name(psName));
 }
-template <class F>
-AnyRecord sttParseXmlStruct(void *ptXmlNode, const char *psType, const char *psName, F *fFunc) {
-  return {::sttParseXmlStruct(ptXmlNode, name(psType), name(psName), step(fFunc))};
+template <class T>
+AnyRecord sttParseXmlStruct(void *ptXmlNode, const char *psType, const char *psName, T *(*fFunc)(void *, char *)) {
+  void *const ptElement = structElement(ptXmlNode, name(psType), name(psName));
+  return {ptElement == nullptr ? nullptr : fFunc(ptElement, name(psType))};
 }
-template <class F>
-AnyRecord sttParseXmlNext(void *ptXmlNode, const char *psType, const char *psName, F *fFunc) {
-  return {::sttParseXmlNext(ptXmlNode, name(psType), name(psName), step(fFunc))};
+template <class T>
+AnyRecord sttParseXmlNext(void *ptXmlNode, const char *psType, const char *psName, T *(*fFunc)(void *, char *)) {
+  void *const ptElement = nextElement(ptXmlNode, name(psType), name(psName));
+  return {ptElement == nullptr ? nullptr : fFunc(ptElement, name(psType))};
 }
 inline void sttGenerateXmlString(void *ptXmlNode, char *psString, const char *psName) {
   ::sttGenerateXmlString(ptXmlNode, psString, name(psName));
@@ -103,15 +108,23 @@ inline void sttGenerateXmlChar(void *ptXmlNode, char caChar, const char *psName)
 inline void sttGenerateXmlVoid(void *ptXmlNode, void *ptVoid, const char *psName) {
   ::sttGenerateXmlVoid(ptXmlNode, ptVoid, name(psName));
 }
-template <class F>
-void sttGenerateXmlStruct(void *ptXmlNode, void *ptStruct, const char *psName, const char *psTypeName,
-                          F *fFunc) {
-  ::sttGenerateXmlStruct(ptXmlNode, ptStruct, name(psName), name(psTypeName), step(fFunc));
+template <class T>
+void sttGenerateXmlStruct(void *ptXmlNode, T *ptStruct, const char *psName, const char *psTypeName,
+                          void *(*fFunc)(T *, void *, char *)) {
+  if (ptStruct == nullptr) return;
+  void *const ptElement = newStructElement(ptXmlNode, name(psName), name(psTypeName));
+  if (ptElement != nullptr) fFunc(ptStruct, ptElement, name(psTypeName));
 }
-template <class F>
-void sttGenerateXmlNext(void *ptXmlNode, void *ptStruct, const char *psName, const char *psTypeName,
-                        F *fFunc) {
-  ::sttGenerateXmlNext(ptXmlNode, ptStruct, name(psName), name(psTypeName), step(fFunc));
+inline void sttGenerateXmlStruct(void *ptXmlNode, void *ptStruct, const char *psName, const char *psTypeName,
+                                 void *(*fFunc)(void *, void *, char *, char *)) {
+  ::sttGenerateXmlStruct(ptXmlNode, ptStruct, name(psName), name(psTypeName), reinterpret_cast<void *>(fFunc));
+}
+template <class T>
+void sttGenerateXmlNext(void *ptXmlNode, T *ptStruct, const char *psName, const char *psTypeName,
+                        void *(*fFunc)(T *, void *, char *)) {
+  if (ptStruct == nullptr) return;
+  void *const ptElement = newNextElement(ptXmlNode, name(psName), name(psTypeName));
+  if (ptElement != nullptr) fFunc(ptStruct, ptElement, name(psTypeName));
 }
 
 // One row of a module's dispatcher pair.
