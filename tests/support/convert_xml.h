@@ -7,8 +7,7 @@
 
 namespace test::xml {
 
-// --- Definitions: definition("toy", "Order", {field("Id"), loop("Items", {field("Code")})})
-// -----------------
+// --- Definitions: definition("toy", "Order", {field("Id"), loop("Items", {field("Code")})}) --------------
 
 // The StructAttr element's attributes and content, and the node's name.
 struct Field {
@@ -45,8 +44,7 @@ inline std::string definition(const std::string &sFormat, const std::string &sNa
          ">";
 }
 
-// --- Converters: converter("C", "In", "Out", {copy(src("A"), dst("B"))})
-// ----------------------------------------
+// --- Converters: converter("C", "In", "Out", {copy(src("A"), dst("B"))}) ---------------------------------
 
 // A rule or an argument: its code, and its record as the element with __ID pInfo (empty: none).
 struct ArgXml {
@@ -157,8 +155,7 @@ inline std::string converter(const std::string &sName, const std::string &sSrc, 
          sDst + "'>" + args("ptArgs", rules) + "</Converter></Convert>";
 }
 
-// --- Pipelines and the choice of converters
-// -----------------------------------------------------------------------
+// --- Pipelines and the choice of converters --------------------------------------------------------------
 
 struct Step {
   std::string sName;

@@ -66,8 +66,7 @@ class Choices : public test::ConvertTest {
 using Choosing = Choices;
 using IdentificationFile = Choices;
 
-// --- Choosing
-// -----------------------------------------------------------------------------------------------------
+// --- Choosing --------------------------------------------------------------------------------------------
 
 TEST_F(Choosing, IsByTargetFormatAndElseTheDefault) {
   ASSERT_EQ(load({{"In", {{"X", "ToOut"}, {"", "ToOther"}}}}), 0);
@@ -144,8 +143,19 @@ TEST_F(Choosing, PairsHungOnTheDefinitionByHandAreWalkedTheSameWay) {
   EXPECT_EQ(chosen("Y"), "ToOther");
 }
 
-// --- Identification files
-// -----------------------------------------------------------------------------------------
+TEST_F(Choosing, OfTheNextGenerationMayLieAtTheSameAddress) {
+  ASSERT_EQ(load({{"In", {{"X", "ToOut"}}}}), 0);
+  EXPECT_EQ(chosen("X"), "ToOut");
+  cvtEnd();
+  test::registerPlainFormat();
+  ASSERT_EQ(loadText("<IdInfo><IdMsgInfo psMsgName='Out'/></IdInfo>"), 0);
+  for (Msg *const pt : {cvtGetMsg(cs("In")), cvtGetMsg(cs("Out"))}) {
+    source.ptMsgInfo = pt;
+    EXPECT_EQ(chosen("X"), "");
+  }
+}
+
+// --- Identification files --------------------------------------------------------------------------------
 
 TEST_F(IdentificationFile, HangsThePairsOnTheDefinitions) {
   ASSERT_EQ(load({{"In", {{"X", "ToOut"}, {"Y", "ToOther"}}}, {"Out", {{"", "ToOut"}}}}), 0);
@@ -233,8 +243,7 @@ TEST_F(IdentificationFile, MayBeMissing) {
   EXPECT_EQ(load({}), 0);
 }
 
-// --- pubConvert
-// ---------------------------------------------------------------------------------------------------
+// --- pubConvert ------------------------------------------------------------------------------------------
 
 class Converting : public Choices {
  protected:
@@ -347,8 +356,7 @@ TEST_F(Converting, SourceWithoutValuesFails) {
                    "cvtConvert err!!"}));
 }
 
-// --- From bytes to bytes
-// ------------------------------------------------------------------------------------------
+// --- From bytes to bytes ---------------------------------------------------------------------------------
 
 class EndToEnd : public testing::Test {
  protected:

@@ -12,8 +12,7 @@ using test::Level;
 using test::newMessage;
 using Texts = std::vector<std::string>;
 
-// --- Functions that keep what they were given
-// -----------------------------------------------------------------
+// --- Functions that keep what they were given ------------------------------------------------------------
 
 // Entries of the temporary-value stack up to and with the current one, without the bottom entry.
 int taken() {
@@ -131,8 +130,7 @@ using RepetitionCount = Arguments;
 using Temporaries = Arguments;
 using FunctionRegistry = Arguments;
 
-// --- Values
-// -------------------------------------------------------------------------------------------------------
+// --- Values ----------------------------------------------------------------------------------------------
 
 TEST_F(Arguments, SourceAndDestinationNodesAreSlots) {
   EXPECT_EQ(runOnly({copy(src("B"), dst("X")), copy(dst("X"), dst("Y"))}), 0);
@@ -183,8 +181,7 @@ INSTANTIATE_TEST_SUITE_P(Codes, MissingRecord,
                                          Missing{10, "[ptLoopGetNum] is NULL"}),
                          [](const auto &p) { return "Code" + std::to_string(p.param.nType); });
 
-// --- Function calls
-// -----------------------------------------------------------------------------------------------
+// --- Function calls --------------------------------------------------------------------------------------
 
 TEST_F(FunctionCall, GetsItsArgumentsInListOrder) {
   EXPECT_EQ(evaluate(func("F", {src("A"), value("v"), src("B"), dst("Y")})), 0);
@@ -322,8 +319,7 @@ TEST_F(FunctionCall, MayRunAConverterItself) {
   EXPECT_EQ(to.get("X").substr(79), "|b");
 }
 
-// --- Repetition counts
-// --------------------------------------------------------------------------------------------
+// --- Repetition counts -----------------------------------------------------------------------------------
 
 TEST_F(RepetitionCount, IsDecimalText) {
   load({copy(loopNum(src("Items")), dst("X"))});
@@ -400,8 +396,7 @@ TEST_F(RepetitionCount, InsideALoopIsThatRepetitionsOwn) {
   EXPECT_EQ(to.at("Rows", 1).get("Name"), "1");
 }
 
-// --- Temporary values
-// ---------------------------------------------------------------------------------------------
+// --- Temporary values ------------------------------------------------------------------------------------
 
 TEST_F(Temporaries, TenAreReadyAndNoneIsTaken) {
   load({});
@@ -509,8 +504,7 @@ TEST_F(Temporaries, AreThereEvenWithoutTheSection) {
   EXPECT_EQ(g_calls.size(), 1U);
 }
 
-// --- Registry of functions
-// ----------------------------------------------------------------------------------------
+// --- Registry of functions -------------------------------------------------------------------------------
 
 TEST_F(FunctionRegistry, RecordMadeBeforeTheStartSurvivesTheSection) {
   CvtGlobalInfo *const ptBefore = gptCvtGlobalInfo;
@@ -571,6 +565,17 @@ TEST_F(FunctionRegistry, AfterTheEndTheNextRegistrationMakesAFreshRecord) {
   EXPECT_EQ(gptCvtGlobalInfo->pptSrcIdx, nullptr);
   EXPECT_EQ(gptCvtGlobalInfo->pptDstIdx, nullptr);
   EXPECT_EQ(gptCvtGlobalInfo->nMaxArgs, 0);
+}
+
+TEST_F(FunctionRegistry, NextGenerationMayLieAtTheSameAddresses) {
+  for (const char *psName : {"old", "new"}) {
+    cvtCvtEnd();
+    cvtEndDict();
+    cvtMemReset();
+    cvtConvertAddFunction(cs(psName), second);
+    EXPECT_NE(sttNewFunction(cs(psName), nullptr), nullptr) << psName;
+  }
+  EXPECT_EQ(sttNewFunction(cs("old"), nullptr), nullptr);
 }
 
 TEST_F(FunctionRegistry, RestartForgetsFunctionsOfTheHost) {

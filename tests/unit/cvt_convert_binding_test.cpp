@@ -74,8 +74,7 @@ using FunctionName = Binding;
 using ConverterFile = Binding;
 using ConverterRecords = Binding;
 
-// --- Node names
-// ---------------------------------------------------------------------------------------------------
+// --- Node names ------------------------------------------------------------------------------------------
 
 TEST_F(NodeName, BecomesItsPositionInTheIndex) {
   load({copy(src("City"), dst("Key")), src("Group"), src("Items"), dst("Rows"), dst("Name")});
@@ -154,8 +153,7 @@ TEST_F(NodeName, BeforeTheGlobalRecordExistsFails) {
             (Texts{"[gptCvtGlobalInfo] is NULL", "Get Message Field[1:Id] err!!", kNodeFails}));
 }
 
-// --- Names inside loops
-// -------------------------------------------------------------------------------------------
+// --- Names inside loops ----------------------------------------------------------------------------------
 
 TEST_F(LoopNames, AreResolvedInTheBodysOwnIndex) {
   load({loopRule(src("Items"), dst("Rows"), {copy(src("Parts"), dst("Cells"))}), src("Parts"), dst("Cells")});
@@ -278,8 +276,7 @@ TEST_F(LoopSides, IndexOfALoopIsItsBodys) {
   EXPECT_EQ(GetLoopMessageIndex(rule(1), pptIdx), cvtLoopGetIdx(cvtIdxNode(pptIdx, 3)));
 }
 
-// --- Function names
-// -----------------------------------------------------------------------------------------------
+// --- Function names --------------------------------------------------------------------------------------
 
 TEST_F(FunctionName, BecomesTheFunction) {
   load({func("known", {src("City")})});
@@ -326,8 +323,7 @@ TEST_F(FunctionName, BeforeTheGlobalRecordExistsFails) {
   EXPECT_EQ(test::logTexts(1), (Texts{"[gptCvtGlobalInfo] is NULL", kFunctionFails}));
 }
 
-// --- Converter files
-// ----------------------------------------------------------------------------------------------
+// --- Converter files -------------------------------------------------------------------------------------
 
 TEST_F(ConverterFile, HoldsOneConverterWhateverItsElementIsCalled) {
   tree.file("Cvt/c.xml",
@@ -428,8 +424,7 @@ TEST_F(ConverterFile, PairOfIndexesThatWasThereComesBack) {
   EXPECT_EQ(gptCvtGlobalInfo->pptDstIdx, other);
 }
 
-// --- Records
-// ------------------------------------------------------------------------------------------------------
+// --- Records ---------------------------------------------------------------------------------------------
 
 TEST_F(ConverterRecords, LieAsTheyAreDeclared) {
   EXPECT_EQ(offsetof(::Arg, pInfo), 8U);

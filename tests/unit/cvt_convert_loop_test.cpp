@@ -52,8 +52,7 @@ class LoopRule : public test::ConvertTest {
 
 const Args kCodeToName = {copy(src("Code"), dst("Name"))};
 
-// --- Loop to loop
-// -------------------------------------------------------------------------------------------------
+// --- Loop to loop ----------------------------------------------------------------------------------------
 
 TEST_F(LoopRule, AppendsOneRepetitionForEachOfTheSource) {
   load({loopRule(src("Items"), dst("Rows"), kCodeToName)});
@@ -125,8 +124,7 @@ TEST_F(LoopRule, DoesNotMoveTheCursorOfTheDefinition) {
   EXPECT_EQ(cvtGetLoopCurrentTime(to.node("Rows")), -1);
 }
 
-// --- The other shapes
-// ---------------------------------------------------------------------------------------------
+// --- The other shapes ------------------------------------------------------------------------------------
 
 TEST_F(LoopRule, ToTheCurrentLevelLaterRepetitionsOverwriteEarlierOnes) {
   load({loopRule(src("Items"), level(), {copy(src("Code"), dst("Key"))})});
@@ -213,8 +211,7 @@ TEST_F(LoopRule, SetModeInsideALoopFillsTheInnerRepetitions) {
   EXPECT_EQ(to.at("Rows", 0).count("Cells"), 2);
 }
 
-// --- Failures
-// -----------------------------------------------------------------------------------------------------
+// --- Failures --------------------------------------------------------------------------------------------
 
 int g_nCalls = 0;
 int failOnSecondCall(Value *, int, Value **, MemPort) {
@@ -330,6 +327,17 @@ TEST_F(LoopRule, SideThatIsNoNodeIsReportedWhenItRuns) {
   load({});
   ::Arg *const ptBad = sttNewArg(3, nullptr, nullptr);
   ::Loop *const ptLoop = sttNewLoop(ptBad, sttNewArg(2, nullptr, nullptr), nullptr);
+  Converter *const ptConvert = sttNewConverter(cs("C"), cs("In"), cs("Out"), sttNewArg(8, ptLoop, nullptr));
+  test::clearLog();
+  EXPECT_EQ(cvtConvert(from.ptList, to.ptList, ptConvert, to.ptNode), -1);
+  EXPECT_EQ(test::logTexts(1), trail({"Arg Type [3] err!!", "Value Index[-1] < 0 or >= max [5] err!!",
+                                      "cvtGetLoopValueListNum err, Index[-1]"},
+                                     1));
+}
+
+TEST_F(LoopRule, SourceIsLookedAtBeforeTheDestination) {
+  load({});
+  ::Loop *const ptLoop = sttNewLoop(sttNewArg(3, nullptr, nullptr), sttNewArg(4, nullptr, nullptr), nullptr);
   Converter *const ptConvert = sttNewConverter(cs("C"), cs("In"), cs("Out"), sttNewArg(8, ptLoop, nullptr));
   test::clearLog();
   EXPECT_EQ(cvtConvert(from.ptList, to.ptList, ptConvert, to.ptNode), -1);

@@ -84,8 +84,7 @@ using NewStep = Steps;
 using ParseStep = Steps;
 using GenerateStep = Steps;
 
-// --- pubNew
-// -------------------------------------------------------------------------------------------------------
+// --- pubNew ----------------------------------------------------------------------------------------------
 
 TEST_F(NewStep, BindsTheDefinitionAndAnEmptyValueList) {
   name("In");
@@ -170,8 +169,7 @@ TEST_F(NewStep, DefinitionOfAnEarlierNameIsDropped) {
   EXPECT_EQ(message.ptMsgInfo, nullptr);
 }
 
-// --- pubParse
-// -----------------------------------------------------------------------------------------------------
+// --- pubParse --------------------------------------------------------------------------------------------
 
 TEST_F(ParseStep, GivesTheFormatTheBufferAndTheContext) {
   char sBuf[] = "0123456789";
@@ -243,8 +241,7 @@ TEST_F(ParseStep, ExceptionOfTheFormatEndsAtTheLibrary) {
   EXPECT_EQ(test::logTexts(1), (Texts{"Msg[In] let an exception out: broken", "Msg[In] Parse Buffer err!!"}));
 }
 
-// --- pubGenerate
-// --------------------------------------------------------------------------------------------------
+// --- pubGenerate -----------------------------------------------------------------------------------------
 
 TEST_F(GenerateStep, WritesTheSecondMessageWithoutAContext) {
   char sBuf[10];

@@ -88,8 +88,7 @@ using StepName = Pipelines;
 using StepArguments = Pipelines;
 using Chain = Pipelines;
 
-// --- Files
-// --------------------------------------------------------------------------------------------------------
+// --- Files -----------------------------------------------------------------------------------------------
 
 TEST_F(PipelineFile, IsAListOfFormats) {
   ASSERT_EQ(load({{"f", {{"one"}, {"two"}}, {{"three"}}}, {"g", {}, {}}}), 0);
@@ -169,8 +168,7 @@ TEST_F(PipelineFile, ThatFailsDropsThePipelinesReadBefore) {
   EXPECT_EQ(fucParse(cs("f"), &a, nullptr), -1);
 }
 
-// --- Names of steps
-// -----------------------------------------------------------------------------------------------
+// --- Names of steps --------------------------------------------------------------------------------------
 
 TEST_F(StepName, ThatIsUnknownFailsTheFileWithAWholeTrail) {
   EXPECT_EQ(load({{"f", {{"one"}, {"nobody"}}, {}}}), -1);
@@ -233,6 +231,17 @@ TEST_F(StepName, RegisteredWithoutANameEmptiesTheRegistry) {
   EXPECT_EQ(load({{"f", {{"again"}}, {}}}), 0);
 }
 
+TEST_F(StepName, OfTheNextGenerationMayLieAtTheSameAddress) {
+  for (const char *psName : {"old", "new"}) {
+    cvtIdEnd();
+    cvtEndDict();
+    cvtMemReset();
+    cvtIdAddFunction(cs(psName), one);
+    EXPECT_NE(sttNewIdFunc(cs(psName), nullptr, nullptr), nullptr) << psName;
+  }
+  EXPECT_EQ(sttNewIdFunc(cs("old"), nullptr, nullptr), nullptr);
+}
+
 TEST_F(StepName, IsForgottenByARestart) {
   ASSERT_EQ(load({{"f", {{"one"}}, {}}}), 0);
   std::filesystem::remove(tree.path("Msg/In.xml"));  // its format is forgotten, too
@@ -241,8 +250,7 @@ TEST_F(StepName, IsForgottenByARestart) {
   EXPECT_EQ(test::logTexts(1).at(0), "IdFunc[one] Not Find!!");
 }
 
-// --- Arguments of steps
-// -------------------------------------------------------------------------------------------
+// --- Arguments of steps ----------------------------------------------------------------------------------
 
 TEST_F(StepArguments, OfABuiltInTypeAreBound) {
   ASSERT_EQ(load({{"f",
@@ -375,8 +383,7 @@ TEST_F(StepArguments, RecordsLieAsTheyAreDeclared) {
   EXPECT_EQ(sizeof(SetOffsetArgs), 12U);
 }
 
-// --- Running
-// ------------------------------------------------------------------------------------------------------
+// --- Running ---------------------------------------------------------------------------------------------
 
 TEST_F(Chain, ParseStepsRunInOrderOnBothMessages) {
   ASSERT_EQ(load({{"f", {{"one"}, {"two", "<SetOffsetArgs __ID='ptArg'/>"}}, {{"three"}}}}), 0);
@@ -496,6 +503,17 @@ TEST_F(Chain, BeforeAnyFileIsReadThereAreNoFormats) {
   test::clearLog();
   EXPECT_EQ(fucParse(cs("f"), &a, nullptr), -1);
   EXPECT_EQ(test::logTexts(1), (Texts{"format id [f] mot find!!", "Get Message Formate [f] Info err!!\n"}));
+}
+
+TEST_F(Chain, OfTheNextGenerationMayLieAtTheSameAddress) {
+  for (const char *psFormat : {"old", "new"}) {
+    cvtEnd();
+    test::registerPlainFormat();
+    cvtIdAddFunction(cs("one"), one);
+    ASSERT_EQ(load({{psFormat, {{"one"}}, {}}}), 0);
+    EXPECT_EQ(fucParse(cs(psFormat), &a, nullptr), 0) << psFormat;
+  }
+  EXPECT_EQ(fucParse(cs("old"), &a, nullptr), -1);
 }
 
 TEST_F(Chain, EndForgetsPipelinesAndSteps) {
