@@ -107,7 +107,7 @@ const Fields &Layouts::of(const Msg &msg) {
 std::string_view bytesIn(ValueList *list, int slot) {
   if (list == nullptr || slot >= list->nNow) return {};
   const Value *const value = list->ptValue + slot;
-  if (value->nLen <= 0) return {};
+  if (value->nLen <= 0 || value->psValue == nullptr) return {};
   return {value->psValue, static_cast<size_t>(value->nLen)};
 }
 

@@ -34,6 +34,20 @@ bool isNotice(const std::string &line) {
                      [&](std::string_view notice) { return line.starts_with(notice); });
 }
 
+std::string printable(const std::string &text) {
+  constexpr std::string_view kHex = "0123456789abcdef";
+  std::string out;
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte >= 0x20 && byte != 0x7f) {
+      out += c;
+    } else {
+      out.append("\\x").append(1, kHex[byte >> 4]).append(1, kHex[byte & 0xf]);
+    }
+  }
+  return out;
+}
+
 bool isPlace(const std::string &line) {
   return line.starts_with("File[") && line.find("] Line[") != line.npos;
 }
@@ -51,7 +65,7 @@ void take(int level, const char *text, va_list args) {
   if (level == kErrorLevel) {
     if (f_lines.size() < kMaxLines) f_lines.push_back(format(text, args));
   } else if (f_verbosity >= kTraceVerbosity) {
-    std::fprintf(stderr, "cvt2:   %s\n", format(text, args).c_str());
+    say("  " + format(text, args));
   }
 }
 
@@ -76,7 +90,12 @@ const std::vector<std::string> &trail() {
 }
 
 void say(const std::string &text) {
-  std::fprintf(stderr, "cvt2: %s\n", text.c_str());
+  std::fprintf(stderr, "cvt2: %s\n", printable(text).c_str());
+}
+
+void remark() {
+  if (f_verbosity == 0) return;
+  for (const std::string &line : f_lines) say("note: " + line);
 }
 
 void report(const std::string &text) {

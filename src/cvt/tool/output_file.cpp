@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "error.h"
+#include "signals.h"
 
 namespace tool {
 namespace {
@@ -92,9 +93,13 @@ void OutputFile::flush() {
   const std::string pending = std::exchange(m_buffer, {});  // gone also when writing fails: no second try
   for (std::string_view rest = pending; !rest.empty();) {
     const ssize_t written = ::write(m_fd, rest.data(), rest.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written < 0) fail("write");
-    rest.remove_prefix(static_cast<size_t>(written));
+    if (written >= 0) {
+      rest.remove_prefix(static_cast<size_t>(written));
+    } else if (errno == EINTR) {
+      checkSignals();
+    } else {
+      fail("write");
+    }
   }
 }
 

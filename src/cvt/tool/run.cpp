@@ -60,6 +60,7 @@ class Run {
     log::begin();
     try {
       m_handle(frame, m_output);
+      log::remark();
       return true;
     } catch (const DataError &error) {
       refuse(file, number, frame.offset, error.what());
