@@ -63,9 +63,10 @@ inline XmlNode loop(const std::string &sName, const std::string &sElement, const
 // added.
 class XmlConfig : public ConfigTree {
  public:
-  XmlConfig() {
+  // sPlug: further attributes of the plug-in's element.
+  explicit XmlConfig(const std::string &sPlug = "") {
     RootFile root;
-    root.sPlug = plugSection({"psName=\"xml\""});
+    root.sPlug = plugSection({"psName=\"xml\" " + sPlug});
     root.sMessage = messageSection({"msg"});
     root.sId = "<Id __ID=\"ptId\" psIdPath=\"id\"/>";
     file("All/root.xml", root.text());

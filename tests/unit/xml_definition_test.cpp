@@ -142,6 +142,42 @@ TEST(XmlDefinitionRecords, OnlyAnXmlMsgDescribesTheDocument) {
   EXPECT_TRUE(told("expected XmlMsg as pInfo of Msg, found XmlField.")) << told();
 }
 
+void *writeMsg(void *ptRecord, void *ptElement, char *, char *psType) {
+  return sttGenXmlMsg(static_cast<Msg *>(ptRecord), ptElement, psType);
+}
+
+// Outside of a file being read, writing uses the global chain: the format's own is put there.
+void useChainOf(const std::string &sFormat) {
+  for (const SttInfo *pt = gptSttInfo; pt != nullptr; pt = pt->ptNext) {
+    if (sFormat != pt->psTypeName) continue;
+    for (const FuncList *ptPair = pt->ptVoidFunction; ptPair != nullptr; ptPair = ptPair->ptNext) {
+      sttAddFuncVoid(ptPair->fpParse, ptPair->fpGen);
+    }
+  }
+}
+
+TEST(XmlDefinitionRecords, WhatIsWrittenToXmlIsTheSameDefinition) {
+  XmlConfig config("nWriteBack=\"1\"");
+  config.message(
+      "M", "psNamespace=\"u\" nDeclaration=\"0\" psEmptyTag=\"pair\"",
+      {field("A", "psKind=\"attribute\" psConst=\"&lt;1\""),
+       group("G", "psNamespace=\"v\" nKeepEmpty=\"1\"", {field("B", "psDefault=\"d\" nMaxLen=\"3\"")})});
+  ASSERT_EQ(config.start(), 0) << told();
+  const std::string s = "<M xmlns=\"u\" A=\"&lt;1\"><G xmlns=\"v\"><B>b</B></G></M>";
+  EXPECT_EQ(generate(parse("M", s)), s) << told();
+
+  XmlConfig copy;
+  copy.message("M", "", {field("F")});
+  useChainOf("xml");
+  nGRet = 0;
+  ASSERT_EQ(sttGenXmlFile(copy.arg("msg/M.xml"), cvtGetMsg(test::cs("M")), test::cs("xml"), test::cs("Msg"),
+                          reinterpret_cast<void *>(&writeMsg)),
+            0)
+      << told();
+  ASSERT_EQ(copy.start(), 0) << told();
+  EXPECT_EQ(generate(parse("M", s)), s) << told();
+}
+
 TEST(XmlDefinitionLimits, AsDeepAsTheLimitIsFine) {
   XmlConfig config;
   config.message("M", "nMaxDepth=\"5\"", {nested(3)});

@@ -70,6 +70,23 @@ struct Scope {
   size_t depth;              // open elements
 };
 
+// A level and, for each of its nodes, the slot of the loop that the node counts.
+struct Body {
+  static constexpr int kNone = -1;
+  static constexpr int kTwo = -2;
+
+  explicit Body(const Level &of) : level(of), counted(of.nodes.size(), kNone) {
+    for (const Node &node : level.nodes) {
+      if (node.kind != NodeKind::Loop || node.countNode < 0) continue;
+      int &loop = counted[static_cast<size_t>(node.countNode)];
+      loop = loop == kNone ? node.slot : kTwo;
+    }
+  }
+
+  const Level &level;
+  std::vector<int> counted;
+};
+
 class Compiler {
  public:
   Compiler(const Msg &msg, const XmlMsg &document)
@@ -84,10 +101,10 @@ class Compiler {
   void prefixes();
   void root(const Level &level);
 
-  void children(Element &parent, const Level &level, size_t from, size_t to, const Scope &scope);
-  void addField(Element &parent, const Level &level, size_t at, const Scope &scope);
-  void addGroup(Element &parent, const Level &level, size_t at, const Scope &scope);
-  void addLoop(Element &parent, const Level &level, size_t at, const Scope &scope);
+  void children(Element &parent, const Body &body, size_t from, size_t to, const Scope &scope);
+  void addField(Element &parent, const Body &body, size_t at, const Scope &scope);
+  void addGroup(Element &parent, const Body &body, size_t at, const Scope &scope);
+  void addLoop(Element &parent, const Body &body, size_t at, const Scope &scope);
   void addAttribute(Element &parent, Text text, const std::string &name, const Scope &scope);
   void addChild(Element &parent, Element child, const Scope &scope);
   Element repeatedField(const Node &node, const Scope &scope);
@@ -95,7 +112,7 @@ class Compiler {
   Element wrapped(Element repeated, const XmlLoop &loop, const Scope &scope);
 
   Element element(const char *node, const std::string &name, const Scope &scope, const char *space = nullptr);
-  Text textOf(const Node &node, const XmlField &field, const Level &level, size_t at, const Scope &scope);
+  Text textOf(const Node &node, const XmlField &field, const Body &body, size_t at, const Scope &scope);
   std::vector<Count> countsOf(const Level &level);
   std::string expand(const std::string &name, const std::string &defaultSpace, const Scope &scope) const;
   std::string encoded(const std::string &markup, const Scope &scope) const;
@@ -212,22 +229,22 @@ void Compiler::root(const Level &level) {
   root.counts = countsOf(level);
   m_plan->slots = level.slots;
   const Scope inner{"", &m_document, text(m_document.psNamespace), 1};
-  children(root, level, 0, level.nodes.size(), inner);
+  children(root, Body(level), 0, level.nodes.size(), inner);
   m_plan->root = std::move(root);
 }
 
-void Compiler::children(Element &parent, const Level &level, size_t from, size_t to, const Scope &scope) {
-  for (size_t at = from; at < to; at = static_cast<size_t>(level.nodes[at].next)) {
-    const Node &node = level.nodes[at];
+void Compiler::children(Element &parent, const Body &body, size_t from, size_t to, const Scope &scope) {
+  for (size_t at = from; at < to; at = static_cast<size_t>(body.level.nodes[at].next)) {
+    const Node &node = body.level.nodes[at];
     if (node.counted || node.structRecord != nullptr) {
       throw Misconfigured(kit::nodePath(scope.path, node), node.record, "a field, a group or a loop",
                           node.counted ? "a counted node" : "a record in StructAttr",
                           "Write the XmlField or XmlGroup into FormatAttr, the LoopType of a loop into "
                           "StructAttr nType=\"1\"");
     }
-    if (node.kind == NodeKind::Field) addField(parent, level, at, scope);
-    if (node.kind == NodeKind::Group) addGroup(parent, level, at, scope);
-    if (node.kind == NodeKind::Loop) addLoop(parent, level, at, scope);
+    if (node.kind == NodeKind::Field) addField(parent, body, at, scope);
+    if (node.kind == NodeKind::Group) addGroup(parent, body, at, scope);
+    if (node.kind == NodeKind::Loop) addLoop(parent, body, at, scope);
   }
 }
 
@@ -246,11 +263,11 @@ Scope Compiler::inside(const Scope &scope, const Node &node) const {
           scope.defaultSpace, scope.depth};
 }
 
-void Compiler::addField(Element &parent, const Level &level, size_t at, const Scope &scope) {
-  const Node &node = level.nodes[at];
+void Compiler::addField(Element &parent, const Body &body, size_t at, const Scope &scope) {
+  const Node &node = body.level.nodes[at];
   const Scope here = inside(scope, node);
   const XmlField &field = recordOf(node.record, kXmlField, kPlainField, "FormatAttr.pInfo", here);
-  Text value = textOf(node, field, level, at, here);
+  Text value = textOf(node, field, body, at, here);
   const auto kind = static_cast<FieldKind>(field.nKind);
   if (kind == FieldKind::Text) {
     if (parent.text.has_value() || field.psName != nullptr) {
@@ -286,8 +303,8 @@ void Compiler::addAttribute(Element &parent, Text value, const std::string &name
   }
 }
 
-void Compiler::addGroup(Element &parent, const Level &level, size_t at, const Scope &scope) {
-  const Node &node = level.nodes[at];
+void Compiler::addGroup(Element &parent, const Body &body, size_t at, const Scope &scope) {
+  const Node &node = body.level.nodes[at];
   Scope here = inside(scope, node);
   const XmlGroup &group = recordOf(node.record, kXmlGroup, kPlainGroup, "FormatAttr.pInfo", here);
   const std::string name = group.psName == nullptr ? node.name : text(group.psName);
@@ -296,12 +313,12 @@ void Compiler::addGroup(Element &parent, const Level &level, size_t at, const Sc
   child.keepEmpty = group.nKeepEmpty != 0;
   if (group.psNamespace != nullptr) here.defaultSpace = group.psNamespace;
   ++here.depth;
-  children(child, level, at + 1, static_cast<size_t>(node.next), here);
+  children(child, body, at + 1, static_cast<size_t>(node.next), here);
   addChild(parent, std::move(child), scope);
 }
 
-void Compiler::addLoop(Element &parent, const Level &level, size_t at, const Scope &scope) {
-  const Node &node = level.nodes[at];
+void Compiler::addLoop(Element &parent, const Body &body, size_t at, const Scope &scope) {
+  const Node &node = body.level.nodes[at];
   const Scope here = inside(scope, node);
   const XmlLoop &loop = recordOf(node.loopRecord, kXmlLoop, kPlainLoop, "LoopType.ptInfo", here);
   if (loop.nMax != kNoLimit && loop.nMax < loop.nMin) {
@@ -310,11 +327,11 @@ void Compiler::addLoop(Element &parent, const Level &level, size_t at, const Sco
   }
   Scope around = scope;
   if (loop.psWrapper != nullptr) ++around.depth;
-  const Level &body = *node.body;
-  const bool single = body.nodes.size() == 1 && body.nodes[0].message == node.message;
+  const Level &inner = *node.body;
+  const bool single = inner.nodes.size() == 1 && inner.nodes[0].message == node.message;
   Element repeated = single ? repeatedField(node, around) : repeatedGroup(node, around);
   repeated.loopSlot = node.slot;
-  repeated.bodySlots = body.slots;
+  repeated.bodySlots = inner.slots;
   repeated.minTimes = loop.nMin;
   repeated.maxTimes = loop.nMax;
   addChild(parent, wrapped(std::move(repeated), loop, here), here);
@@ -329,7 +346,7 @@ Element Compiler::repeatedField(const Node &node, const Scope &scope) {
                         "another kind", "A repetition is always written, also when it is empty");
   }
   Element holder;
-  addField(holder, *node.body, 0, scope);
+  addField(holder, Body(*node.body), 0, scope);
   Element repeated = std::move(holder.children[0]);
   repeated.mandatory = false;  // said of the value of each repetition
   return repeated;
@@ -347,7 +364,7 @@ Element Compiler::repeatedGroup(const Node &node, const Scope &scope) {
   if (group.psNamespace != nullptr) here.defaultSpace = group.psNamespace;
   ++here.depth;
   repeated.counts = countsOf(*node.body);
-  children(repeated, *node.body, 0, node.body->nodes.size(), here);
+  children(repeated, Body(*node.body), 0, node.body->nodes.size(), here);
   return repeated;
 }
 
@@ -395,7 +412,7 @@ Element Compiler::element(const char *node, const std::string &name, const Scope
   return made;
 }
 
-Text Compiler::textOf(const Node &node, const XmlField &field, const Level &level, size_t at,
+Text Compiler::textOf(const Node &node, const XmlField &field, const Body &body, size_t at,
                       const Scope &scope) {
   if (field.psDefault != nullptr && field.psConst != nullptr) {
     throw Misconfigured(scope.path, scope.record, "psDefault or psConst", "both",
@@ -410,14 +427,11 @@ Text Compiler::textOf(const Node &node, const XmlField &field, const Level &leve
   made.space = static_cast<Space>(field.nSpace < 0 ? m_document.nSpace : field.nSpace);
   made.fallback = field.psDefault;
   made.constant = field.psConst;
-  made.countedLoop = -1;
-  for (const Node &other : level.nodes) {
-    if (other.kind != NodeKind::Loop || other.countNode != static_cast<int>(at)) continue;
-    if (made.countedLoop >= 0 || made.constant != nullptr || made.fallback != nullptr) {
-      throw Misconfigured(scope.path, scope.record, "a count field of one loop, without psDefault or psConst",
-                          made.countedLoop >= 0 ? "one of two loops" : "one with such an attribute");
-    }
-    made.countedLoop = other.slot;
+  made.countedLoop = body.counted[at];
+  const bool supplied = made.constant != nullptr || made.fallback != nullptr;
+  if (made.countedLoop == Body::kTwo || (made.countedLoop != Body::kNone && supplied)) {
+    throw Misconfigured(scope.path, scope.record, "a count field of one loop, without psDefault or psConst",
+                        supplied ? "one with such an attribute" : "one of two loops");
   }
   return made;
 }

@@ -3,6 +3,7 @@
 #include <charconv>
 
 #include "escape.h"
+#include "kit/log.h"
 
 namespace cvt::xml {
 
@@ -35,7 +36,6 @@ class Generator {
 
   std::string_view value(const Text &text, const List &list);
   std::string_view constant(const Text &text, std::string_view value) const;
-  void check(const Text &text, std::string_view value) const;
   bool hasValue(const Element &element, const List &list) const;
 
   const Plan &m_plan;
@@ -63,7 +63,7 @@ std::string_view Generator::value(const Text &text, const List &list) {
     if (text.constant != nullptr) found = constant(text, found);
     if (found.empty() && text.fallback != nullptr) found = text.fallback;
   }
-  check(text, found);
+  checkValue(text, found);
   return found;
 }
 
@@ -71,19 +71,6 @@ std::string_view Generator::constant(const Text &text, std::string_view value) c
   if (value.empty() || value == text.constant) return text.constant;
   throw Fault(Fault::kHere, kit::quoted(text.constant), kit::quoted(value.data(), value.size()),
               "Leave the value empty or equal to psConst");
-}
-
-void Generator::check(const Text &text, std::string_view value) const {
-  if (value.empty() && text.mandatory && !text.keepEmpty) {
-    throw Fault(Fault::kHere, "a value", "none",
-                "The field is mandatory; nKeepEmpty=\"1\" allows an empty one");
-  }
-  if (text.maxLength == 0 || value.size() <= text.maxLength) return;
-  const size_t characters = kit::Charset::countUtf8(value.data(), value.size());
-  if (characters <= text.maxLength) return;
-  throw Fault(Fault::kHere, "at most " + std::to_string(text.maxLength) + " characters",
-              std::to_string(characters) + ", " + kit::quoted(value.data(), value.size()),
-              "Raise nMaxLen, or shorten the value");
 }
 
 // Whether anything inside an element has a value. Constants and defaults that were not asked for do not make

@@ -18,14 +18,29 @@ namespace {
 
 using kit::Fault;
 
-// What stays from one document to the next.
-Region f_region;
+// What stays from one document to the next, unless one was unusually large.
+constexpr size_t kKept = 4 * 1024 * 1024;
+Region f_region(kKept);
 Room f_room;
 std::string f_converted;
 
+// Takes the memory back when a document is done, whichever way.
+struct Release {
+  ~Release() {
+    f_region.reset();
+    for (std::string *room : {&f_converted, &f_room.text, &f_room.collapsed}) {
+      if (room->capacity() > kKept) std::string().swap(*room);
+    }
+  }
+};
+
 // Seeds the parser's hash tables, so that no input can be made to collide in them.
 unsigned long hashSalt() {
-  static const unsigned long salt = std::random_device()() | 1UL;  // 0 would ask for a new one each time
+  static const unsigned long salt = [] {
+    std::random_device random;
+    return static_cast<unsigned long>(random()) << 32 | random() |
+           1UL;  // 0 would ask for a new one each time
+  }();
   return salt;
 }
 
@@ -35,7 +50,6 @@ class Document {
  public:
   Document(const Plan &plan, kit::ParseCall &call, const Input &input)
       : m_call(call), m_input(input), m_reader(plan, call, f_room) {
-    f_region.reset();
     static constexpr XML_Memory_Handling_Suite kMemory = {
         [](size_t size) { return f_region.allocate(size); },
         [](void *piece, size_t size) { return f_region.resize(piece, size); }, [](void *) {}};
@@ -114,9 +128,8 @@ class Document {
   std::string advice(XML_Error error) const {
     switch (error) {
       case XML_ERROR_INVALID_TOKEN:
-        return "Write & as &amp; and < as &lt;, put attribute values in quotes, remove control characters, "
-               "and declare "
-               "the right encoding";
+        return "Write & as &amp; and < as &lt;, put attribute values in quotes, remove control "
+               "characters, and declare the right encoding";
       case XML_ERROR_TAG_MISMATCH: {
         const std::string open(m_reader.innermost());
         return open.empty() ? "Close the element that was opened last" : "Close <" + open + "> first";
@@ -166,6 +179,7 @@ class Document {
 
 void parseDocument(const Plan &plan, kit::ParseCall &call) {
   const std::string_view raw(call.buffer + call.from, call.length - call.from);
+  const Release release;
   const Input input = openInput(plan, raw, call.from, f_converted);
   Document(plan, call, input).parse();
   call.end = call.length;

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "kit/fault.h"
+#include "kit/log.h"
 #include "names.h"
 
 namespace cvt::xml {
@@ -41,6 +43,20 @@ void NameTable::grow() {
   for (Entry &entry : old) {
     if (entry.position >= 0) m_entries[slotOf(entry.name)] = std::move(entry);
   }
+}
+
+void checkValue(const Text &text, std::string_view value) {
+  using kit::Fault;
+  if (value.empty() && text.mandatory && !text.keepEmpty) {
+    throw Fault(Fault::kHere, "a value", "none",
+                "The field is mandatory; nKeepEmpty=\"1\" allows an empty one");
+  }
+  if (text.maxLength == 0 || value.size() <= text.maxLength) return;
+  const size_t characters = kit::Charset::countUtf8(value.data(), value.size());
+  if (characters <= text.maxLength) return;
+  throw Fault(Fault::kHere, "at most " + std::to_string(text.maxLength) + " characters",
+              std::to_string(characters) + ", " + kit::quoted(value.data(), value.size()),
+              "Raise nMaxLen, or shorten the value");
 }
 
 std::string shownName(const Plan &plan, std::string_view expanded) {

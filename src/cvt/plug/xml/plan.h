@@ -135,6 +135,10 @@ struct Plan {
 // Throws Misconfigured.
 std::unique_ptr<Plan> compilePlan(const Msg &msg, const XmlMsg &document);
 
+// What holds for a value in both directions: it is there when it is mandatory, and not too long. Throws
+// Fault.
+void checkValue(const Text &text, std::string_view value);
+
 // An expanded name for messages: as the definition writes it, and with words about its namespace where the
 // definition knows none of that name.
 std::string shownName(const Plan &plan, std::string_view expanded);

@@ -220,18 +220,8 @@ void Reader::store(const Text &text, kit::List list, std::string_view bytes) {
   if (text.constant != nullptr && value != text.constant) {
     throw Fault(Fault::kHere, quoted(text.constant), quoted(value), "The field is a constant");
   }
-  if (value.empty()) {
-    if (!text.mandatory || text.keepEmpty) return;
-    throw Fault(Fault::kHere, "a value", "none",
-                "The field is mandatory; nKeepEmpty=\"1\" allows an empty one");
-  }
-  if (text.maxLength > 0 && value.size() > text.maxLength) {
-    const size_t characters = kit::Charset::countUtf8(value.data(), value.size());
-    if (characters > text.maxLength) {
-      throw Fault(Fault::kHere, "at most " + std::to_string(text.maxLength) + " characters",
-                  std::to_string(characters) + ", " + quoted(value), "Raise nMaxLen, or shorten the value");
-    }
-  }
+  checkValue(text, value);
+  if (value.empty()) return;
   list.put(text.slot, m_call.store.copy(value.data(), value.size()), value.size());
 }
 

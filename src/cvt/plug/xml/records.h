@@ -45,6 +45,7 @@ struct CVT_RECORD XmlField {
   int nKeepEmpty;
   int nMaxLen;
   int nSpace;
+  char caGap[4];
   char *psDefault;
   char *psConst;
 };
@@ -65,6 +66,7 @@ struct CVT_RECORD XmlLoop {
   int nKeepEmpty;
   int nMin;
   int nMax;
+  char caGap[4];
 };
 
 inline constexpr int kNoLimit = 0;  // what nMaxLen and nMax are when they are not given

@@ -10,7 +10,6 @@ namespace {
 
 constexpr size_t kAlign = alignof(std::max_align_t);
 constexpr size_t kFirstBlock = 64 * 1024;
-constexpr size_t kKept = 4 * 1024 * 1024;
 constexpr size_t kLargest = static_cast<size_t>(-1) / 4;
 
 // In front of every piece: its size.
@@ -65,7 +64,7 @@ bool Region::addBlock(size_t size) {
 void Region::reset() {
   // Blocks double, so the last one alone holds about what all of them held.
   if (m_blocks.size() > 1) m_blocks.erase(m_blocks.begin(), m_blocks.end() - 1);
-  if (!m_blocks.empty() && m_blocks.back().size > kKept) m_blocks.clear();
+  if (!m_blocks.empty() && m_blocks.back().size > m_kept) m_blocks.clear();
   m_next = m_blocks.empty() ? nullptr : m_blocks.back().bytes.get();
   m_end = m_blocks.empty() ? nullptr : m_next + m_blocks.back().size;
 }

@@ -11,13 +11,16 @@ namespace cvt::xml {
 
 class Region {
  public:
+  // kept: bytes that may stay for the next document.
+  explicit Region(size_t kept) : m_kept(kept) {}
+
   // Null when the heap is exhausted. Aligned for any type.
   void *allocate(size_t size);
 
   // As realloc. The piece taken last grows in place.
   void *resize(void *piece, size_t size);
 
-  // Forgets every piece. What one unusually large document needed is given back.
+  // Forgets every piece.
   void reset();
 
  private:
@@ -28,6 +31,7 @@ class Region {
 
   bool addBlock(size_t size);
 
+  size_t m_kept;
   std::vector<Block> m_blocks;  // the last one is in use
   char *m_next = nullptr;
   char *m_end = nullptr;
