@@ -62,6 +62,7 @@ class FieldCompiler {
     if (m_plan.isNumber()) compileNumber();
     compileBlank();
     compileValues();
+    m_plan.checked = !m_plan.blankAllowed || !m_plan.allowed.empty();
     return std::move(m_plan);
   }
 

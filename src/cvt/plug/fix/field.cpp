@@ -1,8 +1,8 @@
 #include "field.h"
 
-#include <cstdint>
 #include <cstring>
 
+#include "kit/bytes.h"
 #include "kit/fault.h"
 
 namespace cvt::fix {
@@ -18,58 +18,16 @@ namespace {
 constexpr size_t kMaxNumberBytes = 64;
 constexpr size_t kNumberRoom = kMaxNumberBytes * 4 + 16;
 
-// --- Padding and plain text
-// -------------------------------------------------------------------------------------
-
-constexpr uint64_t kOnes = 0x0101010101010101U;
-constexpr uint64_t kHighs = 0x8080808080808080U;
-
-uint64_t load(const char *in) {
-  uint64_t word;
-  std::memcpy(&word, in, sizeof word);
-  return word;
-}
-
-// Length without the pads at the end.
-size_t trimEnd(const char *in, size_t n, char pad) {
-  const uint64_t pads = kOnes * static_cast<unsigned char>(pad);
-  while (n >= 8 && load(in + n - 8) == pads) n -= 8;
-  while (n > 0 && in[n - 1] == pad) --n;
-  return n;
-}
-
-// Number of pads at the start.
-size_t padsAtStart(const char *in, size_t n, char pad) {
-  const uint64_t pads = kOnes * static_cast<unsigned char>(pad);
-  size_t i = 0;
-  while (i + 8 <= n && load(in + i) == pads) i += 8;
-  while (i < n && in[i] == pad) ++i;
-  return i;
-}
+// --- Texts
+// ------------------------------------------------------------------------------------------------------
 
 std::string_view trim(std::string_view text, char pad, bool right) {
-  if (!right) return text.substr(0, trimEnd(text.data(), text.size(), pad));
-  return text.substr(padsAtStart(text.data(), text.size(), pad));
+  if (!right) return text.substr(0, kit::trimmedEnd(text.data(), text.size(), pad));
+  return text.substr(kit::countStart(text.data(), text.size(), pad));
 }
 
-bool isPlain(char c) {
-  return c >= 0x20 && c < 0x7F;
-}
-
-// Whether all bytes are printable ASCII.
 bool plain(std::string_view text) {
-  const char *in = text.data();
-  size_t i = 0;
-  for (; i + 8 <= text.size(); i += 8) {
-    const uint64_t word = load(in + i);
-    const uint64_t below = word - kOnes * 0x20;  // borrows into the high bit below a blank
-    const uint64_t above = word + kOnes;         // carries into it at 0x7F
-    if (((word | below | above) & kHighs) != 0) return false;
-  }
-  for (; i < text.size(); ++i) {
-    if (!isPlain(in[i])) return false;
-  }
-  return true;
+  return kit::isPrintable(text.data(), text.size());
 }
 
 // Position of the first control character of a UTF-8 text, npos when there is none.
@@ -154,7 +112,7 @@ std::string_view readRaw(const FieldPlan &field, std::string_view bytes, kit::St
 std::string_view readDigits(const FieldPlan &field, std::string_view bytes, size_t offset,
                             kit::Store &store) {
   if (field.blankAllowed && bytes[0] == field.blank &&
-      trimEnd(bytes.data(), bytes.size(), field.blank) == 0) {
+      kit::trimmedEnd(bytes.data(), bytes.size(), field.blank) == 0) {
     return {store.take(0), 0};
   }
   const char *in = bytes.data();
@@ -164,14 +122,13 @@ std::string_view readDigits(const FieldPlan &field, std::string_view bytes, size
     if (result.damage != Damage::None) refuseDamage(field, result, bytes, offset + result.read);
     in = text;
   }
-  char *out = store.take(kit::kCanonicalRoom);
+  char out[kit::kCanonicalRoom];
   const kit::NumberResult result = kit::readNumber(field.number, in, bytes.size(), out);
   if (result.expected != nullptr) {
     throw Fault(offset + result.at, result.expected, shown(bytes),
                 "Correct the number, or psType and psSign");
   }
-  store.trim(out, kit::kCanonicalRoom, result.length);
-  return {out, result.length};
+  return {store.copy(out, result.length), result.length};
 }
 
 std::string_view readConstant(const FieldPlan &field, std::string_view bytes, size_t offset,
@@ -279,6 +236,13 @@ void writeConstant(const FieldPlan &field, std::string_view value, kit::Output &
   out.put(field.bytes);
 }
 
+void checkValue(const FieldPlan &field, std::string_view value, std::string_view bytes, size_t offset) {
+  if (value.empty() && !field.blankAllowed) {
+    throw Fault(offset, "a value", shown(bytes), "Fill the field, or set psBlank to allowed");
+  }
+  if (!field.allowed.empty() && !(value.empty() && field.blankAllowed)) checkAllowed(field, value, offset);
+}
+
 }  // namespace
 
 size_t fieldWidth(const FieldPlan &field, const char *in, size_t left, size_t offset) {
@@ -304,10 +268,7 @@ std::string_view readField(const FieldPlan &field, const char *in, size_t width,
   const std::string_view value = field.type == FieldType::Text  ? readText(field, bytes, offset, store)
                                  : field.type == FieldType::Raw ? readRaw(field, bytes, store)
                                                                 : readDigits(field, bytes, offset, store);
-  if (value.empty() && !field.blankAllowed) {
-    throw Fault(offset, "a value", shown(bytes), "Fill the field, or set psBlank to allowed");
-  }
-  if (!field.allowed.empty() && !(value.empty() && field.blankAllowed)) checkAllowed(field, value, offset);
+  if (field.checked) checkValue(field, value, bytes, offset);
   return value;
 }
 

@@ -12,29 +12,31 @@
 
 namespace cvt::fix {
 
+// What a call needs of every field stands first.
 struct FieldPlan {
   const char *name = nullptr;
+  size_t length = 0;  // in bytes, or in characters
+  const kit::Charset *charset = nullptr;
   FieldType type = FieldType::Text;
-  size_t length = 0;    // in bytes, or in characters
+  bool constant = false;
   bool chars = false;   // length counts characters, which have no fixed size
   bool right = false;   // aligned to the right
   bool rawPad = false;  // the pad is a byte, not a character
   bool trims = true;    // padding is taken off when reading and put on when writing
-  char pad = ' ';       // the byte that fills
-  char padText = ' ';   // the same inside a decoded text
-  char blank = ' ';     // a blank number
   bool blankAllowed = true;
+  bool checked = false;  // not every value that can be read is allowed
   bool controlKept = false;
   bool cut = false;
-  const kit::Charset *charset = nullptr;
-  kit::NumberSpec number;
-  bool constant = false;
   bool hasDefault = false;
-  std::string value;                 // the constant, or the default, as a value
-  std::string bytes;                 // the constant as it stands in the message
+  char pad = ' ';      // the byte that fills
+  char padText = ' ';  // the same inside a decoded text
+  char blank = ' ';    // a blank number
+  kit::NumberSpec number;
+  std::vector<int> counts;           // slots of the loops that this field counts
   std::vector<std::string> allowed;  // as values; empty: all
   std::vector<std::string> tags;     // bytes that tell the record; empty: this field is no tag
-  std::vector<int> counts;           // slots of the loops that this field counts
+  std::string value;                 // the constant, or the default, as a value
+  std::string bytes;                 // the constant as it stands in the message
 
   bool isNumber() const { return type != FieldType::Text && type != FieldType::Raw; }
 };

@@ -9,6 +9,7 @@
 #include <map>
 #include <vector>
 
+#include "bytes.h"
 #include "utf8.h"
 
 namespace cvt::kit {
@@ -181,7 +182,7 @@ size_t Charset::decodedRoom(size_t n) const {
 }
 
 Converted Charset::decode(const char *in, size_t n, char *out, size_t room) const {
-  if (m_ascii && n <= room && ascii(in, n)) {
+  if (m_ascii && n <= room && isAscii(in, n)) {
     if (n != 0) std::memcpy(out, in, n);
     return {n, n, Damage::None};
   }
@@ -204,7 +205,7 @@ Converted Charset::decode(const char *in, size_t n, char *out, size_t room) cons
 }
 
 Converted Charset::encode(const char *in, size_t n, char *out, size_t room) const {
-  if (m_ascii && n <= room && ascii(in, n)) {
+  if (m_ascii && n <= room && isAscii(in, n)) {
     if (n != 0) std::memcpy(out, in, n);
     return {n, n, Damage::None};
   }
@@ -283,21 +284,11 @@ size_t Charset::cutUtf8(const char *in, size_t n, size_t limit) {
 }
 
 bool Charset::ascii(const char *in, size_t n) {
-  constexpr uint64_t kHighBits = 0x8080808080808080U;
-  size_t i = 0;
-  for (; i + 8 <= n; i += 8) {
-    uint64_t word;
-    std::memcpy(&word, in + i, sizeof word);
-    if ((word & kHighBits) != 0) return false;
-  }
-  for (; i < n; ++i) {
-    if (static_cast<unsigned char>(in[i]) >= 0x80) return false;
-  }
-  return true;
+  return isAscii(in, n);
 }
 
 Converted Charset::checkUtf8(const char *in, size_t n) {
-  if (ascii(in, n)) return {n, n, Damage::None};
+  if (isAscii(in, n)) return {n, n, Damage::None};
   size_t read = 0;
   while (read < n) {
     const Utf8Char next = utf8Char(in + read, n - read);

@@ -70,8 +70,8 @@ class Attachments {
 void *readAny(std::span<const RecordType *const> types, void *element, const char *typeName);
 void *writeAny(std::span<const RecordType *const> types, void *record, void *element, const char *typeName);
 
-// Runs compile(msg) behind the barrier and sets the two functions, and nValueNum to the number of nodes unless
-// compile has set it. 0, or -1 (logged).
+// Runs compile(msg) behind the barrier and sets the two functions, and nValueNum to the number of nodes
+// unless compile has set it. 0, or -1 (logged).
 int initFormat(Msg *msg, void (*compile)(Msg &), FncParse parse, FncGenerate generate);
 
 int runParse(ValueListInfo *values, Msg *msg, const char *buffer, int *position, int length,

@@ -1,0 +1,94 @@
+// bytes.h: tests over short texts, eight bytes at a time.
+//
+// A text of eight bytes or more is covered by whole words, the last of which may overlap the one before; a
+// shorter one by two overlapping halves, or byte by byte.
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+namespace cvt::kit {
+
+inline constexpr uint64_t kOnes = 0x0101010101010101U;
+inline constexpr uint64_t kHighBits = 0x8080808080808080U;
+
+inline uint64_t loadWord(const char *in) {
+  uint64_t word;
+  std::memcpy(&word, in, sizeof word);
+  return word;
+}
+
+inline uint64_t loadHalf(const char *in) {
+  uint32_t half;
+  std::memcpy(&half, in, sizeof half);
+  return half;
+}
+
+// Whether bad(word) & kHighBits is 0 for the bytes of the text; a byte decides for itself. `neutral` is a
+// byte for which it is 0, for words that are not full.
+template <class Bad>
+bool noneOf(const char *in, size_t n, unsigned char neutral, Bad bad) {
+  const uint64_t rest = kOnes * neutral;
+  uint64_t found = 0;
+  if (n >= 8) {
+    for (size_t i = 0; i + 8 < n; i += 8) found |= bad(loadWord(in + i));
+    found |= bad(loadWord(in + n - 8));
+  } else if (n >= 4) {
+    found = bad(loadHalf(in) | loadHalf(in + n - 4) << 32);
+  } else {
+    uint64_t word = rest;
+    for (size_t i = 0; i < n; ++i) word = word << 8 | static_cast<unsigned char>(in[i]);
+    found = bad(word);
+  }
+  return (found & kHighBits) == 0;
+}
+
+// All bytes below 0x80.
+inline bool isAscii(const char *in, size_t n) {
+  return noneOf(in, n, 0, [](uint64_t word) { return word; });
+}
+
+// All bytes printable ASCII: 0x20 to 0x7E.
+inline bool isPrintable(const char *in, size_t n) {
+  return noneOf(in, n, ' ', [](uint64_t word) {
+    // Below a blank the difference borrows into the high bit; above a tilde the sum carries into it. A borrow
+    // that reaches the next byte comes from one that is found anyway.
+    return word | (word - kOnes * 0x20) | (word + kOnes);
+  });
+}
+
+// All bytes 0 to 9.
+inline bool isDigits(const char *in, size_t n) {
+  return noneOf(in, n, '0', [](uint64_t word) {
+    const uint64_t values = word ^ (kOnes * '0');  // digits become 0 .. 9
+    return values | (values + kOnes * 0x76);
+  });
+}
+
+// Length of the text without the bytes `pad` at its end.
+inline size_t trimmedEnd(const char *in, size_t n, char pad) {
+  const uint64_t pads = kOnes * static_cast<unsigned char>(pad);
+  while (n >= 8) {
+    const uint64_t other = loadWord(in + n - 8) ^ pads;
+    if (other != 0) return n - static_cast<size_t>(std::countl_zero(other)) / 8;
+    n -= 8;
+  }
+  while (n > 0 && in[n - 1] == pad) --n;
+  return n;
+}
+
+// Number of bytes `pad` at the start of the text.
+inline size_t countStart(const char *in, size_t n, char pad) {
+  const uint64_t pads = kOnes * static_cast<unsigned char>(pad);
+  size_t i = 0;
+  for (; i + 8 <= n; i += 8) {
+    const uint64_t other = loadWord(in + i) ^ pads;
+    if (other != 0) return i + static_cast<size_t>(std::countr_zero(other)) / 8;
+  }
+  while (i < n && in[i] == pad) ++i;
+  return i;
+}
+
+}  // namespace cvt::kit
