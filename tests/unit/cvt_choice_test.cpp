@@ -143,16 +143,13 @@ TEST_F(Choosing, PairsHungOnTheDefinitionByHandAreWalkedTheSameWay) {
   EXPECT_EQ(chosen("Y"), "ToOther");
 }
 
-TEST_F(Choosing, OfTheNextGenerationMayLieAtTheSameAddress) {
+TEST_F(Choosing, PairsOfTheNextGenerationMayLieAtTheSameAddress) {
   ASSERT_EQ(load({{"In", {{"X", "ToOut"}}}}), 0);
   EXPECT_EQ(chosen("X"), "ToOut");
-  cvtEnd();
-  test::registerPlainFormat();
-  ASSERT_EQ(loadText("<IdInfo><IdMsgInfo psMsgName='Out'/></IdInfo>"), 0);
-  for (Msg *const pt : {cvtGetMsg(cs("In")), cvtGetMsg(cs("Out"))}) {
-    source.ptMsgInfo = pt;
-    EXPECT_EQ(chosen("X"), "");
-  }
+  cvtIdEnd();
+  static_cast<IdCvtInfo *>(source.ptMsgInfo->pIdInfo)->psFormatId = cs("Second");
+  EXPECT_EQ(chosen("X"), "");
+  EXPECT_EQ(chosen("Second"), "ToOut");
 }
 
 // --- Identification files --------------------------------------------------------------------------------
@@ -174,6 +171,7 @@ TEST_F(IdentificationFile, LaterEntryOfAMessageReplacesTheEarlierOne) {
   ASSERT_EQ(load({{"In", {{"X", "ToOut"}, {"", "ToOut"}}}, {"In", {{"Y", "ToOther"}}}}), 0);
   EXPECT_EQ(chosen("Y"), "ToOther");
   EXPECT_EQ(chosen("X"), "");  // replaced, not added to
+  EXPECT_STREQ(static_cast<IdCvtInfo *>(cvtGetMsg(cs("In"))->pIdInfo)->psFormatId, "Y");
 }
 
 TEST_F(IdentificationFile, OfTwoFilesTheLaterOneReplacesAMessagesPairs) {

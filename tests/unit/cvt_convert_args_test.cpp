@@ -568,12 +568,16 @@ TEST_F(FunctionRegistry, AfterTheEndTheNextRegistrationMakesAFreshRecord) {
 }
 
 TEST_F(FunctionRegistry, NextGenerationMayLieAtTheSameAddresses) {
-  for (const char *psName : {"old", "new"}) {
+  cvtEnd();
+  const StringList *ptOther = nullptr;
+  for (const char *psName : {"old", "newer"}) {
     cvtCvtEnd();
     cvtEndDict();
     cvtMemReset();
     cvtConvertAddFunction(cs(psName), second);
     EXPECT_NE(sttNewFunction(cs(psName), nullptr), nullptr) << psName;
+    EXPECT_EQ(ptOther == gptCvtGlobalInfo->ptFuncList, ptOther != nullptr);  // or this test shows nothing
+    ptOther = gptCvtGlobalInfo->ptFuncList;
   }
   EXPECT_EQ(sttNewFunction(cs("old"), nullptr), nullptr);
 }

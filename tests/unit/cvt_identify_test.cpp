@@ -232,7 +232,8 @@ TEST_F(StepName, RegisteredWithoutANameEmptiesTheRegistry) {
 }
 
 TEST_F(StepName, OfTheNextGenerationMayLieAtTheSameAddress) {
-  for (const char *psName : {"old", "new"}) {
+  cvtEnd();
+  for (const char *psName : {"old", "newer"}) {
     cvtIdEnd();
     cvtEndDict();
     cvtMemReset();
@@ -506,13 +507,22 @@ TEST_F(Chain, BeforeAnyFileIsReadThereAreNoFormats) {
 }
 
 TEST_F(Chain, OfTheNextGenerationMayLieAtTheSameAddress) {
-  for (const char *psFormat : {"old", "new"}) {
-    cvtEnd();
-    test::registerPlainFormat();
-    cvtIdAddFunction(cs("one"), one);
-    ASSERT_EQ(load({{psFormat, {{"one"}}, {}}}), 0);
+  ASSERT_EQ(load({{"first", {}, {}}}), 0);
+  cvtEnd();
+  tree.file("section.xml", "<Id psIdPath='Id'/>");
+  void *const ptDoc = xmlFileParse(tree.arg("section.xml"));
+  const FormatInfo *ptOther = nullptr;
+  for (const char *psFormat : {"old", "newer"}) {
+    cvtIdEnd();
+    cvtEndDict();
+    cvtMemReset();
+    tree.file("Id/id.xml", pipelines({{psFormat, {}, {}}}));
+    ASSERT_NE(cvtIdInit(xmlGetHeadNode(ptDoc), cs("Id")), nullptr);
     EXPECT_EQ(fucParse(cs(psFormat), &a, nullptr), 0) << psFormat;
+    EXPECT_EQ(ptOther == gptFormatInfo, ptOther != nullptr);  // or this test shows nothing
+    ptOther = gptFormatInfo;
   }
+  xmlDocFree(ptDoc);
   EXPECT_EQ(fucParse(cs("old"), &a, nullptr), -1);
 }
 
