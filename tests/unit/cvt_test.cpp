@@ -411,6 +411,22 @@ TEST_F(GenerateMessage, ReportsTheDestinationsName) {
   cvtFreeMessage(ptSrc);
 }
 
+TEST_F(GenerateMessage, ReportsADestinationsNameThatFillsItsField) {
+  const std::string sLong(70, 'L');
+  config.file("msg/" + sLong + ".xml", test::definition("toy", sLong, {test::field("A")}));
+  config.file("cvt/long.xml",
+              "<Convert><Converter psName=\"long\" psSrcStructName=\"Order\" psDstStructName=\"" + sLong +
+                  "\"/></Convert>");
+  config.file("idinfo/choice.xml",
+              "<IdInfo><IdMsgInfo psMsgName=\"Order\"><IdCvtInfo __ID=\"ptIdCvtInfo\" psFormatId=\"\" "
+              "psCvtName=\"long\"/></IdMsgInfo></IdInfo>");
+  start();
+  InnerMessage *const ptSrc = order();
+  EXPECT_EQ(cvtGenerateMessasge(ptSrc, cs("converted"), sOut, &nOut, &nError), nullptr);
+  EXPECT_EQ(logTexts().back(), "Generate Message[" + sLong.substr(0, 61) + "] err!!");
+  cvtFreeMessage(ptSrc);
+}
+
 TEST_F(GenerateMessage, FailsWhenTheBufferIsTooSmall) {
   start();
   InnerMessage *const ptSrc = order();

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "cvt_guard.h"
+#include "cvt_handle.h"
 #include "cvt_log.h"
 
 int gnMsgNum = 0;
@@ -112,7 +113,7 @@ InnerMessage *cvtGenerateMessasge(InnerMessage *ptSrcMsg, char *psCvtFormatId, c
   const int nRet = fucGenerate(psCvtFormatId, ptSrcMsg, ptDstMsg);
   if (nRet != 0) {
     *pnError = nRet;
-    CVT_ERR("Generate Message[%.*s] err!!", static_cast<int>(sizeof ptDstMsg->sMsgName), ptDstMsg->sMsgName);
+    CVT_ERR("Generate Message[%s] err!!", cvt::NameOf(ptDstMsg).text());
     cvtFreeMessage(ptDstMsg);
     return nullptr;
   }
@@ -159,7 +160,7 @@ int cvtGenMessage(InnerMessage *ptMessage, char *psOutBuf, int *pnOutBufLen) {
   ptMessage->nNowLen = 0;
   const int nRet = fucGenerate(f_sOwnFormat, nullptr, ptMessage);
   if (nRet != 0) {
-    CVT_ERR("Msg[%s] generate to buffer err!!", ptMessage->sMsgName);
+    CVT_ERR("Msg[%s] generate to buffer err!!", cvt::NameOf(ptMessage).text());
     return nRet;
   }
   *pnOutBufLen = ptMessage->nNowLen;
@@ -172,18 +173,18 @@ int cvtFreeMessage(InnerMessage *ptMessage) {
     return 0;
   }
   --gnMsgNum;
-  constexpr int kNameSize = static_cast<int>(sizeof ptMessage->sMsgName);
+  const cvt::NameOf name(ptMessage);
   if (ptMessage->ptMsgInfo != nullptr && cvtFreeValue(ptMessage->tValueListInfo.ptValueList) != 0) {
-    CVT_ERR("Msg[%.*s] cvtFreeValue err!!", kNameSize, ptMessage->sMsgName);
+    CVT_ERR("Msg[%s] cvtFreeValue err!!", name.text());
     return -1;
   }
   MemNode *const ptNode = ptMessage->tValueListInfo.ptMemNode;
   if (cvtIsDebug() != 0) {
-    CVT_TRACE("Delete Message[%.*s] Memory Node", kNameSize, ptMessage->sMsgName);
+    CVT_TRACE("Delete Message[%s] Memory Node", name.text());
     cvtMemPrintNode(ptNode);
   }
   if (cvtMemDelNode(ptNode) != 0) {
-    CVT_ERR("Msg[%.*s] free Memory Node err!!", kNameSize, ptMessage->sMsgName);
+    CVT_ERR("Msg[%s] free Memory Node err!!", name.text());
     return -1;
   }
   return 0;

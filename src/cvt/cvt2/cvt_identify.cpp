@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "cvt_guard.h"
+#include "cvt_handle.h"
 #include "cvt_index.h"
 #include "cvt_log.h"
 #include "stt_bind.h"
@@ -200,9 +201,6 @@ int fucGenerate(char *psFormatId, InnerMessage *ptSrcMsg, InnerMessage *ptDstMsg
 
 namespace {
 
-// The name of a converted message may fill its field, without a terminator.
-constexpr int kNameSize = static_cast<int>(sizeof(InnerMessage::sMsgName));
-
 int findDefinition(InnerMessage *ptInMsg, void *ptArgs) {
   ptInMsg->ptMsgInfo = cvtGetMsg(ptInMsg->sMsgName);
   if (ptInMsg->ptMsgInfo != nullptr) return 0;
@@ -259,7 +257,7 @@ int pubGenerate(InnerMessage *, InnerMessage *ptInMsg, void *) {
     return fGen(nullptr, &ptInMsg->tValueListInfo, ptInMsg->ptMsgInfo, ptInMsg->psBuf, &ptInMsg->nNowLen,
                 ptInMsg->nLen);
   });
-  if (nRet != 0) CVT_ERR("Message[%.*s] generate to Buf err!!", kNameSize, ptInMsg->sMsgName);
+  if (nRet != 0) CVT_ERR("Message[%s] generate to Buf err!!", cvt::NameOf(ptInMsg).text());
   return nRet;
 }
 
@@ -329,7 +327,7 @@ int pubConvert(InnerMessage *ptSrtMsg, InnerMessage *ptDstMsg, void *) {
   CVT_NOT_NULL(ptDstMsg, -1);
   Converter *const ptConverter = cvtGetConvert(ptSrtMsg, ptDstMsg);
   if (ptConverter == nullptr) {
-    CVT_ERR("Get convert Msg[%.*s] To Msg[%s] define info err!!", kNameSize, ptSrtMsg->sMsgName,
+    CVT_ERR("Get convert Msg[%s] To Msg[%s] define info err!!", cvt::NameOf(ptSrtMsg).text(),
             ptDstMsg->sMsgFormat);
     return -1;
   }

@@ -155,12 +155,13 @@ void replaceRootPath(HeapString path) {
   const HeapString old(std::exchange(gpsRootPath, path.release()));
 }
 
+std::string f_sRootFile;  // outlives the objects of a host that end the library when they go
+
 // gpsRootFile is interned, so it goes with the pool; callers may still read it afterwards.
 void keepRootFile() {
-  static std::string sKept;
-  if (gpsRootFile == nullptr || gpsRootFile == sKept.data()) return;
-  sKept = gpsRootFile;
-  gpsRootFile = sKept.data();
+  if (gpsRootFile == nullptr || gpsRootFile == f_sRootFile.data()) return;
+  f_sRootFile = gpsRootFile;
+  gpsRootFile = f_sRootFile.data();
 }
 
 int InitRoot(char *psFileName) {
