@@ -297,7 +297,7 @@ FieldPlan compileField(const char *name, const FixField &record, const FixMsg &s
 
 std::string fieldBytes(const FieldPlan &field, const std::string &value, const std::string &path,
                        const void *record) {
-  std::string bytes(field.length * 4 + 16, '\0');
+  std::string bytes(field.chars ? field.length * 4 + 16 : field.length, '\0');
   kit::Output out(bytes.data(), 0, bytes.size());
   try {
     FieldPlan strict = field;

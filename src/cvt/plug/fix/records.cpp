@@ -44,11 +44,12 @@ constexpr kit::Attribute kFieldRows[] = {
              "fills the rest of the field; default: blank, for number 0. 0xNN is the byte itself"),
     KIT_TEXT(FixField, psConst, nullptr, "the only value the field may have"),
     KIT_FLAG(FixField, nTag, 0, "1: the constant, or the list of values, tells which record this is"),
-    KIT_TEXT(FixField, psValues, nullptr, "the values that are allowed, separated by |"),
+    KIT_TEXT(FixField, psValues, nullptr, "the values that are allowed, with a vertical bar between them"),
     KIT_TEXT(FixField, psDefault, nullptr, "written when the value is empty"),
-    KIT_WORD(
-        FixField, nBlank, "psBlank", kNotGiven, kBlanks,
-        "whether the field may be blank; its value is empty then. Default: texts allowed, others refused"),
+    KIT_WORD(FixField, nBlank, "psBlank", kNotGiven, kBlanks,
+             "whether the field may be blank; its value is empty then. Default: allowed for texts without "
+             "psDefault and "
+             "for psValues with an empty one, else refused"),
     KIT_TEXT(FixField, psCharset, nullptr, "default: the message's"),
     KIT_WORD(FixField, nControl, "psControl", kNotGiven, kControls, "default: the message's"),
     KIT_WORD(FixField, nOverflow, "psOverflow", kOverflowError, kOverflows,
