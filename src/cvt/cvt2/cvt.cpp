@@ -10,7 +10,8 @@
 
 int gnMsgNum = 0;
 
-// --- Handles ------------------------------------------------------------------------------------------------------------
+// --- Handles
+// ------------------------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -48,7 +49,9 @@ int autoReload() {
 }
 
 // What "%.*s" may print of a buffer: a negative precision would mean all of it.
-int printable(const char *psBuf, int nLen) { return psBuf == nullptr ? 0 : std::max(nLen, 0); }
+int printable(const char *psBuf, int nLen) {
+  return psBuf == nullptr ? 0 : std::max(nLen, 0);
+}
 
 }  // namespace
 
@@ -190,9 +193,12 @@ int cvtFreeMessage(InnerMessage *ptMessage) {
   return 0;
 }
 
-int cvtConvertMessage(char *, char *, char *, int, char *, char *, int *) { return 0; }
+int cvtConvertMessage(char *, char *, char *, int, char *, char *, int *) {
+  return 0;
+}
 
-// --- Names of fields and loops ----------------------------------------------------------------------------------------
+// --- Names of fields and loops
+// ----------------------------------------------------------------------------------------
 
 namespace {
 
@@ -204,7 +210,8 @@ constexpr int kErrRange = -15;
 
 constexpr int kLoopNameSize = 1024;  // the longest loop name accepted, in bytes
 
-// A name split at its dots: the last part is the field, the one before it the loop; anything before is ignored.
+// A name split at its dots: the last part is the field, the one before it the loop; anything before is
+// ignored.
 struct SplitName {
   char sLoop[kLoopNameSize + 1] = {};
   char *psField = nullptr;  // points into the given name; null: the loop name is too long
@@ -325,7 +332,8 @@ Value *findByPath(InnerMessage *ptMsg, char *psValueName, int *pnError) {
 
 }  // namespace
 
-// --- Fields by name -----------------------------------------------------------------------------------------------------
+// --- Fields by name
+// -----------------------------------------------------------------------------------------------------
 
 Value *cvtGetNameValue(InnerMessage *ptMsg, char *psValueName, int *pnError) {
   CVT_NOT_NULL(ptMsg, nullptr);
@@ -375,7 +383,8 @@ int cvtSetNameValue(InnerMessage *ptMessage, char *psValueName, char *psValue, i
   return 0;
 }
 
-// --- Repetitions --------------------------------------------------------------------------------------------------------
+// --- Repetitions
+// --------------------------------------------------------------------------------------------------------
 
 namespace {
 

@@ -25,7 +25,8 @@ namespace {
 
 constexpr size_t kPathSize = 2048;
 
-// --- Loading files and directories -----------------------------------------------------------------------------
+// --- Loading files and directories
+// -----------------------------------------------------------------------------
 
 struct DirClose {
   void operator()(DIR *pt) const { closedir(pt); }
@@ -97,7 +98,8 @@ int cvtIniParseFileXml(char *psBasePath, char *psDir, char *psFileName, fnptr *I
   }
 }
 
-// --- The root record ----------------------------------------------------------------------------------------------------
+// --- The root record
+// ----------------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -142,7 +144,8 @@ char *cvtGetBasePath() {
   return gptAllInfo == nullptr || gptAllInfo->psBasePath == nullptr ? sNone : gptAllInfo->psBasePath;
 }
 
-// --- Start, restart, reload, end --------------------------------------------------------------------------------------
+// --- Start, restart, reload, end
+// --------------------------------------------------------------------------------------
 
 namespace {
 
@@ -192,8 +195,9 @@ char *cutLast(char *psPath) {
   return psSlash + 1;
 }
 
-// A root file lies in a directory below the configuration root. A name too short to say which is completed from
-// the current directory; links are not followed, since the root is where the file is found, not where it is kept.
+// A root file lies in a directory below the configuration root. A name too short to say which is completed
+// from the current directory; links are not followed, since the root is where the file is found, not where it
+// is kept.
 void completeRootFile() {
   if (std::count(gpsRootPath, gpsRootPath + std::strlen(gpsRootPath), '/') >= 2) return;
   std::error_code error;

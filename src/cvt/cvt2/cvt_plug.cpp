@@ -26,7 +26,9 @@ using Library = std::unique_ptr<void, DlClose>;
 
 // Keeps a plug-in's code in the process after it is closed: the registries may point into it until they are
 // released, which a load that failed leaves to the next start.
-void keepMapped(const char *psFile) { dlopen(psFile, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE); }
+void keepMapped(const char *psFile) {
+  dlopen(psFile, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE);
+}
 
 std::string fileOf(const char *psName, const char *psPath) {
   if (psPath != nullptr) return psPath;
