@@ -70,6 +70,14 @@ void append(std::vector<Start> &all, std::vector<Start> more) {
 
 }  // namespace
 
+std::string memberNames(const LevelPlan &level, size_t position) {
+  std::string names;
+  for (size_t child = position + 1; child < nextOf(level, position); child = nextOf(level, child)) {
+    names += (names.empty() ? "" : ", ") + std::string(level.ops[child].name);
+  }
+  return names;
+}
+
 Extent extentOf(const LevelPlan &level, size_t from, size_t to) {
   Extent sum{0, true};
   for (size_t i = from; i < to; i = nextOf(level, i)) {

@@ -99,10 +99,8 @@ class Generator {
 
   void choice(const LevelPlan &level, size_t i, const List &values) {
     const auto end = static_cast<size_t>(level.ops[i].next);
-    std::string names;
     size_t chosen = end;
     for (size_t child = i + 1; child < end; child = static_cast<size_t>(level.ops[child].next)) {
-      names += (names.empty() ? "" : ", ") + std::string(level.ops[child].name);
       if (!present(level, child, values)) continue;
       if (chosen != end) {
         throw Fault(m_out.offset(), "values in one alternative only",
@@ -110,7 +108,7 @@ class Generator {
       }
       chosen = child;
     }
-    if (chosen == end) throw Fault(m_out.offset(), "values in one of " + names, "none", "");
+    if (chosen == end) throw Fault(m_out.offset(), "values in one of " + memberNames(level, i), "none", "");
     members(level, chosen, static_cast<size_t>(level.ops[chosen].next), values);
   }
 

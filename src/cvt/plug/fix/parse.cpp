@@ -122,15 +122,12 @@ class Parser {
 
   void choice(const LevelPlan &level, size_t i, List &values) {
     const auto end = static_cast<size_t>(level.ops[i].next);
-    std::string names;
     for (size_t child = i + 1; child < end; child = static_cast<size_t>(level.ops[child].next)) {
-      if (starts(level.ops[child].starts)) {
-        members(level, child, static_cast<size_t>(level.ops[child].next), values);
-        return;
-      }
-      names += (names.empty() ? "" : ", ") + std::string(level.ops[child].name);
+      if (!starts(level.ops[child].starts)) continue;
+      members(level, child, static_cast<size_t>(level.ops[child].next), values);
+      return;
     }
-    throw Fault(offset(), "one of " + names, found(20), "");
+    throw Fault(offset(), "one of " + memberNames(level, i), found(20), "");
   }
 
   // --- Records

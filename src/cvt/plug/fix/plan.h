@@ -94,6 +94,9 @@ struct LevelPlan {
   int slots = 0;
 };
 
+// The names of a node's members, for messages.
+std::string memberNames(const LevelPlan &level, size_t position);
+
 struct Plan {
   LevelPlan top;
   bool lastOptional = false;
