@@ -2,61 +2,15 @@
 #include <cstdlib>
 
 #include "convert_fixture.h"
-
-#if defined(__has_feature)
-#define HAS_FEATURE(feature) __has_feature(feature)
-#else
-#define HAS_FEATURE(feature) 0
-#endif
-#if defined(__SANITIZE_ADDRESS__) || HAS_FEATURE(address_sanitizer)
-#define CANNOT_COUNT 1
-#else
-#define CANNOT_COUNT 0
-#endif
-
-#if !CANNOT_COUNT
-// This program's allocation functions stand before the C library's, for libcvt2.so and the C++ library, too.
-namespace {
-long g_nAllocations = 0;
-}
-extern "C" {
-void *__libc_malloc(size_t);
-void *__libc_calloc(size_t, size_t);
-void *__libc_realloc(void *, size_t);
-__attribute__((visibility("default"))) void *malloc(size_t nSize) {
-  ++g_nAllocations;
-  return __libc_malloc(nSize);
-}
-__attribute__((visibility("default"))) void *calloc(size_t nNum, size_t nSize) {
-  ++g_nAllocations;
-  return __libc_calloc(nNum, nSize);
-}
-__attribute__((visibility("default"))) void *realloc(void *p, size_t nSize) {
-  ++g_nAllocations;
-  return __libc_realloc(p, nSize);
-}
-}
-#endif
+#include "heap_count.h"
 
 namespace {
 
 using namespace test::xml;
+using test::allocations;
 using test::cs;
 using test::Level;
 using test::newMessage;
-
-// How often the heap is asked for memory while `work` runs; -1 where that cannot be counted.
-template <class Work>
-long allocations(Work work) {
-#if CANNOT_COUNT
-  work();
-  return -1;
-#else
-  const long nBefore = g_nAllocations;
-  work();
-  return g_nAllocations - nBefore;
-#endif
-}
 
 // The last argument, in bytes of the message.
 int last(Value *ptResult, int nArgs, Value **pptArgs, MemPort ptNode) {
@@ -66,7 +20,7 @@ int last(Value *ptResult, int nArgs, Value **pptArgs, MemPort ptNode) {
 class HeapSilence : public test::ConvertTest {
  protected:
   void SetUp() override {
-    if (CANNOT_COUNT != 0) GTEST_SKIP() << "the sanitizer's allocator stands before the counting one";
+    if (!HEAP_COUNT_WORKS) GTEST_SKIP() << "the sanitizer's allocator stands before the counting one";
     ConvertTest::SetUp();
     cvtConvertAddFunction(cs("last"), last);
     define("In", {field("A"), field("B"), loop("Items", {field("Code"), loop("Parts", {field("Part")})})});
