@@ -9,6 +9,7 @@ floors='
 cvt_def 0
 cvt_log 0
 cvt_guard 0
+cvt_handle 8
 cvt_index 0
 cvt_memory 1
 cvt_string 2

@@ -1,6 +1,9 @@
 // stt.cpp: the registry of file types, the dispatcher chain, whole files, and the field readers and writers.
 #include "stt.h"
 
+#include <pthread.h>
+
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -84,6 +87,25 @@ void releaseChain(FuncList *&ptHead) {
   }
 }
 
+// Whether the thread's stack has less than kStackReserve bytes left. A stack that is not the thread's own says no.
+constexpr std::ptrdiff_t kStackReserve = 256 * 1024;
+
+const char *stackEnd() {
+  pthread_attr_t attributes;
+  void *pEnd = nullptr;
+  size_t nSize = 0;
+  if (pthread_getattr_np(pthread_self(), &attributes) != 0) return nullptr;
+  pthread_attr_getstack(&attributes, &pEnd, &nSize);
+  pthread_attr_destroy(&attributes);
+  return static_cast<const char *>(pEnd);
+}
+
+bool stackIsShort() {
+  static thread_local const char *const psEnd = stackEnd();
+  const std::ptrdiff_t nLeft = static_cast<const char *>(__builtin_frame_address(0)) - psEnd;
+  return psEnd != nullptr && nLeft >= 0 && nLeft < kStackReserve;
+}
+
 // Makes another chain current for as long as it lives.
 class CurrentChain {
  public:
@@ -137,6 +159,15 @@ void place(void *ptXmlNode) {
   if (std::exchange(f_bPlaced, true)) return;
   const XmlPlace at = xmlPlaceOf(ptXmlNode);
   if (*at.psFile != 0) CVT_ERR("File[%s] Line[%ld] Element[%s]", at.psFile, at.nLine, xmlGetNodeName(ptXmlNode));
+}
+
+bool mayDescend(void *ptXmlNode) {
+  if (!stackIsShort()) return true;
+  nGRet = -1;
+  CVT_ERR("Record[%s]: the list or the nesting is too long for the stack: make it shorter",
+          xmlGetNodeName(ptXmlNode));
+  place(ptXmlNode);
+  return false;
 }
 
 }  // namespace cvt::bind
@@ -407,7 +438,8 @@ void *appendRecord(void *ptFather, char *psName, char *psTypeName) {
 }
 
 void *read(void *ptElement, char *psType, void *fFunc) {
-  return ptElement == nullptr ? nullptr : reinterpret_cast<FncParseRecord>(fFunc)(ptElement, psType);
+  if (ptElement == nullptr || !cvt::bind::mayDescend(ptElement)) return nullptr;
+  return reinterpret_cast<FncParseRecord>(fFunc)(ptElement, psType);
 }
 
 void write(void *ptElement, void *ptStruct, char *psName, char *psTypeName, void *fFunc) {

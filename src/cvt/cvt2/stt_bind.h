@@ -41,6 +41,10 @@ void failed(int nLine, const char *psFunction, const char *psStatement, void *pt
 // Logs file, line and element, once for each failure: the innermost element that is known wins.
 void place(void *ptXmlNode);
 
+// Whether a record may be read one level further down. Lists are read by recursion, a level for each record, so a
+// very long one is refused, with nGRet -1 (logged), before the stack ends.
+bool mayDescend(void *ptXmlNode);
+
 // A record pointer of whatever type the statement declares.
 struct AnyRecord {
   void *p;
@@ -87,14 +91,17 @@ inline void *sttParseXmlVoid(void *ptXmlNode, const char *psName) {
   return ::sttParseXmlVoid(ptXmlNode, name(psName));
 }
 template <class T>
+AnyRecord readRecord(void *ptElement, const char *psType, T *(*fFunc)(void *, char *)) {
+  if (ptElement == nullptr || !mayDescend(ptElement)) return {nullptr};
+  return {fFunc(ptElement, name(psType))};
+}
+template <class T>
 AnyRecord sttParseXmlStruct(void *ptXmlNode, const char *psType, const char *psName, T *(*fFunc)(void *, char *)) {
-  void *const ptElement = structElement(ptXmlNode, name(psType), name(psName));
-  return {ptElement == nullptr ? nullptr : fFunc(ptElement, name(psType))};
+  return readRecord(structElement(ptXmlNode, name(psType), name(psName)), psType, fFunc);
 }
 template <class T>
 AnyRecord sttParseXmlNext(void *ptXmlNode, const char *psType, const char *psName, T *(*fFunc)(void *, char *)) {
-  void *const ptElement = nextElement(ptXmlNode, name(psType), name(psName));
-  return {ptElement == nullptr ? nullptr : fFunc(ptElement, name(psType))};
+  return readRecord(nextElement(ptXmlNode, name(psType), name(psName)), psType, fFunc);
 }
 inline void sttGenerateXmlString(void *ptXmlNode, char *psString, const char *psName) {
   ::sttGenerateXmlString(ptXmlNode, psString, name(psName));
