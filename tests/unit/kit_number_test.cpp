@@ -269,7 +269,7 @@ TEST(KitNumber, WhatIsReadIsWrittenWithTheSameBytes) {
     const char *alphabet = spec.form == NumberForm::Text ? "0123456789+- .00  " : nullptr;
     std::string bytes(length, '\0');
     for (char &c : bytes)
-      c = static_cast<char>(alphabet != nullptr ? alphabet[random() % 18] : random() % 256);
+      c = alphabet != nullptr ? alphabet[random() % 18] : static_cast<char>(random() % 256);
     char out[kCanonicalRoom];
     const NumberResult result = readNumber(spec, bytes.data(), length, out);
     if (result.expected != nullptr) {

@@ -24,7 +24,6 @@ void misbehave(Path &path) {
 }
 
 struct Format {
-  static constexpr const char *kName = "misbehaving";
   static constexpr RecordType kType{"Rec", sizeof(RecordHead), {}, "", nullptr};
   static constexpr const RecordType *kRecords[] = {&kType};
   static void compile(Msg &) {

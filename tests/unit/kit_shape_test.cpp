@@ -10,7 +10,7 @@
 #include "log_capture.h"
 
 using namespace cvt::kit;
-using namespace test;
+using namespace test::model;
 
 namespace {
 

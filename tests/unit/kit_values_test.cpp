@@ -104,7 +104,7 @@ TEST(KitValues, RepetitionsAreAppendedAndFound) {
   List list(&slots.list, 2);
   for (int i = 0; i < 3; ++i) {
     List repetition = list.append(1, 2);
-    repetition.put(0, "xyz" + i, 1);
+    repetition.put(0, &"xyz"[i], 1);
   }
   EXPECT_EQ(list.repetitions(1), 3);
   EXPECT_FALSE(list.empty(1));
