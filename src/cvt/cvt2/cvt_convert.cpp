@@ -21,7 +21,7 @@ using StringIndex = cvt::ListIndex<StringList, &StringList::psString>;
 StringIndex f_funcIndex;
 StringIndex f_cvtIndex;
 
-// --- Module state and function registry ----------------------------------------------------------------------
+// --- Module state and function registry ------------------------------------------------------------------
 
 int NewCvtGlobalInfo() {
   if (gptCvtGlobalInfo == nullptr) {
@@ -35,8 +35,8 @@ int NewCvtGlobalInfo() {
 int cvtConvertAddFunction(char *psFuncName, FncConvert fCvtFunction) {
   NewCvtGlobalInfo();
   // The head is replaced even by null: a null name or function forgets every function registered before.
-  gptCvtGlobalInfo->ptFuncList = cvtStrAddStringList(gptCvtGlobalInfo->ptFuncList, psFuncName,
-                                                     reinterpret_cast<void *>(fCvtFunction));
+  gptCvtGlobalInfo->ptFuncList =
+      cvtStrAddStringList(gptCvtGlobalInfo->ptFuncList, psFuncName, reinterpret_cast<void *>(fCvtFunction));
   return 0;
 }
 
@@ -47,7 +47,7 @@ int cvtCvtEnd() {
   return 0;
 }
 
-// --- Names become positions while a file is read ---------------------------------------------------------------
+// --- Names become positions while a file is read ---------------------------------------------------------
 
 namespace {
 
@@ -214,7 +214,7 @@ FncConvert MakeFunction(char *psFuncName, Arg *ptArgs) {
 
 }  // namespace
 
-// --- Bound records --------------------------------------------------------------------------------------------------
+// --- Bound records ---------------------------------------------------------------------------------------
 
 // clang-format off
 #define STT_TABLE_Arg(F) \
@@ -294,7 +294,7 @@ STT_BIND_MODULE(cvt_convert, STT_TYPE(Arg), STT_TYPE(Converter), STT_TYPE(Judge)
                 STT_TYPE(Node), STT_TYPE(CvtArgs), STT_TYPE(MappingList), STT_TYPE(Mapping))
 // clang-format on
 
-// --- Temporary values -----------------------------------------------------------------------------------------------
+// --- Temporary values ------------------------------------------------------------------------------------
 
 namespace {
 
@@ -338,7 +338,7 @@ void PushTempValue(const Value *ptValue) {
   gptCvtGlobalInfo->ptStack = pt;
 }
 
-// --- Arguments --------------------------------------------------------------------------------------------------------
+// --- Arguments -------------------------------------------------------------------------------------------
 
 Value *GetValue(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Arg *ptArgs, MemPort ptMemNode);
 
@@ -373,14 +373,13 @@ Value *DoFunc(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Functi
   ArgArray args(std::max(static_cast<int>(gptCvtGlobalInfo->nMaxArgs), count(ptFunc->ptArgs)));
   int nNum = 0;
   for (Arg *pt = ptFunc->ptArgs; pt != nullptr; pt = pt->ptNext) {
-    args.data()[nNum++] = pt->nType == CVT_TYPE_RAW
-                              ? static_cast<Value *>(pt->pInfo)
-                              : GetValue(ptSrcValueList, ptDstValueList, pt, ptMemNode);
+    args.data()[nNum++] = pt->nType == CVT_TYPE_RAW ? static_cast<Value *>(pt->pInfo)
+                                                    : GetValue(ptSrcValueList, ptDstValueList, pt, ptMemNode);
   }
   const FncConvert fCvtFunc = ptFunc->fCvtFunc;
   CVT_NOT_NULL(ptFunc->fCvtFunc, nullptr);
-  const int nRet = cvt::guarded("Func", ptFunc->psName,
-                                [&] { return fCvtFunc(ptResult, nNum, args.data(), ptMemNode); });
+  const int nRet =
+      cvt::guarded("Func", ptFunc->psName, [&] { return fCvtFunc(ptResult, nNum, args.data(), ptMemNode); });
   PushTempValue(ptResult);
   if (nRet != 0) {
     CVT_ERR("Do Func[%s] err!!", ptFunc->psName);
@@ -444,10 +443,9 @@ bool sameBytes(const Value *a, const Value *b) {
   return std::memcmp(a->psValue, b->psValue, static_cast<size_t>(a->nLen)) == 0;
 }
 
-// --- Rules --------------------------------------------------------------------------------------------------------------
+// --- Rules -----------------------------------------------------------------------------------------------
 
-int StructConvert(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Arg *ptArgs,
-                  MemPort ptMemNode);
+int StructConvert(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Arg *ptArgs, MemPort ptMemNode);
 
 // Pointer and length are copied, the bytes are shared.
 int CvtCopy(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Copy *ptCopy, MemPort ptMemNode) {
@@ -479,9 +477,8 @@ int judge(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Judge *ptJ
 int CvtCase(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Case *ptCase, MemPort ptMemNode) {
   CVT_NOT_NULL(ptCase, -1);
   for (; ptCase != nullptr; ptCase = ptCase->ptNext) {
-    const int nHolds = ptCase->ptJudge == nullptr
-                           ? 1
-                           : judge(ptSrcValueList, ptDstValueList, ptCase->ptJudge, ptMemNode);
+    const int nHolds =
+        ptCase->ptJudge == nullptr ? 1 : judge(ptSrcValueList, ptDstValueList, ptCase->ptJudge, ptMemNode);
     if (nHolds < 0) return -1;
     if (nHolds == 1) return StructConvert(ptSrcValueList, ptDstValueList, ptCase->ptArgs, ptMemNode);
   }
@@ -525,8 +522,8 @@ int CvtLoop(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Loop *pt
                           : bSet   ? cvtGetLoopValueList(ptDstValueList, nDstSlot, i)
                                    : cvtNewLoopValueList(ptDstValueList, nDstSlot, -1);
     if (StructConvert(ptSrc, ptDst, ptLoop->ptArgs, ptMemNode) != 0) {
-      CVT_ERR("Convert Loop[%d/%d] From[%s] to [%s]  convert err!!", i, nCount,
-              CvtGetName(ptLoop->ptSrcArgs), CvtGetName(ptLoop->ptDstArgs));
+      CVT_ERR("Convert Loop[%d/%d] From[%s] to [%s]  convert err!!", i, nCount, CvtGetName(ptLoop->ptSrcArgs),
+              CvtGetName(ptLoop->ptDstArgs));
       return -1;
     }
   }
@@ -614,14 +611,14 @@ int cvtConvert(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Conve
                MemPort ptMemNode) {
   CVT_NOT_NULL(ptConvert, -1);
   if (StructConvert(ptSrcValueList, ptDstValueList, ptConvert->ptArgs, ptMemNode) != 0) {
-    CVT_ERR("Convert [%s] From struct[%s] tp Struct[%s] err!!", ptConvert->psName,
-            ptConvert->psSrcStructName, ptConvert->psDstStructName);
+    CVT_ERR("Convert [%s] From struct[%s] tp Struct[%s] err!!", ptConvert->psName, ptConvert->psSrcStructName,
+            ptConvert->psDstStructName);
     return -1;
   }
   return 0;
 }
 
-// --- Converter registry and the "Convert" section --------------------------------------------------------------
+// --- Converter registry and the "Convert" section --------------------------------------------------------
 
 struct Converter *cvtGetCvt(char *psName) {
   CVT_NOT_NULL(gptCvtGlobalInfo, nullptr);

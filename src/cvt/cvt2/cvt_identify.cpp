@@ -22,7 +22,7 @@ StringList *gptFuncList = nullptr;  // registered steps, newest first
 cvt::ListIndex<StringList, &StringList::psString> f_stepIndex;
 cvt::ListIndex<FormatInfo, &FormatInfo::psFormatId> f_formatIndex;
 
-// --- Step names -----------------------------------------------------------------------------------------------------
+// --- Step names ------------------------------------------------------------------------------------------
 
 struct BuiltInStep {
   const char *psName;
@@ -72,7 +72,7 @@ int cvtIdAddFunction(char *psFuncName, FncIdFunction fCvtFunction) {
   return 0;
 }
 
-// --- Bound records --------------------------------------------------------------------------------------------------
+// --- Bound records ---------------------------------------------------------------------------------------
 
 // clang-format off
 #define STT_TABLE_XmlNameArgs(F) \
@@ -140,7 +140,7 @@ STT_BIND_MODULE(cvt_identify, STT_TYPE(XmlNameArgs), STT_TYPE(IpcNameArgs), STT_
                 STT_TYPE(IdMsgInfo), STT_TYPE(CvtIdArgs))
 // clang-format on
 
-// --- Running a chain ------------------------------------------------------------------------------------------------
+// --- Running a chain -------------------------------------------------------------------------------------
 
 namespace {
 
@@ -197,7 +197,7 @@ int fucGenerate(char *psFormatId, InnerMessage *ptSrcMsg, InnerMessage *ptDstMsg
   return run(psFormatId, &FormatInfo::ptGenFunc, ptSrcMsg, ptDstMsg);
 }
 
-// --- Standard steps ---------------------------------------------------------------------------------------------------
+// --- Standard steps --------------------------------------------------------------------------------------
 
 namespace {
 
@@ -209,8 +209,8 @@ int findDefinition(InnerMessage *ptInMsg, void *ptArgs) {
     const auto *const ptIdFunc = static_cast<IdFunc *>(ptArgs);
     const FncIdFunction fIdFunction = ptIdFunc->fIdFunction;
     CVT_NOT_NULL(ptIdFunc->fIdFunction, -1);
-    nRet = cvt::guarded("Step", ptIdFunc->psFunctName,
-                        [&] { return fIdFunction(ptInMsg, nullptr, nullptr); });
+    nRet =
+        cvt::guarded("Step", ptIdFunc->psFunctName, [&] { return fIdFunction(ptInMsg, nullptr, nullptr); });
   }
   if (nRet != 0) {
     CVT_ERR("Msg [%s] get define info err!!", ptInMsg->sMsgName);
@@ -261,7 +261,7 @@ int pubGenerate(InnerMessage *, InnerMessage *ptInMsg, void *) {
   return nRet;
 }
 
-// --- Choice of a converter, and the conversion step -------------------------------------------------------------
+// --- Choice of a converter, and the conversion step ------------------------------------------------------
 
 namespace {
 
@@ -314,10 +314,9 @@ Converter *cvtGetConvert(InnerMessage *ptInSrcMsg, InnerMessage *ptInDstMsg) {
   CVT_NOT_NULL(ptInSrcMsg->ptMsgInfo, nullptr);
   const void *const pIdInfo = ptInSrcMsg->ptMsgInfo->pIdInfo;
   const auto known = f_choices.find(pIdInfo);
-  Converter *const pt =
-      known != f_choices.end()
-          ? choose(known->second, ptInDstMsg->sMsgFormat)
-          : choose(static_cast<const IdCvtInfo *>(pIdInfo), ptInDstMsg->sMsgFormat);
+  Converter *const pt = known != f_choices.end()
+                            ? choose(known->second, ptInDstMsg->sMsgFormat)
+                            : choose(static_cast<const IdCvtInfo *>(pIdInfo), ptInDstMsg->sMsgFormat);
   if (pt == nullptr) CVT_ERR("Message Convert Format id [%s] not fond!!", ptInDstMsg->sMsgFormat);
   return pt;
 }
@@ -356,7 +355,7 @@ int pubConvert(InnerMessage *ptSrtMsg, InnerMessage *ptDstMsg, void *) {
   return 0;
 }
 
-// --- The "Id" section -------------------------------------------------------------------------------------------------
+// --- The "Id" section ------------------------------------------------------------------------------------
 
 namespace {
 
