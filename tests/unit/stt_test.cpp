@@ -19,20 +19,23 @@ namespace {
 bool f_bNoMemory = false;
 }
 
-void *operator new(std::size_t nSize, const std::nothrow_t &) noexcept {
+// Not inlined: the compiler would take free in place of delete for a mistake.
+#define OUT_OF_LINE __attribute__((noinline))
+
+OUT_OF_LINE void *operator new(std::size_t nSize, const std::nothrow_t &) noexcept {
   return f_bNoMemory ? nullptr : std::malloc(nSize);
 }
-void *operator new(std::size_t nSize) {
+OUT_OF_LINE void *operator new(std::size_t nSize) {
   if (void *const p = std::malloc(nSize)) return p;
   throw std::bad_alloc();
 }
-void operator delete(void *p) noexcept {
+OUT_OF_LINE void operator delete(void *p) noexcept {
   std::free(p);
 }
-void operator delete(void *p, std::size_t) noexcept {
+OUT_OF_LINE void operator delete(void *p, std::size_t) noexcept {
   std::free(p);
 }
-void operator delete(void *p, const std::nothrow_t &) noexcept {
+OUT_OF_LINE void operator delete(void *p, const std::nothrow_t &) noexcept {
   std::free(p);
 }
 
