@@ -167,6 +167,16 @@ TEST(KitNumber, LenientPackedReadsTheOtherSigns) {
   EXPECT_EQ(read(spec, hex("123D")), "!1");
 }
 
+TEST(KitNumber, LenientZonedReadsUnsignedDigitsAsPlus) {
+  NumberSpec spec = make(NumberForm::ZonedEbcdic, NumberSign::Trailing);
+  spec.lenient = true;
+  EXPECT_EQ(read(spec, hex("F1F2F3")), "123");
+  EXPECT_EQ(read(spec, hex("F1F2B3")), "-123");
+  spec.form = NumberForm::ZonedTranslated;
+  EXPECT_EQ(read(spec, "123"), "123");
+  EXPECT_EQ(read(spec, "12}"), "-120");
+}
+
 TEST(KitNumber, BcdHasTwoDigitsAByte) {
   expectBoth(make(NumberForm::Bcd, NumberSign::None), hex("00000011"), "11");
   expectBoth(make(NumberForm::Bcd, NumberSign::None), hex("0123"), "123");

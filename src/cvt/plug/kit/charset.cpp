@@ -89,6 +89,22 @@ struct Charset::Table {
   std::vector<std::pair<uint32_t, unsigned char>> encodeHigh;  // sorted by code
   size_t longest = 1;
 
+  Table() { std::fill(std::begin(encodeLow), std::end(encodeLow), static_cast<short>(-1)); }
+
+  // The first byte of a character is the one it is written with.
+  void add(unsigned char byte, const char *code) {
+    uint32_t value;
+    std::memcpy(&value, code, sizeof value);
+    Entry &entry = decode[byte];
+    entry.length = static_cast<unsigned char>(putUtf8(value, entry.bytes));
+    longest = std::max<size_t>(longest, entry.length);
+    if (value >= 256) {
+      encodeHigh.emplace_back(value, byte);
+    } else if (encodeLow[value] < 0) {
+      encodeLow[value] = byte;
+    }
+  }
+
   int byteOf(uint32_t code) const {
     if (code < 256) return encodeLow[code];
     const auto it = std::lower_bound(encodeHigh.begin(), encodeHigh.end(),
@@ -144,7 +160,6 @@ bool Charset::open() {
 
 void Charset::classify() {
   auto table = std::make_unique<Table>();
-  std::fill(std::begin(table->encodeLow), std::end(table->encodeLow), static_cast<short>(-1));
   bool oneByte = true;
   m_ascii = true;
   for (unsigned i = 0; i < 256; ++i) {
@@ -153,21 +168,14 @@ void Charset::classify() {
     const Converted closed = m_toCodes->run(&byte, 1, code, sizeof code);
     const bool same = closed.damage == Damage::None && closed.written == kCodeSize && code[0] == byte;
     if (i < 0x80 && !same) m_ascii = false;
+    // A set that keeps a byte back, for a character or an accent that may follow, is none of one byte a
+    // character.
     const Converted open = m_toCodes->run(&byte, 1, code, sizeof code, false);
     if (open.damage == Damage::Invalid) continue;
-    if (open.damage != Damage::None || open.written != kCodeSize) {
+    if (open.damage == Damage::None && open.written == kCodeSize) {
+      table->add(static_cast<unsigned char>(i), code);
+    } else {
       oneByte = false;
-      continue;
-    }
-    uint32_t value;
-    std::memcpy(&value, code, sizeof value);
-    Table::Entry &entry = table->decode[i];
-    entry.length = static_cast<unsigned char>(putUtf8(value, entry.bytes));
-    table->longest = std::max<size_t>(table->longest, entry.length);
-    if (value >= 256) {
-      table->encodeHigh.emplace_back(value, static_cast<unsigned char>(i));
-    } else if (table->encodeLow[value] < 0) {
-      table->encodeLow[value] = static_cast<short>(i);
     }
   }
   if (!oneByte) return;
