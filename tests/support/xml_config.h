@@ -78,8 +78,8 @@ class XmlConfig : public ConfigTree {
   XmlConfig &message(const std::string &sName, const std::string &sAttributes,
                      const std::vector<XmlNode> &nodes) {
     file("msg/" + sName + ".xml", "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<xml><Msg psMsgName=\"" +
-                                      sName + "\">" + test::xmldoc::chain(nodes, "ptHead") +
-                                      "<XmlMsg __ID=\"pInfo\" " + sAttributes + "/></Msg></xml>");
+                                      sName + "\"><XmlMsg __ID=\"pInfo\" " + sAttributes + "/>" +
+                                      test::xmldoc::chain(nodes, "ptHead") + "</Msg></xml>");
     return *this;
   }
 

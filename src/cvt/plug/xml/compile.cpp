@@ -237,7 +237,9 @@ void Compiler::children(Element &parent, const Body &body, size_t from, size_t t
   for (size_t at = from; at < to; at = static_cast<size_t>(body.level.nodes[at].next)) {
     const Node &node = body.level.nodes[at];
     if (node.counted || node.structRecord != nullptr) {
-      throw Misconfigured(kit::nodePath(scope.path, node), node.record, "a field, a group or a loop",
+      const void *nearest = node.structRecord != nullptr ? node.structRecord : node.record;
+      if (nearest == nullptr) nearest = &m_document;
+      throw Misconfigured(kit::nodePath(scope.path, node), nearest, "a field, a group or a loop",
                           node.counted ? "a counted node" : "a record in StructAttr",
                           "Write the XmlField or XmlGroup into FormatAttr, the LoopType of a loop into "
                           "StructAttr nType=\"1\"");
