@@ -6,6 +6,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <thread>
 
@@ -368,10 +369,13 @@ TEST_F(Postgres, RowsThatWereFetchedBeforeTheServerWentAreDelivered) {
 // --- The server of the tests itself
 
 TEST_F(Postgres, DiesWithATestThatDies) {
+  const test::ConfigTree tree;  // takes away what the child leaves
+  std::filesystem::permissions(tree.path(), std::filesystem::perms(0755));
   int pipes[2];
   ASSERT_EQ(pipe(pipes), 0);
   const pid_t child = fork();
   if (child == 0) {
+    setenv("TMPDIR", tree.path().c_str(), 1);
     const test::PostgresServer doomed;
     const pid_t pid = doomed.pid();
     if (write(pipes[1], &pid, sizeof pid) == sizeof pid) pause();

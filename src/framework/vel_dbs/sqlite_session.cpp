@@ -75,9 +75,9 @@ void Database::harden() {
   constexpr Setting kSettings[] = {
       {SQLITE_DBCONFIG_DEFENSIVE, 1},              // no damage to the file by SQL
       {SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0},         // no side effects from a schema
-      {SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 0},  // no foreign code
-      {SQLITE_DBCONFIG_ENABLE_FTS3_TOKENIZER, 0},
-      {SQLITE_DBCONFIG_DQS_DML, 0},  // "x" is a name, never a text, as on every server
+      {SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 0},  // no foreign code: SQLite's default, but not every build's
+      {SQLITE_DBCONFIG_ENABLE_FTS3_TOKENIZER, 0},  // no addresses of functions
+      {SQLITE_DBCONFIG_DQS_DML, 0},                // "x" is a name, never a text, as on every server
       {SQLITE_DBCONFIG_DQS_DDL, 0},
       {SQLITE_DBCONFIG_ENABLE_FKEY, 1},  // foreign keys hold, as on every server
   };
