@@ -6,7 +6,7 @@
 #include <cstring>
 #include <type_traits>
 
-#include "cvt.h"
+#include "cvt_itf.h"
 
 #define AT(record, field, offset) static_assert(offsetof(record, field) == (offset))
 
@@ -307,6 +307,23 @@ AT(Plug, ptNext, 32);
 POOL_RECORD(PlugInfo, 16);
 AT(PlugInfo, psBasePlugPath, 0);
 AT(PlugInfo, ptPlugs, 8);
+
+// --- cvt_itf.h ---
+
+ALIGNED_RECORD(cvtInterface, 104);
+AT(cvtInterface, FncCvtInit, 0);
+AT(cvtInterface, FncCvtEnd, 8);
+AT(cvtInterface, FncCvtInitMessasge, 16);
+AT(cvtInterface, FncCvtGenerateMessasge, 24);
+AT(cvtInterface, FncCvtParseMessasge, 32);
+AT(cvtInterface, FncCvtGetNameValue, 40);
+AT(cvtInterface, FncCvtSetNameValue, 48);
+AT(cvtInterface, FncCvtNewMessage, 56);
+AT(cvtInterface, FncCvtGenMessage, 64);
+AT(cvtInterface, FncCvtFreeMessage, 72);
+AT(cvtInterface, FncCvtSetLoopTime, 80);
+AT(cvtInterface, FncCvtGetLoopTime, 88);
+AT(cvtInterface, FncCvtAddLoopTime, 96);
 
 namespace {
 
