@@ -17,7 +17,13 @@
 
 namespace test {
 inline long g_nAllocations = 0;
+inline size_t g_nLargest = 0;  // bytes asked for at once
+
+inline void countAllocation(size_t nSize) {
+  ++g_nAllocations;
+  if (nSize > g_nLargest) g_nLargest = nSize;
 }
+}  // namespace test
 
 #if HEAP_COUNT_WORKS
 extern "C" {
@@ -25,15 +31,15 @@ void *__libc_malloc(size_t);
 void *__libc_calloc(size_t, size_t);
 void *__libc_realloc(void *, size_t);
 __attribute__((visibility("default"))) void *malloc(size_t nSize) {
-  ++test::g_nAllocations;
+  test::countAllocation(nSize);
   return __libc_malloc(nSize);
 }
 __attribute__((visibility("default"))) void *calloc(size_t nNum, size_t nSize) {
-  ++test::g_nAllocations;
+  test::countAllocation(nNum * nSize);
   return __libc_calloc(nNum, nSize);
 }
 __attribute__((visibility("default"))) void *realloc(void *p, size_t nSize) {
-  ++test::g_nAllocations;
+  test::countAllocation(nSize);
   return __libc_realloc(p, nSize);
 }
 }
@@ -47,6 +53,14 @@ long allocations(Work work) {
   const long nBefore = g_nAllocations;
   work();
   return g_nAllocations - nBefore;
+}
+
+// Bytes of the largest allocation while `work` runs. REQUIRES: HEAP_COUNT_WORKS.
+template <class Work>
+size_t largestAllocation(Work work) {
+  g_nLargest = 0;
+  work();
+  return g_nLargest;
 }
 
 }  // namespace test

@@ -280,15 +280,6 @@ TEST_F(RuleList, SourceListIsNotComparedWithTheConvertersSource) {
   EXPECT_EQ(to.get("X"), "second");
 }
 
-TEST_F(RuleList, SqlRuleFailsAndSaysSo) {
-  EXPECT_EQ(runOnly({{9, "<Sql __ID='pInfo'>" + args("ptSqlList", {value("delete from t")}) + "</Sql>"}}),
-            -1);
-  EXPECT_EQ(
-      test::logTexts(1),
-      trail({"Sql rules are not available: take the rule of code 9 out of the converter", "CvtSql Err!!"},
-            1));
-}
-
 struct RuleCode {
   int nType;
   const char *psRecord;
@@ -306,8 +297,9 @@ INSTANTIATE_TEST_SUITE_P(Rules, RuleWithoutRecord,
                          testing::Values(RuleCode{6, "ptCopy", "CvtCopy Err!!"},
                                          RuleCode{7, "ptCase", "CvtCase Err!!"},
                                          RuleCode{8, "ptLoop", "CVT_TYPE_LOOP Err!!"},
+                                         RuleCode{9, "ptLoop", "CvtSql Err!!"},
                                          RuleCode{11, "ptMapping", "CvtMapping err!!"}),
-                         [](const auto &p) { return std::string(p.param.psRecord); });
+                         [](const auto &p) { return "OfCode" + std::to_string(p.param.nType); });
 
 // --- Copy ------------------------------------------------------------------------------------------------
 

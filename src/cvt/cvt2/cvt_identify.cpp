@@ -2,6 +2,7 @@
 #include "cvt_identify.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 #include <string_view>
 #include <unordered_map>
@@ -24,6 +25,12 @@ cvt::ListIndex<FormatInfo, &FormatInfo::psFormatId> f_formatIndex;
 
 // --- Step names ------------------------------------------------------------------------------------------
 
+int GetIpcName(InnerMessage *ptSrcMsg, InnerMessage *ptNULL, void *ptArgs);
+int GetXmlNode(InnerMessage *ptSrcMsg, InnerMessage *ptNULL, void *ptArgs);
+int SetMsgNameToBuf(InnerMessage *ptSrcMsg, InnerMessage *ptDstMsg, void *ptArgs);
+int SetBufToBuf(InnerMessage *ptSrcMsg, InnerMessage *ptDstMsg, void *ptArgs);
+int SetToOffset(InnerMessage *ptSrcMsg, InnerMessage *ptDstMsg, void *ptArgs);
+
 struct BuiltInStep {
   const char *psName;
   FncIdFunction fStep;
@@ -34,6 +41,11 @@ constexpr BuiltInStep kBuiltInSteps[] = {
     {"pubNew", pubNew},
     {"pubGenerate", pubGenerate},
     {"pubConvert", pubConvert},
+    {"GetIpcName", GetIpcName},
+    {"GetXmlNode", GetXmlNode},
+    {"SetMsgNameToBuf", SetMsgNameToBuf},
+    {"SetBufToBuf", SetBufToBuf},
+    {"SetToOffset", SetToOffset},
 };
 
 // Built-in steps go first: a registered step cannot replace one.
@@ -354,6 +366,119 @@ int pubConvert(InnerMessage *ptSrtMsg, InnerMessage *ptDstMsg, void *) {
   }
   return 0;
 }
+
+// --- Buffer steps: the name out of the buffer, and pieces of buffers --------------------------------------
+//
+// Offsets and lengths are the configuration's word: nothing compares them with the buffers.
+
+namespace {
+
+// Bytes of a name that the naming steps write, with the terminator; the field itself has one more.
+constexpr size_t kNameSize = 60;
+
+// The record itself gets the empty texts, once.
+template <class Args>
+Args *withTexts(void *ptArgs) {
+  static char f_sEmpty[] = "";
+  auto *const pt = static_cast<Args *>(ptArgs);
+  if (pt->psFront == nullptr) pt->psFront = f_sEmpty;
+  if (pt->psBack == nullptr) pt->psBack = f_sEmpty;
+  return pt;
+}
+
+// The name is a slice of the buffer, counted from the current position; a zero byte ends it early.
+int GetIpcName(InnerMessage *ptSrcMsg, InnerMessage *, void *ptArgs) {
+  CVT_NOT_NULL(ptSrcMsg, -1);
+  CVT_NOT_NULL(ptArgs, -1);
+  const auto *const pt = withTexts<IpcNameArgs>(ptArgs);
+  std::snprintf(ptSrcMsg->sMsgName, kNameSize, "%s%.*s%s", pt->psFront, pt->nLen,
+                ptSrcMsg->psBuf + ptSrcMsg->nNowLen + pt->nOffset, pt->psBack);
+  CVT_TRACE("Message Name[%s]", ptSrcMsg->sMsgName);
+  return 0;
+}
+
+// The name is what stands between the first ">" behind a text and the next "<". Nothing is parsed: the first
+// occurrence of the text counts, wherever it stands. The buffer must end with a zero byte.
+int GetXmlNode(InnerMessage *ptSrcMsg, InnerMessage *, void *ptArgs) {
+  CVT_NOT_NULL(ptSrcMsg, -1);
+  CVT_NOT_NULL(ptArgs, -1);
+  const auto *const ptXmlNameArgs = withTexts<XmlNameArgs>(ptArgs);
+  CVT_NOT_NULL(ptXmlNameArgs->psNodeName, -1);
+  const char *const psFound = std::strstr(ptSrcMsg->psBuf + ptSrcMsg->nNowLen, ptXmlNameArgs->psNodeName);
+  const char *const psOpen = psFound == nullptr ? nullptr : std::strchr(psFound, '>');
+  const char *const psEnd = psOpen == nullptr ? nullptr : std::strchr(psOpen, '<');
+  if (psEnd == nullptr) {
+    CVT_ERR("Xml have no Node[%s], err!!", ptXmlNameArgs->psNodeName);
+    return -1;
+  }
+  std::snprintf(ptSrcMsg->sMsgName, kNameSize, "%s%.*s%s", ptXmlNameArgs->psFront,
+                static_cast<int>(psEnd - psOpen - 1), psOpen + 1, ptXmlNameArgs->psBack);
+  CVT_TRACE("Message Name[%s]", ptSrcMsg->sMsgName);
+  return 0;
+}
+
+// Writes a slice of the source's name. The position moves by the whole text, also where the capacity cut it.
+int SetMsgNameToBuf(InnerMessage *ptSrcMsg, InnerMessage *ptDstMsg, void *ptArgs) {
+  CVT_NOT_NULL(ptSrcMsg, -1);
+  CVT_NOT_NULL(ptDstMsg, -1);
+  CVT_NOT_NULL(ptArgs, -1);
+  const auto *const pt = withTexts<IpcNameArgs>(ptArgs);
+  const cvt::NameOf name(ptSrcMsg);
+  const int nRoom = std::max(ptDstMsg->nLen - ptDstMsg->nNowLen, 0);
+  ptDstMsg->nNowLen +=
+      std::snprintf(nRoom > 0 ? ptDstMsg->psBuf + ptDstMsg->nNowLen : nullptr, static_cast<size_t>(nRoom),
+                    "%s%.*s%s", pt->psFront, pt->nLen, name.text() + pt->nOffset, pt->psBack);
+  return 0;
+}
+
+// Writes to psTo and returns how many bytes these were.
+int put(char *psTo, const char *psFrom, int nLen) {
+  if (nLen > 0) std::memmove(psTo, psFrom, static_cast<size_t>(nLen));
+  return nLen;
+}
+
+// Front text, slice and back text are all written at the same position, each over the start of the one
+// before, while their lengths add up. Configurations leave the texts out, or use this to patch a slice.
+int SetBufToBuf(InnerMessage *ptSrcMsg, InnerMessage *ptDstMsg, void *ptArgs) {
+  CVT_NOT_NULL(ptDstMsg, -1);
+  CVT_NOT_NULL(ptArgs, -1);
+  const auto *const pt = withTexts<MoveBufferArgs>(ptArgs);
+  char *const psTo = ptDstMsg->psBuf + pt->nDstOffset;
+  int nCount = put(psTo, pt->psFront, static_cast<int>(std::strlen(pt->psFront)));
+  if (pt->nSrcLen != 0) {
+    CVT_NOT_NULL(ptSrcMsg, -1);
+    nCount += put(psTo, ptSrcMsg->psBuf + pt->nSrcOffset, pt->nSrcLen);
+  }
+  nCount += put(psTo, pt->psBack, static_cast<int>(std::strlen(pt->psBack)));
+  if (pt->nDstAddFlag == 0) ptDstMsg->nNowLen += nCount;
+  // The lengths may add up to more than was written, and than there is.
+  const int nRoom = std::max(ptDstMsg->nLen - pt->nDstOffset, 0);
+  CVT_TRACE("Add To Dst Message[%.*s]", std::clamp(nCount, 0, nRoom), psTo);
+  return 0;
+}
+
+void move(int *pnNowLen, const SetOffsetArgs *ptArgs) {
+  *pnNowLen = ptArgs->nSetType != 0 ? *pnNowLen + ptArgs->nOffset : ptArgs->nOffset;
+}
+
+// What it did is logged at the level of errors: operators follow positions in the log of a running system.
+int SetToOffset(InnerMessage *ptSrcMsg, InnerMessage *ptDstMsg, void *ptArgs) {
+  CVT_NOT_NULL(ptArgs, -1);
+  const auto *const pt = static_cast<const SetOffsetArgs *>(ptArgs);
+  if (pt->caMsgType == 's' || pt->caMsgType == 'S') {
+    CVT_NOT_NULL(ptSrcMsg, -1);
+    move(&ptSrcMsg->nNowLen, pt);
+    CVT_ERR("Set Src Message Offset to [%d]", ptSrcMsg->nNowLen);
+  }
+  if (pt->caMsgType == 'd' || pt->caMsgType == 'D') {
+    CVT_NOT_NULL(ptDstMsg, -1);
+    move(&ptDstMsg->nNowLen, pt);
+    CVT_ERR("Set Dst Message Offset to [%d]", ptDstMsg->nNowLen);
+  }
+  return 0;
+}
+
+}  // namespace
 
 // --- The "Id" section ------------------------------------------------------------------------------------
 
