@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -510,16 +511,32 @@ TEST_F(CleanUp, UseAndReleaseMayAlternate) {
   }
 }
 
-TEST_F(CleanUp, ExhaustedBlocksAreLeftAlone) {
+TEST_F(CleanUp, ExhaustedBlocksAreNotFreed) {
   char *const ps1 = global(2000);
   char *const ps2 = global(3000);
   std::strcpy(ps1, "one");
   std::strcpy(ps2, "two");
   cvtMemCleanUp();
-  cvtMemMalloc(2000);
+  cvtMemMalloc(1999);
   cvtMemCleanUp();
   EXPECT_STREQ(ps1, "one");
   EXPECT_STREQ(ps2, "two");
+}
+
+TEST_F(CleanUp, ExhaustedBlocksServeTheNextGlobalNode) {
+  char *const ps1 = global(2000);
+  char *const ps2 = global(3000);
+  char *const ps3 = global(2000);
+  char *const ps4 = global(1024);
+  std::strcpy(ps1, "one");
+  cvtMemCleanUp();
+  const std::set<char *> two = {global(2000), global(2000)};
+  EXPECT_EQ(two, (std::set<char *>{ps1, ps3}));
+  EXPECT_TRUE(isZero(ps1, 2000));
+  EXPECT_EQ(global(3000), ps2);
+  EXPECT_EQ(global(1024), ps4);  // the node's own first block
+  EXPECT_EQ(sizes(gptGlobalNode->ptNowBlock),
+            (std::vector<Size>{{1024, 1024}, {2000, 2000}, {2000, 2000}, {3000, 3000}}));
 }
 
 // A recursive release of these chains would overrun this stack many times.

@@ -84,7 +84,8 @@ class RunIndex {
 
 RunIndex f_room;                 // beside the global node's ptHeadBlock
 RunIndex f_exhausted;            // beside its ptNowBlock
-MemBlock *f_ptParked = nullptr;  // exhausted blocks that clean-ups have left: not freed, but not lost either
+MemBlock *f_ptParked = nullptr;  // exhausted blocks that clean-ups have left: the next global node takes them
+RunIndex f_parked;               // beside f_ptParked
 bool f_bReleased = false;        // cvtMemCleanUp has run: the globals keep values that nothing may follow
 
 // Callers use what the pool gives them unchecked, so there is nobody to report to.
@@ -127,11 +128,22 @@ MemBlock *NewMemBlock(int nMaxSize) {
   return ptBlock;
 }
 
-MemNode *NewMemNode(int nId, int nMaxSize) {
+// A block of the global node: one that a clean-up has left when it has that size, so that a process which
+// ends and starts the library again and again does not grow.
+MemBlock *NewGlobalBlock(int nMaxSize) {
+  const auto [ptFront, ptFit] = f_parked.fit(nMaxSize);
+  if (ptFit == nullptr || ptFit->nMaxSize != nMaxSize) return NewMemBlock(nMaxSize);
+  f_parked.leave(ptFit);
+  (ptFront == nullptr ? f_ptParked : ptFront->ptNext) = ptFit->ptNext;
+  ptFit->ptNext = nullptr;
+  return ptFit;
+}
+
+MemNode *NewMemNode(int nId, MemBlock *ptBlock) {
   MemNode *const ptNode = Zeroed<MemNode>();
   ptNode->nId = nId;
   ptNode->cUsed = kFree;
-  ptNode->ptHeadBlock = NewMemBlock(nMaxSize);
+  ptNode->ptHeadBlock = ptBlock;
   ptNode->ptNowBlock = ptNode->ptHeadBlock;
   return ptNode;
 }
@@ -148,7 +160,7 @@ void StartAfresh() {
 MemRoot *NowRoot() {
   StartAfresh();
   if (gptMemRoot == nullptr) {
-    MemNode *const ptNode = NewMemNode(1, kBlockSize);
+    MemNode *const ptNode = NewMemNode(1, NewMemBlock(kBlockSize));
     gptMemRoot = Zeroed<MemRoot>();
     gptMemRoot->ptMemNodeList = ptNode;
     gptMemRoot->nMinFreeNodeId = ptNode->nId;
@@ -160,7 +172,7 @@ MemRoot *NowRoot() {
 
 MemNode *AddLastNode() {
   MemRoot *const ptRoot = NowRoot();
-  MemNode *const ptNode = NewMemNode(ptRoot->ptLastNode->nId + 1, kBlockSize);
+  MemNode *const ptNode = NewMemNode(ptRoot->ptLastNode->nId + 1, NewMemBlock(kBlockSize));
   ptRoot->ptLastNode->ptNext = ptNode;
   ptRoot->ptLastNode = ptNode;
   return ptNode;
@@ -170,7 +182,7 @@ MemNode *AddLastNode() {
 MemNode *NowGlobalNode() {
   StartAfresh();
   if (gptGlobalNode == nullptr) {
-    gptGlobalNode = NewMemNode(0, kBlockSize);
+    gptGlobalNode = NewMemNode(0, NewGlobalBlock(kBlockSize));
     gptGlobalNode->ptNowBlock = nullptr;
     f_room.enter(gptGlobalNode->ptHeadBlock, nullptr);
   }
@@ -267,7 +279,7 @@ void *GetMemoryGreedy(MemNode *ptNode, int nSize) {
   nSize = TakenSize(nSize);
   const auto [ptFront, ptFit] = f_room.fit(nSize);
   if (ptFit == nullptr) {
-    MemBlock *const ptBlock = NewMemBlock(std::max(nSize, kBlockSize));
+    MemBlock *const ptBlock = NewGlobalBlock(std::max(nSize, kBlockSize));
     void *const pt = Take(ptBlock, nSize);
     AddQueue(ptNode, ptBlock);
     return pt;
@@ -320,8 +332,7 @@ void MemRootCleanUp(MemRoot *ptRoot) {
 void Park(MemBlock *ptBlock) {
   while (ptBlock != nullptr) {
     MemBlock *const ptNext = ptBlock->ptNext;
-    ptBlock->ptNext = f_ptParked;
-    f_ptParked = ptBlock;
+    f_parked.insert(f_ptParked, ptBlock);
     ptBlock = ptNext;
   }
 }
@@ -386,7 +397,11 @@ int cvtMemCleanUp(void) {
   if (f_bReleased) return 0;
   if (gptMemRoot != nullptr) MemRootCleanUp(gptMemRoot);
   if (gptGlobalNode != nullptr) {
-    Park(gptGlobalNode->ptNowBlock);
+    try {
+      Park(gptGlobalNode->ptNowBlock);
+    } catch (const std::bad_alloc &) {
+      HeapExhausted(sizeof(MemBlock));
+    }
     MemNodeCleanUp(gptGlobalNode);
   }
   f_room.clear();

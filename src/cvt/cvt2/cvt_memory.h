@@ -68,8 +68,8 @@ MemNode *cvtMemNewNode(void);
  * Returns 0, or -1 when ptNode is null (logged). */
 int cvtMemDelNode(MemNode *ptNode);
 
-/* Returns every node and block to the heap, except blocks parked on the global node's exhausted list.
- * The globals keep their values; the next pool call starts afresh. Returns 0. */
+/* Returns every node and block to the heap, except blocks parked on the global node's exhausted list, which
+ * the next global node takes. The globals keep their values; the next pool call starts afresh. Returns 0. */
 int cvtMemCleanUp(void);
 
 /* Logs "Node[%d]:[%d] -- Used[%d]" at level 5: id, capacity and used bytes. ptNode must not be null.
