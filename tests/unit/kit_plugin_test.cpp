@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <stdexcept>
 
 #include "log_capture.h"
@@ -120,6 +121,26 @@ TEST(KitPlugin, DefinitionThatMakesNoSenseIsToldInOneLine) {
   EXPECT_EQ(test::logTexts(), std::vector<std::string>{"Msg[M] Node[A]: expected x, found y."});
   EXPECT_EQ(FncParse(msg.fParse), nullptr);
   EXPECT_EQ(Entry<Format>::init(nullptr), -1);
+}
+
+// A load that failed leaves its definitions registered, and the next one does not compile them again.
+TEST(KitPlugin, AttachmentsStayAsLongAsDefinitionsAreLeft) {
+  auto alive = std::make_shared<int>(0);
+  Attachments<std::shared_ptr<int>> attachments;
+  attachments.add(std::make_unique<std::shared_ptr<int>>(alive));
+  StringList definition{};
+  CvtFmtGlobalInfo registry{};
+  registry.ptMsgList = &definition;
+  gptFmtGlobalInfo = &registry;
+  attachments.clearUnlessLeft();
+  EXPECT_EQ(alive.use_count(), 2);
+  registry.ptMsgList = nullptr;
+  attachments.clearUnlessLeft();
+  EXPECT_EQ(alive.use_count(), 1);
+  attachments.add(std::make_unique<std::shared_ptr<int>>(alive));
+  gptFmtGlobalInfo = nullptr;
+  attachments.clearUnlessLeft();
+  EXPECT_EQ(alive.use_count(), 1);
 }
 
 TEST(KitPlugin, UnknownRecordTypesAreLeftToOthers) {

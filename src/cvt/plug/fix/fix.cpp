@@ -40,6 +40,6 @@ struct FixFormat {
 }  // namespace cvt::fix
 
 extern "C" KIT_EXPORT int fixInit(void *ptXmlNode) {
-  cvt::fix::f_plans.clear();
+  cvt::fix::f_plans.clearUnlessLeft();
   return cvt::kit::registerFormat<cvt::fix::FixFormat>(ptXmlNode);
 }

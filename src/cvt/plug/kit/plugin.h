@@ -50,7 +50,7 @@ struct GenerateCall {
 };
 
 // Objects that belong to definitions: made while a definition is compiled, pointed to by its record, gone
-// when the plug-in is initialised again or unloaded.
+// when the plug-in is unloaded, or initialised again after its definitions have gone.
 template <class T>
 class Attachments {
  public:
@@ -58,7 +58,10 @@ class Attachments {
     m_objects.push_back(std::move(object));
     return m_objects.back().get();
   }
-  void clear() { m_objects.clear(); }
+  // For the initialiser. A load that failed leaves its definitions to the next one, which uses them.
+  void clearUnlessLeft() {
+    if (gptFmtGlobalInfo == nullptr || gptFmtGlobalInfo->ptMsgList == nullptr) m_objects.clear();
+  }
 
  private:
   std::vector<std::unique_ptr<T>> m_objects;

@@ -37,7 +37,7 @@ struct XmlFormat {
 }  // namespace
 
 int initialise(void *element) noexcept {
-  plans().clear();
+  plans().clearUnlessLeft();
   return kit::registerFormat<XmlFormat>(element);
 }
 
