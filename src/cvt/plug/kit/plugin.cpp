@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "barrier.h"
 #include "stt.h"
 
 namespace cvt::kit {
@@ -43,28 +44,6 @@ void report(const Msg *msg, const Path &path, const Fault &fault, size_t here) {
           fault.text().c_str());
 }
 
-// Runs body(); whatever it throws is logged by log(fault) or as one line, and answered with -1.
-template <class Body, class Log>
-int guarded(const Msg *msg, Body body, Log log) noexcept {
-  try {
-    try {
-      body();
-      return 0;
-    } catch (const Fault &fault) {
-      log(fault);
-    } catch (const Misconfigured &error) {
-      KIT_ERR("Msg[%s] %s", nameOf(msg), error.text().c_str());
-    }
-  } catch (const std::bad_alloc &) {
-    KIT_ERR("Msg[%s]: out of memory.", nameOf(msg));
-  } catch (const std::exception &error) {
-    KIT_ERR("Msg[%s]: internal error: %s.", nameOf(msg), error.what());
-  } catch (...) {
-    KIT_ERR("Msg[%s]: internal error.", nameOf(msg));
-  }
-  return -1;
-}
-
 const RecordType *typeNamed(std::span<const RecordType *const> types, const char *typeName) {
   if (typeName == nullptr) return nullptr;
   for (const RecordType *type : types) {
@@ -80,7 +59,7 @@ void *readAny(std::span<const RecordType *const> types, void *element, const cha
   if (type == nullptr) return nullptr;
   void *record = nullptr;
   const int status = guarded(
-      nullptr, [&] { record = readRecord(*type, element); }, [](const Fault &) {});
+      "Msg", "", [&] { record = readRecord(*type, element); }, [](const Fault &) {});
   if (status != 0) nGRet = -1;
   return record;
 }
@@ -90,7 +69,7 @@ void *writeAny(std::span<const RecordType *const> types, void *record, void *ele
   if (type == nullptr) return nullptr;
   void *written = nullptr;
   const int status = guarded(
-      nullptr, [&] { written = writeRecord(*type, record, element); }, [](const Fault &) {});
+      "Msg", "", [&] { written = writeRecord(*type, record, element); }, [](const Fault &) {});
   if (status != 0) nGRet = -1;
   return written;
 }
@@ -101,7 +80,7 @@ int initFormat(Msg *msg, void (*compile)(Msg &), FncParse parse, FncGenerate gen
     return -1;
   }
   const int status = guarded(
-      msg, [&] { compile(*msg); },
+      "Msg", nameOf(msg), [&] { compile(*msg); },
       [&](const Fault &fault) { KIT_ERR("Msg[%s]: %s", nameOf(msg), fault.text().c_str()); });
   if (status != 0) return status;
   if (msg->nValueNum < 0) msg->nValueNum = msg->nFieldNum;
@@ -118,7 +97,8 @@ int runParse(ValueListInfo *values, Msg *msg, const char *buffer, int *position,
       msg, values->ptValueList, Store(values->ptMemNode), buffer, from, static_cast<size_t>(length), from,
       {}};
   const int status = guarded(
-      msg, [&] { parse(call); }, [&](const Fault &fault) { report(msg, call.path, fault, call.end); });
+      "Msg", nameOf(msg), [&] { parse(call); },
+      [&](const Fault &fault) { report(msg, call.path, fault, call.end); });
   if (status == 0) *position = static_cast<int>(call.end);
   return status;
 }
@@ -132,7 +112,7 @@ int runGenerate(ValueListInfo *values, Msg *msg, char *buffer, int *position, in
                     Output(buffer, static_cast<size_t>(*position), static_cast<size_t>(length)),
                     {}};
   const int status = guarded(
-      msg, [&] { generate(call); },
+      "Msg", nameOf(msg), [&] { generate(call); },
       [&](const Fault &fault) { report(msg, call.path, fault, call.out.offset()); });
   if (status == 0) *position = static_cast<int>(call.out.offset());
   return status;

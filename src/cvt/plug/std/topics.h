@@ -1,0 +1,13 @@
+// topics.h: the catalogue of the function library. A topic is a source file that begins with what its
+// functions do and ends with their table.
+#pragma once
+
+#include "kit/function.h"
+
+namespace cvt::functions {
+
+extern const kit::Topic kSql;  // sql.cpp
+
+inline constexpr const kit::Topic *kTopics[] = {&kSql};
+
+}  // namespace cvt::functions
