@@ -31,6 +31,8 @@ class PostgresServer {
 
   // For dbsConnect.
   std::string url() const;
+  // For other clients: the folder of the socket, in place of a host's name. User cvt2, database postgres.
+  std::string host() const { return m_tree.path(); }
 
  private:
   pid_t spawn(const std::vector<std::string> &command) const;
