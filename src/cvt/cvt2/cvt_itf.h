@@ -19,7 +19,7 @@ typedef Value *ValuePtr;
 /* Each slot is the function of the same name, as cvt.h tells it. The order of the slots is the interface. */
 typedef struct cvtInterface {
   int (*FncCvtInit)(char *psPath);
-  int (*FncCvtEnd)(void);
+  int (*FncCvtEnd)(void); /* NOLINT: C */
   InMessagePtr (*FncCvtInitMessasge)(char *psMessageName, char *psFormatId, char *psBuf, int nBufLen,
                                      int *pnError);
   InMessagePtr (*FncCvtGenerateMessasge)(InMessagePtr ptSrcMsg, char *psCvtFormatId, char *psBuf,
