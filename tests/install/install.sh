@@ -27,3 +27,13 @@ grep -q '</Document>' "$work/xml" || fail "the installed command wrote no docume
 "$cc" "$@" -I"$work/moved/include/cvt2" "$source/examples/host/host.c" -o "$work/host" -L"$lib" -lcvt2 \
   -Wl,-rpath,"$lib" || fail "the example host does not build against the installed tree"
 "${clean[@]}" "$work/host" "$config" "$file" | grep -q 'bytes of XML' || fail "the example host does not run"
+
+# A module and its host, unless the framework is the real one.
+[ -e "$lib/libfunction_plug_ctl.so" ] || exit 0
+manager=$source/examples/manager
+flags=(-I"$work/moved/include/cvt2" -L"$lib" -lfunction_plug_ctl -Wl,-rpath,"$lib")
+"$cc" "$@" -shared -fPIC "$manager/module.c" "${flags[@]}" -o "$work/module.so" &&
+  "$cc" "$@" "$manager/host.c" "${flags[@]}" -o "$work/manager_host" ||
+  fail "the example module does not build against the installed tree"
+"${clean[@]}" "$work/manager_host" "$lib/libcvt2.so" "$work/module.so" "$config" "$file" | cmp - "$work/xml" ||
+  fail "the example module writes another document than the command"
