@@ -46,14 +46,29 @@ std::string invoiceDefinition() {
   const XmlNode lines = loop("Lines", "psName=\"line\"", "",
                              {attribute("LineArticle", "article"), text("LineAmount", "amount"), lots});
   return "<xml><Msg psMsgName=\"Invoice\"><XmlMsg __ID=\"pInfo\" psRoot=\"invoice\" nDeclaration=\"0\"/>" +
-         chain({attribute("Id", "id"), text("Buyer", "customer"), text("Sort", "kind"),
-                text("Label", "label"), text("Count", "count"), lines, text("Sum", "total")},
-               "ptHead") +
+         chain(
+             {attribute("Id", "id"), text("Buyer", "customer"), text("Sort", "kind"), text("Label", "label"),
+              text("Terms", "terms"), text("Count", "count"), lines, text("Sum", "total")},
+             "ptHead") +
          "</Msg></xml>";
+}
+
+// What the order's kind means is looked up, and what the order is worth is kept.
+test::xml::Args statements() {
+  using namespace test::xml;
+  const auto sql = [](const Args &pieces, const Args &fields) -> ArgXml {
+    return {9, "<Sql __ID='pInfo'>" + args("ptSqlList", pieces) + args("ptFieldList", fields) + "</Sql>"};
+  };
+  return {
+      sql({value("select terms from kinds where kind = "), func("sqlQuote", {src("Kind")})}, {dst("Terms")}),
+      sql({value("update audit set orders = orders + 1, cents = cents + cast(round(100 * "),
+           func("sqlNumber", {src("Total")}), value(") as integer)")},
+          {})};
 }
 
 std::string converter(int nGeneration) {
   using namespace test::xml;
+  const Args sql = statements();
   const ArgXml lots = loopRule(src("Lots"), dst("InvoiceLots"), {copy(src("Lot"), dst("No"))});
   const ArgXml lines =
       loopRule(src("Items"), dst("Lines"),
@@ -67,14 +82,15 @@ std::string converter(int nGeneration) {
   return test::xml::converter(
       "bill", "Order", "Invoice",
       {copy(src("OrderId"), dst("Id")), copy(src("Customer"), dst("Buyer")), kinds, special,
-       copy(func("join", {src("OrderId"), value("/"), src("Customer")}), dst("Label")),
+       copy(func("join", {src("OrderId"), value("/"), src("Customer")}), dst("Label")), sql[0], sql[1],
        copy(loopNum(src("Items")), dst("Count")), lines, copy(src("Total"), dst("Sum"))});
 }
 
 std::string root(const std::string &sLastPlug) {
   test::RootFile root;
   root.sAttributes = "nReload=\"1\"";
-  root.sPlug = test::plugSection({"psName=\"fix\"", "psName=\"xml\"", "psName=\"" + sLastPlug + "\""});
+  root.sPlug = test::plugSection(
+      {"psName=\"fix\"", "psName=\"xml\"", "psName=\"std\"", "psName=\"" + sLastPlug + "\""});
   root.sMessage = test::messageSection({"msg"});
   root.sConvert = "<Convert __ID=\"ptConvert\" psCvtPath=\"cvt\"/>";
   root.sId = "<Id __ID=\"ptId\" psIdPath=\"id\" psIdInfoPath=\"idinfo\"/>";

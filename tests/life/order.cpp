@@ -45,6 +45,10 @@ long Order::cents() const {
   return nSum;
 }
 
+std::string terms(char cKind) {
+  return cKind == 'A' ? "net 30" : cKind == 'B' ? "net 10" : "";
+}
+
 Order order(int n) {
   n %= kOrders;
   Order order;
@@ -76,7 +80,7 @@ std::string invoiceBytes(const Order &order, int nGeneration) {
   std::string s = "<invoice id=\"" + std::to_string(order.nId) + "\">" +
                   element("customer", order.sCustomer) + element("kind", kindText(order.cKind, nGeneration)) +
                   element("label", std::to_string(order.nId) + "/" + order.sCustomer) +
-                  element("count", std::to_string(order.items.size()));
+                  element("terms", terms(order.cKind)) + element("count", std::to_string(order.items.size()));
   for (const Item &item : order.items) {
     s += "<line article=\"" + item.sArticle + "\">" + element("amount", decimal(item.nCents));
     for (const std::string &sLot : item.lots) s += "<lot no=\"" + sLot + "\"/>";

@@ -21,6 +21,9 @@ struct Order {
   long cents() const;
 };
 
+// What the database knows of the kind; empty for those that it does not know.
+std::string terms(char cKind);
+
 // Order number n. They come back after kOrders: by then a process has seen the largest.
 constexpr int kOrders = 500;
 Order order(int n);
