@@ -17,7 +17,7 @@ using Texts = std::vector<std::string>;
 // Arguments joined with "+".
 void join(Call &call) {
   std::string all;
-  for (int i = 0; i < call.count(); ++i) all += (i == 0 ? "" : "+") + std::string(call.text(i));
+  for (int i = 0; i < call.count(); ++i) all.append(i == 0 ? "" : "+").append(call.text(i));
   call.answer(all);
 }
 

@@ -31,6 +31,11 @@ class SqlFunctions : public test::StdTest {
   static std::string firstLine() { return test::logTexts().empty() ? "no line" : test::logTexts()[0]; }
 };
 
+std::string between(const std::string &sEnds, const std::string &sText) {
+  std::string s = sEnds;
+  return s.append(sText).append(sEnds);
+}
+
 using SqlQuote = SqlFunctions;
 using SqlNumber = SqlFunctions;
 
@@ -94,11 +99,11 @@ TEST_F(SqlQuote, LeavesEveryByteButZeroAsItIs) {
   loadCall("sqlQuote");
   for (const char c : kEveryByte) {
     const std::string sText(1, c);
-    EXPECT_EQ(of(sText), c == '\'' ? "''''" : "'" + sText + "'");
+    EXPECT_EQ(of(sText), c == '\'' ? "''''" : between("'", sText));
   }
   std::string sAll = kEveryByte;
-  sAll.insert(sAll.find('\''), "'");
-  EXPECT_EQ(of(kEveryByte), "'" + sAll + "'");
+  sAll.insert(sAll.find('\''), 1, '\'');
+  EXPECT_EQ(of(kEveryByte), between("'", sAll));
 }
 
 TEST_F(SqlQuote, AZeroByteIsRefusedWithItsOffset) {
@@ -127,7 +132,7 @@ TEST_F(SqlQuote, AHugeTextComesWhole) {
     sHuge += "abcdef'";
     sDoubled += "abcdef''";
   }
-  EXPECT_TRUE(of(sHuge) == "'" + sDoubled + "'");
+  EXPECT_TRUE(of(sHuge) == between("'", sDoubled));
 }
 
 // More than a gigabyte of quotes: one page of them, many times over.

@@ -70,10 +70,10 @@ void Call::refuse(int argument, size_t offset, const char *expected, const char 
 
 std::string Call::place() const {
   if (m_refused < 0) return {};
-  const std::string place = " Arg[" + std::to_string(m_refused + 1) + "]";
+  std::string place = " Arg[" + std::to_string(m_refused + 1) + "]";
   const Value *value = m_arguments[static_cast<size_t>(m_refused)];
-  if (value == nullptr || value->nLen < 0) return place;
-  return place + " Len[" + std::to_string(value->nLen) + "]";
+  if (value != nullptr && value->nLen >= 0) place += " Len[" + std::to_string(value->nLen) + "]";
+  return place;
 }
 
 int runFunction(const FunctionRow &function, Value *result, int count, Value **arguments, MemPort memory) {
