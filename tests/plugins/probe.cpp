@@ -1,5 +1,6 @@
-// probe.cpp: a plug-in that says when it is opened, initialised and closed. Built once a name: PROBE_NAME.
-#include "stt.h"
+// probe.cpp: a plug-in that says when it is opened, initialised and closed, and what of the library is there
+// when it is closed. Built once a name: PROBE_NAME.
+#include "cvt.h"
 #include "velutil.h"
 
 namespace {
@@ -8,9 +9,19 @@ void say(const char *psWhat) {
   logInfo(5, "$probe", "probe.cpp", __LINE__, "say", "%s %s", PROBE_NAME, psWhat);
 }
 
+void sayWhatIsThere() {
+  logInfo(5, "$order", "probe.cpp", __LINE__, "sayWhatIsThere", "there are%s%s%s%s%s%s",
+          gptSttInfo == nullptr ? "" : " types", gptDict == nullptr ? "" : " names",
+          gptPlugInfo == nullptr ? "" : " plug-ins", gptFmtGlobalInfo == nullptr ? "" : " definitions",
+          gptCvtGlobalInfo == nullptr ? "" : " converters", gptFormatInfo == nullptr ? "" : " pipelines");
+}
+
 struct Life {
   Life() { say("opened"); }
-  ~Life() { say("closed"); }
+  ~Life() {
+    say("closed");
+    sayWhatIsThere();
+  }
 } life;
 
 }  // namespace

@@ -406,6 +406,40 @@ TEST_F(FailedStart, LeavesWhatItHadReadToTheNextStart) {
   EXPECT_EQ(cvtGetMsg(cs("Order")), ptOrder);  // nothing was released, so its file was not read again
 }
 
+// Dispatchers of the format: three for each time that it was registered.
+int dispatchers(const char *psFormat) {
+  const SttInfo *ptType = gptSttInfo;
+  while (ptType != nullptr && std::strcmp(ptType->psTypeName, psFormat) != 0) ptType = ptType->ptNext;
+  int nCount = 0;
+  for (const FuncList *pt = ptType == nullptr ? nullptr : ptType->ptVoidFunction; pt != nullptr;
+       pt = pt->ptNext)
+    ++nCount;
+  return nCount;
+}
+
+TEST_F(FailedStart, AddsToWhatEarlierOnesHaveLeftUntilTheEnd) {
+  config.file("id/pipelines.xml", "<broken");
+  for (int i = 1; i <= 3; ++i) {
+    EXPECT_EQ(config.start(), -1);
+    EXPECT_EQ(dispatchers("toy"), 3 * i);
+  }
+  EXPECT_EQ(cvtEnd(), 0);
+  EXPECT_EQ(dispatchers("toy"), 0);
+  EXPECT_EQ(config.start(), -1);
+  EXPECT_EQ(dispatchers("toy"), 3);
+}
+
+TEST_F(FailedStart, IsReleasedByTheSecondGoodOneAfterIt) {
+  const std::string sGood = test::pipelines({{"02", {"toyName", "pubParse"}, {"pubGenerate"}}});
+  config.file("id/pipelines.xml", "<broken");
+  EXPECT_EQ(config.start(), -1);
+  config.file("id/pipelines.xml", sGood);
+  EXPECT_EQ(config.start(), 0);
+  EXPECT_EQ(dispatchers("toy"), 6);
+  EXPECT_EQ(config.start(), 0);
+  EXPECT_EQ(dispatchers("toy"), 3);
+}
+
 // --- Restart and end
 // ------------------------------------------------------------------------------------------------
 
@@ -469,6 +503,14 @@ TEST_F(End, ReleasesEverythingButTheTwoPaths) {
   EXPECT_EQ(std::string(gpsRootPath), config.path());
   EXPECT_EQ(std::string(gpsRootFile), config.path("All/root.xml"));
   EXPECT_STREQ(cvtGetBasePath(), "");
+}
+
+TEST_F(End, ReleasesTypesAndNamesBeforeThePlugInsAndTheRestBehindThem) {
+  config.root.sPlug = test::plugSection({"psName=\"toy\"", "psName=\"first\""});
+  config.writeRoot();
+  EXPECT_EQ(config.start(), 0);
+  EXPECT_EQ(cvtEnd(), 0);
+  EXPECT_TRUE(logged(5, "there are plug-ins definitions converters pipelines"));
 }
 
 TEST_F(End, BeforeAStartAndTwiceIsHarmless) {

@@ -139,6 +139,68 @@ TEST_F(Reload, DoesNothingWithoutARootPath) {
   gpsRootPath = psKept;
 }
 
+TEST_F(Reload, RemembersTheTimeOfTheFileItHasRead) {
+  start();
+  editAndTouch();
+  EXPECT_EQ(cvtInitReload(), 0);
+  edit("nReload=\"1\" psBasePath=\"newest\"");
+  EXPECT_EQ(cvtInitReload(), 0);
+  EXPECT_EQ(base(), "new");
+}
+
+TEST_F(Reload, WaitsForAFileThatIsNewerThanTheOneItHasReadNotForAnotherOne) {
+  start();
+  const auto file = config.path("All/root.xml");
+  const auto now = std::filesystem::last_write_time(file);
+  edit("nReload=\"1\" psBasePath=\"future\"");
+  std::filesystem::last_write_time(file, now + std::chrono::hours(1));
+  EXPECT_EQ(cvtInitReload(), 0);
+  edit("nReload=\"1\" psBasePath=\"present\"");
+  std::filesystem::last_write_time(file, now + std::chrono::minutes(1));
+  EXPECT_EQ(cvtInitReload(), 0);
+  EXPECT_EQ(base(), "future");
+  std::filesystem::last_write_time(file, now + std::chrono::hours(1) + std::chrono::seconds(1));
+  EXPECT_EQ(cvtInitReload(), 0);
+  EXPECT_EQ(base(), "present");
+}
+
+TEST_F(Reload, ComparesWholeSeconds) {
+  const auto file = config.path("All/root.xml");
+  const auto whole = std::chrono::floor<std::chrono::seconds>(std::filesystem::last_write_time(file));
+  std::filesystem::last_write_time(file, whole);
+  start();
+  edit("nReload=\"1\" psBasePath=\"new\"");
+  std::filesystem::last_write_time(file, whole + std::chrono::milliseconds(999));
+  EXPECT_EQ(cvtInitReload(), 0);
+  EXPECT_EQ(base(), "old");
+  std::filesystem::last_write_time(file, whole + std::chrono::seconds(1));
+  EXPECT_EQ(cvtInitReload(), 0);
+  EXPECT_EQ(base(), "new");
+}
+
+TEST_F(Reload, FollowsARootFileThatWasDeletedOnceItIsBack) {
+  start();
+  const auto file = config.path("All/root.xml");
+  std::filesystem::remove(file);
+  EXPECT_EQ(cvtInitReload(), 0);
+  EXPECT_EQ(base(), "old");
+  config.root.sAttributes = "nReload=\"1\" psBasePath=\"back\"";
+  config.writeRoot();
+  config.touchRoot();
+  EXPECT_EQ(cvtInitReload(), 0);
+  EXPECT_EQ(base(), "back");
+}
+
+TEST_F(Reload, MaySwitchItselfOff) {
+  start();
+  editAndTouch("psBasePath=\"last\"");
+  EXPECT_EQ(cvtInitReload(), 0);
+  EXPECT_EQ(base(), "last");
+  editAndTouch();
+  EXPECT_EQ(cvtInitReload(), 0);
+  EXPECT_EQ(base(), "last");
+}
+
 TEST_F(Reload, WatchesTheRootFileOnly) {
   start();
   config.file("msg/Order.xml", test::definition("toy", "Order", {test::field("Only")}));
@@ -177,6 +239,52 @@ TEST_F(Reload, ThatFailsLeavesTheLibraryNotStarted) {
   test::clearLog();
   EXPECT_EQ(cvtInitReload(), -1);
   EXPECT_EQ(logTexts(), Texts{"Not Init!!"});
+}
+
+TEST_F(Reload, ThatFailsHasReleasedTheOldConfigurationAndKeepsWhatItHasRead) {
+  start();
+  config.file("msg/Fresh.xml", test::definition("toy", "Fresh", {test::field("Id")}));
+  config.file("cvt/bill.xml", "<broken");
+  editAndTouch();
+  EXPECT_EQ(cvtInitReload(), -1);
+  EXPECT_EQ(gptAllInfo, nullptr);
+  EXPECT_NE(cvtGetMsg(cs("Fresh")), nullptr);
+  EXPECT_NE(gptSttInfo, nullptr);
+  EXPECT_EQ(gptFormatInfo, nullptr);  // a section that was not reached
+}
+
+TEST_F(Reload, AfterAMendedOneReleasesWhatTheFailedOneHasLeft) {
+  start();
+  const std::string sGood = config.path("good");
+  std::filesystem::copy_file(config.path("cvt/bill.xml"), sGood);
+  config.file("msg/Fresh.xml", test::definition("toy", "Fresh", {test::field("Id")}));
+  config.file("cvt/bill.xml", "<broken");
+  editAndTouch();
+  EXPECT_EQ(cvtInitReload(), -1);
+  std::filesystem::remove(config.path("msg/Fresh.xml"));
+  std::filesystem::rename(sGood, config.path("cvt/bill.xml"));
+  EXPECT_EQ(config.start(), 0);
+  EXPECT_NE(cvtGetMsg(cs("Fresh")), nullptr);
+  editAndTouch();
+  EXPECT_EQ(cvtInitReload(), 0);
+  EXPECT_EQ(cvtGetMsg(cs("Fresh")), nullptr);
+}
+
+TEST_F(Reload, ForgetsTheFunctionsThatAHostHasRegistered) {
+  start();
+  cvtConvertAddFunction(cs("hosts"), [](Value *, int, Value **, MemPort) { return 0; });
+  EXPECT_NE(cvtStrFindStringList(gptCvtGlobalInfo->ptFuncList, cs("hosts")), nullptr);
+  editAndTouch();
+  EXPECT_EQ(cvtInitReload(), 0);
+  EXPECT_EQ(cvtStrFindStringList(gptCvtGlobalInfo->ptFuncList, cs("hosts")), nullptr);
+}
+
+TEST_F(Reload, ReleasesTypesAndNamesBeforeThePlugInsAndTheRestBehindThem) {
+  config.root.sPlug = test::plugSection({"psName=\"toy\"", "psName=\"first\""});
+  start();
+  editAndTouch();
+  EXPECT_EQ(cvtInitReload(), 0);
+  EXPECT_TRUE(logged(5, "there are plug-ins definitions converters pipelines"));
 }
 
 TEST_F(Reload, ThatFailsIsMendedByANewStart) {
@@ -222,6 +330,49 @@ TEST_F(AutoReload, IsPutOffWhileAHandleLives) {
   cvtFreeMessage(ptAlive);
   cvtFreeMessage(parse());
   EXPECT_EQ(base(), "new");
+}
+
+TEST_F(AutoReload, IsPutOffWhileAGeneratedMessageLives) {
+  start();
+  InnerMessage *const ptOrder = parse();
+  char sOut[100];
+  int nOut = sizeof sOut;
+  InnerMessage *const ptInvoice = cvtGenerateMessasge(ptOrder, cs("01"), sOut, &nOut, &nError);
+  ASSERT_NE(ptInvoice, nullptr);
+  editAndTouch();
+  cvtFreeMessage(ptOrder);  // what it shares with the invoice is not looked at any more
+  cvtFreeMessage(parse());
+  EXPECT_EQ(base(), "old");
+  cvtFreeMessage(ptInvoice);
+  cvtFreeMessage(parse());
+  EXPECT_EQ(base(), "new");
+}
+
+TEST_F(AutoReload, IsNotPutOffByAMessageThatWasRefused) {
+  start();
+  EXPECT_EQ(cvtInitMessasge(cs("Nobody"), cs("01"), sBuffer.data(), 1, &nError), nullptr);
+  editAndTouch();
+  cvtFreeMessage(parse());
+  EXPECT_EQ(base(), "new");
+}
+
+TEST_F(AutoReload, RunsAlsoBelowNoHandle) {
+  start();
+  editAndTouch();
+  gnMsgNum = -1;
+  cvtFreeMessage(parse());
+  EXPECT_EQ(base(), "new");
+}
+
+TEST_F(AutoReload, LetsMessagesPassWhileTheRootFileIsDeleted) {
+  start();
+  std::filesystem::remove(config.path("All/root.xml"));
+  for (int i = 0; i < 3; ++i) {
+    InnerMessage *const pt = parse();
+    EXPECT_NE(pt, nullptr);
+    cvtFreeMessage(pt);
+  }
+  EXPECT_TRUE(logTexts(1).empty());
 }
 
 TEST_F(AutoReload, UsesTheNewDefinitionAtOnce) {
