@@ -513,11 +513,11 @@ TEST_F(CleanUp, UseAndReleaseMayAlternate) {
 
 TEST_F(CleanUp, ExhaustedBlocksAreNotFreed) {
   char *const ps1 = global(2000);
-  char *const ps2 = global(3000);
+  char *const ps2 = global(3008);
   std::strcpy(ps1, "one");
   std::strcpy(ps2, "two");
   cvtMemCleanUp();
-  cvtMemMalloc(1999);
+  cvtMemMalloc(1984);
   cvtMemCleanUp();
   EXPECT_STREQ(ps1, "one");
   EXPECT_STREQ(ps2, "two");
@@ -525,7 +525,7 @@ TEST_F(CleanUp, ExhaustedBlocksAreNotFreed) {
 
 TEST_F(CleanUp, ExhaustedBlocksServeTheNextGlobalNode) {
   char *const ps1 = global(2000);
-  char *const ps2 = global(3000);
+  char *const ps2 = global(3008);
   char *const ps3 = global(2000);
   char *const ps4 = global(1024);
   std::strcpy(ps1, "one");
@@ -533,10 +533,10 @@ TEST_F(CleanUp, ExhaustedBlocksServeTheNextGlobalNode) {
   const std::set<char *> two = {global(2000), global(2000)};
   EXPECT_EQ(two, (std::set<char *>{ps1, ps3}));
   EXPECT_TRUE(isZero(ps1, 2000));
-  EXPECT_EQ(global(3000), ps2);
+  EXPECT_EQ(global(3008), ps2);
   EXPECT_EQ(global(1024), ps4);  // the node's own first block
   EXPECT_EQ(sizes(gptGlobalNode->ptNowBlock),
-            (std::vector<Size>{{1024, 1024}, {2000, 2000}, {2000, 2000}, {3000, 3000}}));
+            (std::vector<Size>{{1024, 1024}, {2000, 2000}, {2000, 2000}, {3008, 3008}}));
 }
 
 // A recursive release of these chains would overrun this stack many times.
