@@ -448,6 +448,14 @@ TEST_F(Unload, ATableGoesWithTheObjectThatHoldsIt) {
   EXPECT_EQ(plugUnload(nSecond), 0);
 }
 
+TEST_F(Unload, NobodyFindsAnInterfaceWhileItsModuleIsClosed) {
+  told.onEvent = [&](int, int, void *, void *) { return plugAddPlug(1, "K", "a", told.pTable); };
+  const void *pFound = this;
+  told.onClose = [&] { pFound = plugGetPlug("K", "a"); };
+  EXPECT_EQ(plugUnload(load(told)), 0);
+  EXPECT_EQ(pFound, nullptr);
+}
+
 TEST_F(Unload, WhatAModuleRegistersWhileItIsClosedGoesToo) {
   const int iPlugId = load(told);
   told.onClose = [&] {
