@@ -1,6 +1,6 @@
 /* _version.h: the version record. */
-#ifndef VERSION_H
-#define VERSION_H
+#ifndef CVT2_VERSION_H
+#define CVT2_VERSION_H
 
 #include "cvt_def.h"
 

@@ -42,6 +42,7 @@ TEST_F(Log, BeginningForgets) {
 TEST_F(Log, LinesThatOnlyTellOfProgressAreNoCause) {
   library(1, "Open Dir [%s] err:[%s]!!", "Def", "No such file or directory");
   library(1, "Set Src Message Offset to [%d]", 4);
+  library(1, "Warning: sql[%s] not find data!!", "SELECT 1");
   EXPECT_EQ(log::cause(), "Open Dir [Def] err:[No such file or directory]!!");
   library(1, "Msg [%s] get define info err!!", "Order");
   EXPECT_EQ(log::cause(), "Msg [Order] get define info err!!");

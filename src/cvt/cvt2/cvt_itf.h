@@ -38,8 +38,8 @@ typedef struct cvtInterface {
 struct T_PLUG_MGR_PLUG_VAR;
 
 /* The plug-in manager's way in: sets the record's event handler.
- *   ptPlugVar  the manager's record (plug_mgr.h), which must outlive the library; not checked, must not be
- * null Returns 0. The handler answers every event with 0: event 1 fills the table and registers it, each time
+ *   ptPlugVar  the manager's record (plug_mgr.h), which must outlive the library; must not be null
+ * Returns 0. The handler answers every event with 0: event 1 fills the table and registers it, each time
  * anew; the others do nothing. */
 int cvtPlugLoad(struct T_PLUG_MGR_PLUG_VAR *ptPlugVar);
 

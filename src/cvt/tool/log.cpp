@@ -28,8 +28,9 @@ std::string format(const char *format, va_list args) {
 
 // Lines that the library writes at the level of errors although nothing has failed.
 bool isNotice(const std::string &line) {
-  constexpr std::array<std::string_view, 4> kNotices = {
-      "Set Src Message Offset to [", "Set Dst Message Offset to [", "Warning No Value num!!", "Open Dir ["};
+  constexpr std::array<std::string_view, 5> kNotices = {
+      "Set Src Message Offset to [", "Set Dst Message Offset to [", "Warning No Value num!!", "Warning: sql[",
+      "Open Dir ["};
   return std::any_of(kNotices.begin(), kNotices.end(),
                      [&](std::string_view notice) { return line.starts_with(notice); });
 }

@@ -3,8 +3,8 @@
  *
  *   a host     plugLoad(each module's file), plugEvent(id, EVENT_MGR_ON_RUN, ...), plugEvent(id,
  *              EVENT_MGR_EXIT, ...), plugUnload(id) in the opposite order
- *   a module   exports cvtPlugLoad; its handler registers interfaces (plugAddPlug) at EVENT_MGR_INIT and
- * looks others up (plugGetPlug) from EVENT_MGR_ON_RUN on
+ *   a module   exports cvtPlugLoad; its handler registers interfaces (plugAddPlug) at EVENT_MGR_INIT
+ *              and looks others up (plugGetPlug) from EVENT_MGR_ON_RUN on
  *
  * Every failure is logged through logInfo, module tag "$plug_ctl". Texts are borrowed for the call. One
  * thread at a time. */

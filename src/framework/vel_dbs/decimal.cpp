@@ -17,12 +17,12 @@ bool allDigits(std::string_view text) {
 
 // The next greater number: "199" -> "200", "99" -> "100".
 void increment(std::string &digits) {
-  const size_t last = digits.find_last_not_of('9');
-  if (last == std::string::npos) {
-    digits = "1" + std::string(digits.size(), '0');
+  auto digit = digits.rbegin();
+  for (; digit != digits.rend() && *digit == '9'; ++digit) *digit = '0';
+  if (digit != digits.rend()) {
+    ++*digit;
   } else {
-    ++digits[last];
-    std::fill(digits.begin() + static_cast<std::ptrdiff_t>(last) + 1, digits.end(), '0');
+    digits.insert(digits.begin(), '1');
   }
 }
 
