@@ -54,8 +54,12 @@ void keepFirst(void *context, xmlErrorPtr error) {
   std::replace(sReason.begin(), sReason.end(), '\n', ' ');
 }
 
-// A copy of the first nLen bytes, so that the caller's string is not written to.
-XmlText firstBytes(const char *ps, int nLen) { return XmlText(xmlStrndup(text(ps), nLen)); }
+// A copy of the first nLen bytes, or of all when there are fewer, so that the caller's string is not written to.
+// Null for no string and for a negative length.
+XmlText firstBytes(const char *ps, int nLen) {
+  if (ps == nullptr || nLen < 0) return nullptr;
+  return XmlText(xmlStrndup(text(ps), static_cast<int>(strnlen(ps, static_cast<size_t>(nLen)))));
+}
 
 }  // namespace
 
@@ -129,6 +133,7 @@ int xmlPutChileNode(void *ptXmlFatherNode, void *ptXmlNode) {
 void *xmlPutNsNodeValue(void *ptXmlFatherNode, void *ptXmlNs, char *psName, char *psVaule, int nLen) {
   // Unlike the attribute setters this one cuts the caller's string in place, also where it ends already:
   // psVaule[nLen] must be writable. Callers rely on it for their own buffers; a constant does not fit here.
+  if (psVaule == nullptr || nLen < 0) return nullptr;
   const char cSaved = psVaule[nLen];
   psVaule[nLen] = 0;
   void *const pt = xmlNewTextChild(node(ptXmlFatherNode), nameSpace(ptXmlNs), text(psName), text(psVaule));
@@ -141,12 +146,14 @@ void *xmlPutNodeValue(void *ptXmlFatherNode, char *psName, char *psVaule, int nL
 }
 
 void *xmlPutNodeAttr(void *ptXmlNode, char *psAttrName, char *psAttrVaule, int nAttrLen) {
-  return xmlSetProp(node(ptXmlNode), text(psAttrName), firstBytes(psAttrVaule, nAttrLen).get());
+  const XmlText value = firstBytes(psAttrVaule, nAttrLen);
+  return value == nullptr ? nullptr : xmlSetProp(node(ptXmlNode), text(psAttrName), value.get());
 }
 
 void *xmlPutNsNodeAttr(void *ptXmlNode, void *ptXmlNs, char *psAttrName, char *psAttrVaule, int nAttrLen) {
-  return xmlSetNsProp(node(ptXmlNode), nameSpace(ptXmlNs), text(psAttrName),
-                      firstBytes(psAttrVaule, nAttrLen).get());
+  const XmlText value = firstBytes(psAttrVaule, nAttrLen);
+  if (value == nullptr) return nullptr;
+  return xmlSetNsProp(node(ptXmlNode), nameSpace(ptXmlNs), text(psAttrName), value.get());
 }
 
 // --- Writing and reading ----------------------------------------------------------------------------------------

@@ -164,12 +164,12 @@ int xmlPutRootNode(void *ptXmlDoc, void *ptXmlNode);         /* 0 */
 int xmlPutChileNode(void *ptXmlFatherNode, void *ptXmlNode); /* appends as last child; 0 */
 
 /* Append a child element whose text is the first nLen bytes of psVaule. The byte psVaule[nLen] is written
- * during the call and put back: it must be writable. Return the element or null. */
+ * during the call and put back: it must be writable. Return the element; null for a negative length. */
 void *xmlPutNsNodeValue(void *ptXmlFatherNode, void *ptXmlNs, char *psName, char *psVaule, int nLen);
 void *xmlPutNodeValue(void *ptXmlFatherNode, char *psName, char *psVaule, int nLen);
 
-/* Set an attribute to the first nAttrLen bytes of the value, which is not written to. Return the attribute or
- * null. */
+/* Set an attribute to the first nAttrLen bytes of the value, or to all of it when it is shorter. The value is not
+ * written to. Return the attribute; null for a negative length and for a node that takes no attribute. */
 void *xmlPutNodeAttr(void *ptXmlNode, char *psAttrName, char *psAttrVaule, int nAttrLen);
 void *xmlPutNsNodeAttr(void *ptXmlNode, void *ptXmlNs, char *psAttrName, char *psAttrVaule, int nAttrLen);
 
