@@ -229,10 +229,9 @@ char *GetLoopNodeName(char *psName, char *psNodeName, int nNodeNameLen) {
   return psLastDot + 1;
 }
 
-// Fills tName; false (logged) when the loop name is too long.
+// Fills tName; false when the loop name is too long, which the caller reports.
 bool split(char *psName, SplitName &tName) {
   tName.psField = GetLoopNodeName(psName, tName.sLoop, kLoopNameSize);
-  if (tName.psField == nullptr) CVT_ERR("Loop Field Name[%s] is too long", psName);
   return tName.psField != nullptr;
 }
 
@@ -320,16 +319,6 @@ Value *GetValueInLoopNodeListByNodeName(InnerMessage *ptMsg, char *psNodeName, c
   return ptValue;
 }
 
-// The value that a name leads to; null with *pnError set.
-Value *findByPath(InnerMessage *ptMsg, char *psValueName, int *pnError) {
-  SplitName tName;
-  if (!split(psValueName, tName)) {
-    *pnError = kErrName;
-    return nullptr;
-  }
-  return GetValueInLoopNodeListByNodeName(ptMsg, tName.sLoop, tName.psField, pnError);
-}
-
 }  // namespace
 
 // --- Fields by name
@@ -349,9 +338,14 @@ Value *cvtGetNameValue(InnerMessage *ptMsg, char *psValueName, int *pnError) {
     if (nRet != 0) *pnError = nRet;
     return ptValue;
   }
-  *pnError = 0;
-  Value *const ptValue = findByPath(ptMsg, psValueName, pnError);
-  if (ptValue == nullptr && *pnError != kErrName) CVT_ERR("GetValueInLoopNodeListByNodeName Err!!");
+  SplitName tName;
+  if (!split(psValueName, tName)) {
+    *pnError = kErrName;
+    CVT_ERR("Loop Field Name[%s] is too long", psValueName);
+    return nullptr;
+  }
+  Value *const ptValue = GetValueInLoopNodeListByNodeName(ptMsg, tName.sLoop, tName.psField, pnError);
+  if (ptValue == nullptr) CVT_ERR("GetValueInLoopNodeListByNodeName Err!!");
   return ptValue;
 }
 
@@ -369,8 +363,14 @@ int cvtSetNameValue(InnerMessage *ptMessage, char *psValueName, char *psValue, i
     CVT_ERR("Field[%s] value length [%d] < 0", psValueName, nLen);
     return -1;
   }
-  int nError = 0;
-  Value *const ptValue = findByPath(ptMessage, psValueName, &nError);
+  SplitName tName;
+  int nError = kErrName;
+  Value *ptValue = nullptr;
+  if (split(psValueName, tName)) {
+    ptValue = GetValueInLoopNodeListByNodeName(ptMessage, tName.sLoop, tName.psField, &nError);
+  } else {
+    CVT_ERR("Loop Field Name[%s] is too long", psValueName);
+  }
   if (ptValue == nullptr) {
     CVT_ERR("Field[%s] get value err!!", psValueName);
     return nError;
@@ -394,32 +394,29 @@ struct NestedView {
   Value *ptOuter = nullptr;  // the loop's slot in the current outer repetition; null for an outermost loop
   Value *ptView = nullptr;   // its slot in the message's list
 
-  // 0, or nOuterError (0: the look-up's own code) when the outer value is missing, or -11 without a view.
-  int open(InnerMessage *ptMsg, SplitName &tName, int nIndex, int nOuterError) {
-    if (tName.sLoop[0] == 0) return 0;
-    int nError = 0;
-    ptOuter = GetValueInLoopNodeListByNodeName(ptMsg, tName.sLoop, tName.psField, &nError);
-    if (ptOuter == nullptr) {
-      CVT_ERR("Field[%s] Get value Err!!", tName.psField);
-      return nOuterError != 0 ? nOuterError : nError;
-    }
-    ptView = cvtGetListValue(ptMsg->tValueListInfo.ptValueList, nIndex);
-    if (ptView == nullptr) {
-      CVT_ERR("Child Node[%s] Get value Err!!", tName.psField);
-      return kErrField;
-    }
-    *ptView = *ptOuter;
-    return 0;
-  }
-
   void copyBack() const {
     if (ptOuter != nullptr) *ptOuter = *ptView;
   }
 };
 
-int SetLoopValueListToMsg(InnerMessage *ptMsg, SplitName &tName, int nIndex) {
-  NestedView view;
-  return view.open(ptMsg, tName, nIndex, kErrField);
+// Opens the view. 0; or nOuterError (0: the look-up's own code) when the outer value is missing, or -11
+// without a view.
+int SetLoopValueListToMsg(InnerMessage *ptMsg, SplitName &tName, int nIndex, int nOuterError,
+                          NestedView &view) {
+  if (tName.sLoop[0] == 0) return 0;
+  int nError = 0;
+  view.ptOuter = GetValueInLoopNodeListByNodeName(ptMsg, tName.sLoop, tName.psField, &nError);
+  if (view.ptOuter == nullptr) {
+    CVT_ERR("Field[%s] Get value Err!!", tName.psField);
+    return nOuterError != 0 ? nOuterError : nError;
+  }
+  view.ptView = cvtGetListValue(ptMsg->tValueListInfo.ptValueList, nIndex);
+  if (view.ptView == nullptr) {
+    CVT_ERR("Child Node[%s] Get value Err!!", tName.psField);
+    return kErrField;
+  }
+  *view.ptView = *view.ptOuter;
+  return 0;
 }
 
 int SetLoopTimeAndCheck(InnerMessage *ptMsg, int nIndex, int nLoopTime) {
@@ -459,7 +456,7 @@ int AddLoopTime(InnerMessage *ptMsg, int nIndex) {
 
 int AddLoopTimeAndSetToValueList(InnerMessage *ptMsg, SplitName &tName, int nIndex) {
   NestedView view;
-  const int nOpened = view.open(ptMsg, tName, nIndex, 0);
+  const int nOpened = SetLoopValueListToMsg(ptMsg, tName, nIndex, 0, view);
   if (nOpened != 0) return nOpened;
   const int nRet = AddLoopTime(ptMsg, nIndex);
   if (nRet != 0) {
@@ -477,7 +474,10 @@ int cvtSetLoopTime(InnerMessage *ptMsg, char *psLoopName, int nLoopTime) {
   CVT_NOT_NULL(psLoopName, -1);
   CVT_NOT_NULL(ptMsg->ptMsgInfo, -1);
   SplitName tName;
-  if (!split(psLoopName, tName)) return kErrName;
+  if (!split(psLoopName, tName)) {
+    CVT_ERR("Loop Field Name[%s] is too long", psLoopName);
+    return kErrName;
+  }
   const int nIndex = cvtGetNodeIdx(ptMsg->ptMsgInfo->pptMessageIdx, tName.psField);
   // The test lets -1 pass, so an unknown loop is not caught here: it fails below, with -13 for an outermost
   // loop and -11 for an inner one. Callers know these codes.
@@ -485,7 +485,8 @@ int cvtSetLoopTime(InnerMessage *ptMsg, char *psLoopName, int nLoopTime) {
     CVT_ERR("Node [%s] was not define!!", tName.psField);
     return kErrUnknownLoop;
   }
-  int nRet = SetLoopValueListToMsg(ptMsg, tName, nIndex);
+  NestedView view;
+  int nRet = SetLoopValueListToMsg(ptMsg, tName, nIndex, kErrField, view);
   if (nRet != 0) {
     CVT_ERR("Restore Node[%s] Value Index err!!", tName.psField);
     return nRet;
@@ -500,7 +501,10 @@ int cvtGetLoopTime(InnerMessage *ptMsg, char *psLoopName) {
   CVT_NOT_NULL(psLoopName, kErrName);
   CVT_NOT_NULL(ptMsg->ptMsgInfo, kErrName);
   SplitName tName;
-  if (!split(psLoopName, tName)) return kErrName;
+  if (!split(psLoopName, tName)) {
+    CVT_ERR("Loop Field Name[%s] is too long", psLoopName);
+    return kErrName;
+  }
   LoopValueInfo tInfo{};
   if (GetLoopValueInfoStruct(ptMsg, tName.sLoop, tName.psField, &tInfo) != 0) {
     CVT_ERR("Node [%s] was not define!!", tName.psField);
@@ -519,7 +523,10 @@ int cvtAddLoopTime(InnerMessage *ptMsg, char *psLoopName) {
   CVT_NOT_NULL(psLoopName, -1);
   CVT_NOT_NULL(ptMsg->ptMsgInfo, -1);
   SplitName tName;
-  if (!split(psLoopName, tName)) return kErrName;
+  if (!split(psLoopName, tName)) {
+    CVT_ERR("Loop Field Name[%s] is too long", psLoopName);
+    return kErrName;
+  }
   const int nIndex = cvtGetNodeIdx(ptMsg->ptMsgInfo->pptMessageIdx, tName.psField);
   if (nIndex < 0) {
     CVT_ERR("Node [%s] was not define!!", tName.psField);

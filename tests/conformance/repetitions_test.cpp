@@ -1,0 +1,287 @@
+// Repetitions of loops: where each line of a failure comes from, loops three levels deep, and what the views
+// of inner loops show.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "cvt.h"
+#include "toy_config.h"
+#include "trail.h"
+
+using test::cs;
+using test::Texts;
+using test::then;
+using test::trail;
+
+namespace {
+
+class Repetitions : public testing::Test {
+ protected:
+  void SetUp() override {
+    const test::Node boxes = test::loop("Boxes", {test::field("Box")});
+    const test::Node pallets = test::loop("Pallets", {test::field("Pallet"), boxes});
+    const test::Node trucks = test::loop("Trucks", {test::field("Truck"), pallets});
+    config.file("msg/Freight.xml", test::definition("toy", "Freight", {test::field("Id"), trucks}));
+    config.root.sAttributes = "nReload=\"1\"";
+    config.writeRoot();
+    ASSERT_EQ(config.start(), 0);
+    ptMsg = create();
+  }
+  void TearDown() override {
+    cvtFreeMessage(ptMsg);
+    cvtEnd();
+  }
+
+  InnerMessage *create() {
+    InnerMessage *const pt = cvtNewMessage(cs("Freight"), cs("02"), &nError);
+    EXPECT_NE(pt, nullptr);
+    test::clearLog();
+    return pt;
+  }
+  int add(const char *psLoop) { return cvtAddLoopTime(ptMsg, cs(psLoop)); }
+  int set(const char *psLoop, int nTime) { return cvtSetLoopTime(ptMsg, cs(psLoop), nTime); }
+  int count(const char *psLoop) { return cvtGetLoopTime(ptMsg, cs(psLoop)); }
+  const Value *get(const std::string &sName) { return cvtGetNameValue(ptMsg, cs(sName.c_str()), &nError); }
+  int put(const char *psName, const std::string &sValue) {
+    return cvtSetNameValue(ptMsg, cs(psName), cs(sValue.c_str()), static_cast<int>(sValue.size()));
+  }
+  std::string bytes() {
+    char sOut[512];
+    int nOut = sizeof sOut;
+    return cvtGenMessage(ptMsg, sOut, &nOut) == 0 ? std::string(sOut, static_cast<size_t>(nOut)) : "(failed)";
+  }
+  Message *node(const char *psName) const {
+    Message **const pptIdx = ptMsg->ptMsgInfo->pptMessageIdx;
+    return cvtIdxNode(pptIdx, cvtGetNodeIdx(pptIdx, cs(psName)));
+  }
+
+  test::ToyConfig config;
+  InnerMessage *ptMsg = nullptr;
+  int nError = 77;
+};
+
+using Failure = Repetitions;
+using View = Repetitions;
+using Cursor = Repetitions;
+
+const std::string kTooLong = std::string(1025, 'L') + ".Pallets";
+
+// What the look-up of a field logs when no repetition of Trucks is current.
+const Texts kNotSet = {"cvt.cpp GetLoopValueListByMessage: Loop Node [Trucks] Index was not set!!",
+                       "cvt.cpp GetLoopValueInfoStruct: Get Message[Trucks] Loop Vlaue List err!!",
+                       "cvt.cpp GetValueInLoopNodeListByNodeName: Node [Trucks] was not define!!"};
+
+// --- Failures, line by line
+// ------------------------------------------------------------------------------------
+
+TEST_F(Failure, OfANameThatIsTooLongIsReportedByTheFunctionThatWasCalled) {
+  const std::string sText = ": Loop Field Name[" + kTooLong + "] is too long";
+  add(kTooLong.c_str());
+  set(kTooLong.c_str(), 0);
+  count(kTooLong.c_str());
+  get(kTooLong);
+  EXPECT_EQ(trail(), (Texts{"cvt.cpp cvtAddLoopTime" + sText, "cvt.cpp cvtSetLoopTime" + sText,
+                            "cvt.cpp cvtGetLoopTime" + sText, "cvt.cpp cvtGetNameValue" + sText}));
+  test::clearLog();
+  put(kTooLong.c_str(), "x");
+  EXPECT_EQ(trail(), (Texts{"cvt.cpp cvtSetNameValue" + sText,
+                            "cvt.cpp cvtSetNameValue: Field[" + kTooLong + "] get value err!!"}));
+}
+
+TEST_F(Failure, OfAFieldInALoopWithoutACurrentRepetition) {
+  EXPECT_EQ(get("Trucks.Truck"), nullptr);
+  EXPECT_EQ(nError, -13);
+  EXPECT_EQ(trail(), then(kNotSet, {"cvt.cpp cvtGetNameValue: GetValueInLoopNodeListByNodeName Err!!"}));
+  test::clearLog();
+  EXPECT_EQ(put("Trucks.Truck", "x"), -13);
+  EXPECT_EQ(trail(), then(kNotSet, {"cvt.cpp cvtSetNameValue: Field[Trucks.Truck] get value err!!"}));
+}
+
+TEST_F(Failure, OfSettingAnInnerLoopWithoutAnOuterRepetition) {
+  EXPECT_EQ(set("Trucks.Pallets", 0), -11);
+  EXPECT_EQ(trail(), then(kNotSet, {"cvt.cpp SetLoopValueListToMsg: Field[Pallets] Get value Err!!",
+                                    "cvt.cpp cvtSetLoopTime: Restore Node[Pallets] Value Index err!!"}));
+}
+
+TEST_F(Failure, OfSettingAnInnerLoopOnePastTheLastOuterRepetition) {
+  add("Trucks");
+  set("Trucks", 1);
+  EXPECT_EQ(set("Trucks.Pallets", 0), -11);
+  EXPECT_EQ(trail(),
+            (Texts{"cvt_message.cpp cvtGetLoopValueList: Value Index[1]: Loop index[1] is big then list[1]",
+                   "cvt.cpp GetLoopValueListByMessage: Loop Node[Trucks] Get Loop Index[1] err!!",
+                   "cvt.cpp GetLoopValueInfoStruct: Get Message[Trucks] Loop Vlaue List err!!",
+                   "cvt.cpp GetValueInLoopNodeListByNodeName: Node [Trucks] was not define!!",
+                   "cvt.cpp SetLoopValueListToMsg: Field[Pallets] Get value Err!!",
+                   "cvt.cpp cvtSetLoopTime: Restore Node[Pallets] Value Index err!!"}));
+}
+
+TEST_F(Failure, OfSettingALoopOutsideItsRangeHasOneLine) {
+  EXPECT_EQ(set("Trucks", 1), -15);
+  EXPECT_EQ(trail(), Texts{"cvt.cpp cvtSetLoopTime: Node[Trucks] Set Loop Index err!!"});
+}
+
+TEST_F(Failure, OfSettingAFieldThatHoldsAValue) {
+  put("Id", "7");
+  EXPECT_EQ(set("Id", 0), -13);
+  EXPECT_EQ(test::logTexts().front(), "value Index[0] is not LoopValueList");
+  const Texts all = trail();
+  EXPECT_EQ(Texts(all.begin() + 1, all.end()),
+            (Texts{"cvt.cpp SetLoopTimeAndCheck: Get Filed Max Loop Time Err!!",
+                   "cvt.cpp cvtSetLoopTime: Node[Id] Set Loop Index err!!"}));
+}
+
+TEST_F(Failure, OfSettingAnEmptyField) {
+  EXPECT_EQ(set("Id", 0), -1);
+  EXPECT_EQ(trail(), (Texts{"cvt.cpp SetLoopTimeAndCheck: Node Set Loop Index err!!",
+                            "cvt.cpp cvtSetLoopTime: Node[Id] Set Loop Index err!!"}));
+}
+
+TEST_F(Failure, OfAddingToAFieldThatIsNoLoop) {
+  EXPECT_EQ(add("Id"), -11);
+  EXPECT_EQ(trail(), (Texts{"cvt.cpp AddLoopTime: Get Loop Field Num err!!",
+                            "cvt.cpp AddLoopTimeAndSetToValueList: AddLoopTime err!!",
+                            "cvt.cpp cvtAddLoopTime: Node[Id] Set Loop Index err!!"}));
+}
+
+TEST_F(Failure, OfAddingToALoopThatStandsElsewhere) {
+  add("Trucks");
+  EXPECT_EQ(add("Trucks.Trucks"), -11);  // the look-up's own code
+  EXPECT_EQ(trail(), (Texts{"cvt.cpp GetMessageIndexInLoopIndex: Child Node[Trucks] Index Get Err!!",
+                            "cvt.cpp GetLoopValueInfoStruct: Get Message[Trucks] Index In[Trucks] err!!",
+                            "cvt.cpp GetValueInLoopNodeListByNodeName: Node [Trucks] was not define!!",
+                            "cvt.cpp SetLoopValueListToMsg: Field[Trucks] Get value Err!!",
+                            "cvt.cpp cvtAddLoopTime: Node[Trucks] Set Loop Index err!!"}));
+}
+
+TEST_F(Failure, OfCountingAnInnerLoopNamesTheInnerLoop) {
+  EXPECT_EQ(count("Trucks.Pallets"), -14);
+  EXPECT_EQ(trail(), (Texts{"cvt.cpp GetLoopValueListByMessage: Loop Node [Trucks] Index was not set!!",
+                            "cvt.cpp GetLoopValueInfoStruct: Get Message[Trucks] Loop Vlaue List err!!",
+                            "cvt.cpp cvtGetLoopTime: Node [Pallets] was not define!!"}));
+}
+
+TEST_F(Failure, OfCountingAnUnknownInnerLoop) {
+  add("Trucks");
+  EXPECT_EQ(count("Trucks.Nothing"), -14);
+  EXPECT_EQ(trail(), (Texts{"cvt.cpp GetMessageIndexInLoopIndex: Child Node[Nothing] Index Get Err!!",
+                            "cvt.cpp GetLoopValueInfoStruct: Get Message[Nothing] Index In[Trucks] err!!",
+                            "cvt.cpp cvtGetLoopTime: Node [Nothing] was not define!!"}));
+}
+
+TEST_F(Failure, LeavesTheListsAsTheyWere) {
+  add("Trucks");
+  put("Trucks.Truck", "t");
+  add("Trucks.Pallets");
+  put("Pallets.Pallet", "p");
+  const std::string sBefore = bytes();
+  EXPECT_EQ(set("Trucks", 2), -15);
+  EXPECT_EQ(set("Trucks.Pallets", 2), -15);
+  EXPECT_EQ(add("Nothing"), -3);
+  EXPECT_EQ(add("Id"), -11);
+  EXPECT_EQ(add("Trucks.Id"), -11);
+  EXPECT_EQ(count("Id.Id"), -14);
+  EXPECT_EQ(bytes(), sBefore);
+  EXPECT_EQ(cvtGetLoopCurrentTime(node("Trucks")), 0);
+  EXPECT_EQ(cvtGetLoopCurrentTime(node("Pallets")), 0);
+}
+
+// --- Views of inner loops
+// --------------------------------------------------------------------------------------
+
+TEST_F(View, OfALoopThreeLevelsDeepIsReachedThroughItsTwoLastNames) {
+  add("Trucks");
+  put("Trucks.Truck", "t0");
+  add("Trucks.Pallets");
+  put("Pallets.Pallet", "p0");
+  add("Pallets.Boxes");
+  put("Boxes.Box", "b0");
+  add("Trucks.Pallets.Boxes");  // the first part is ignored
+  put("Boxes.Box", "b1");
+  add("Trucks.Pallets");
+  put("Pallets.Pallet", "p1");
+  add("Trucks");
+  put("Trucks.Truck", "t1");
+  EXPECT_EQ(bytes(), ",[t0,[p0,[b0;b1;];p1,[];];t1,[];]");
+  EXPECT_EQ(set("Trucks", 0), 0);
+  EXPECT_EQ(set("Trucks.Pallets", 0), 0);
+  EXPECT_EQ(count("Pallets.Boxes"), 2);
+  EXPECT_EQ(set("Trucks.Pallets", 1), 0);
+  EXPECT_EQ(count("Pallets.Boxes"), 0);
+  EXPECT_EQ(add("Pallets.Boxes"), 0);
+  EXPECT_EQ(put("Boxes.Box", "b2"), 0);
+  EXPECT_EQ(bytes(), ",[t0,[p0,[b0;b1;];p1,[b2;];];t1,[];]");
+}
+
+TEST_F(View, OfAnEmptyInnerLoopIsEmptyAlsoAfterOneThatWasNot) {
+  add("Trucks");
+  add("Trucks.Pallets");
+  add("Trucks");
+  EXPECT_EQ(count("Trucks.Pallets"), 0);
+  EXPECT_EQ(set("Trucks.Pallets", 0), 0);
+  EXPECT_EQ(set("Trucks.Pallets", 1), -15);
+  EXPECT_EQ(count("Pallets"), 0);  // the view itself, in the message's own list
+  set("Trucks", 0);
+  EXPECT_EQ(set("Trucks.Pallets", 1), 0);
+  EXPECT_EQ(count("Pallets"), 1);
+}
+
+TEST_F(View, IsNotWrittenBackBySettingARepetition) {
+  add("Trucks");
+  add("Trucks.Pallets");
+  put("Pallets.Pallet", "p");
+  add("Trucks");
+  EXPECT_EQ(set("Trucks.Pallets", 0), 0);
+  EXPECT_EQ(bytes(), ",[,[p,[];];,[];]");
+}
+
+TEST_F(View, OfAFullInnerLoopStaysFullAndTheNextOuterRepetitionStartsEmpty) {
+  add("Trucks");
+  for (int i = 0; i < 999; ++i) ASSERT_EQ(add("Trucks.Pallets"), 0);
+  EXPECT_EQ(add("Trucks.Pallets"), 0);
+  EXPECT_EQ(trail(), Texts{"cvt_message.cpp cvtNewLoopValueList: Loop Num is Max then Define[999]"});
+  EXPECT_EQ(count("Trucks.Pallets"), 999);
+  EXPECT_EQ(cvtGetLoopCurrentTime(node("Pallets")), 998);
+  add("Trucks");
+  EXPECT_EQ(add("Trucks.Pallets"), 0);
+  EXPECT_EQ(count("Trucks.Pallets"), 1);
+}
+
+// --- The cursor
+// ------------------------------------------------------------------------------------------------
+
+TEST_F(Cursor, IsMinus1UntilARepetitionIsAddedOrSet) {
+  for (const char *ps : {"Trucks", "Pallets", "Boxes"}) EXPECT_EQ(cvtGetLoopCurrentTime(node(ps)), -1) << ps;
+  add("Trucks");
+  EXPECT_EQ(cvtGetLoopCurrentTime(node("Trucks")), 0);
+  EXPECT_EQ(cvtGetLoopCurrentTime(node("Pallets")), -1);
+}
+
+TEST_F(Cursor, OfAFinishedMessageIsWhereTheNextOneOfItsTypeStarts) {
+  add("Trucks");
+  add("Trucks");
+  EXPECT_EQ(cvtFreeMessage(ptMsg), 0);
+  ptMsg = create();
+  EXPECT_EQ(get("Trucks.Truck"), nullptr);  // repetition 1 of a loop that has none
+  EXPECT_EQ(trail().front(), "cvt_message.cpp cvtGetLoopValueList: Value Index[1]: Loop is not init!!");
+}
+
+TEST_F(Cursor, IsForgottenByAReload) {
+  add("Trucks");
+  EXPECT_EQ(cvtFreeMessage(ptMsg), 0);
+  config.touchRoot();
+  ptMsg = create();
+  EXPECT_EQ(cvtGetLoopCurrentTime(node("Trucks")), -1);
+}
+
+TEST_F(Cursor, IsNotMovedByCountingOrByFields) {
+  add("Trucks");
+  add("Trucks");
+  set("Trucks", 0);
+  EXPECT_EQ(count("Trucks"), 2);
+  EXPECT_NE(get("Trucks.Truck"), nullptr);
+  EXPECT_EQ(put("Trucks.Truck", "t"), 0);
+  EXPECT_EQ(cvtGetLoopCurrentTime(node("Trucks")), 0);
+}
+
+}  // namespace
