@@ -14,6 +14,7 @@
 #include <map>
 #include <new>
 
+#include "cvt_heap_pool.h"
 #include "cvt_log.h"
 
 MemRoot *gptMemRoot = nullptr;
@@ -212,16 +213,17 @@ int SetNodeUse(MemNode *ptNode) {
 // Blocks behind the head keep stale counters; GetMemory resets each one when it gets there.
 int SetNodeNotUse(MemNode *ptNode) {
   CVT_NOT_NULL(ptNode, -1);
+  cvt::pool::freeAll(ptNode);
   ptNode->cUsed = kFree;
   ptNode->ptNowBlock = ptNode->ptHeadBlock;
   ptNode->ptHeadBlock->nLeft = ptNode->ptHeadBlock->nMaxSize;
   return 0;
 }
 
-void *Take(MemBlock *ptBlock, int nSize) {
+void *Take(const MemNode *ptNode, MemBlock *ptBlock, int nSize) {
   char *const ps = ptBlock->psBuf + (ptBlock->nMaxSize - ptBlock->nLeft);
   ptBlock->nLeft -= nSize;
-  return std::memset(ps, 0, static_cast<size_t>(nSize));
+  return cvt::pool::give(ptNode, std::memset(ps, 0, static_cast<size_t>(nSize)), nSize);
 }
 
 // The tests are strict: a message's block is never filled to its last byte.
@@ -230,7 +232,7 @@ void *GetMemory(MemNode *ptNode, int nSize) {
   if (nSize <= 0) return nullptr;
   nSize = TakenSize(nSize);
   MemBlock *const ptNow = ptNode->ptNowBlock;
-  if (ptNow->nLeft > nSize) return Take(ptNow, nSize);
+  if (ptNow->nLeft > nSize) return Take(ptNode, ptNow, nSize);
   if (ptNow->ptNext != nullptr && ptNow->ptNext->nMaxSize > nSize) {
     ptNow->ptNext->nLeft = ptNow->ptNext->nMaxSize;
   } else {
@@ -239,7 +241,7 @@ void *GetMemory(MemNode *ptNode, int nSize) {
     ptNow->ptNext = ptBlock;
   }
   ptNode->ptNowBlock = ptNow->ptNext;
-  return Take(ptNode->ptNowBlock, nSize);
+  return Take(ptNode, ptNode->ptNowBlock, nSize);
 }
 
 // --- The global node ---------------------------------------------------------------------------------------
@@ -280,18 +282,19 @@ void *GetMemoryGreedy(MemNode *ptNode, int nSize) {
   const auto [ptFront, ptFit] = f_room.fit(nSize);
   if (ptFit == nullptr) {
     MemBlock *const ptBlock = NewGlobalBlock(std::max(nSize, kBlockSize));
-    void *const pt = Take(ptBlock, nSize);
+    void *const pt = Take(ptNode, ptBlock, nSize);
     AddQueue(ptNode, ptBlock);
     return pt;
   }
   f_room.leave(ptFit);
-  void *const pt = Take(ptFit, nSize);
+  void *const pt = Take(ptNode, ptFit, nSize);
   MoveQueue(ptNode, ptFront, ptFit);
   return pt;
 }
 
 int SetNodeNotUseGreedy(MemNode *ptNode) {
   CVT_NOT_NULL(ptNode, -1);
+  cvt::pool::freeAll(ptNode);
   while (ptNode->ptHeadBlock != nullptr) {
     MemBlock *const ptBlock = ptNode->ptHeadBlock;
     f_room.leave(ptBlock);
@@ -319,6 +322,7 @@ void MemNodeCleanUp(MemNode *ptNode) {
   while (ptNode != nullptr) {
     MemNode *const ptNext = ptNode->ptNext;
     MemBlockCleanUp(ptNode->ptHeadBlock);
+    cvt::pool::freeAll(ptNode);
     std::free(ptNode);
     ptNode = ptNext;
   }
