@@ -41,20 +41,21 @@ int cvtLoopCreateIndex(Message *ptMessage) {
   LoopType *ptLoopType = nullptr;
   CVT_NOT_NULL(ptLoopType = (LoopType *)ptMessage->ptStructAttr->pInfo, -1);
   if (!isLoop(ptMessage)) return -1;
-  int nFieldNum = 1;
+  int nFieldNum = ptLoopType->nFieldNum;
   if (ptMessage->ptStructAttr->ptChildNode != nullptr) {
     ptLoopType->pptMessageIdx = cvtCreateMessageIdx(ptMessage->ptStructAttr->ptChildNode, &nFieldNum);
-    if (ptLoopType->pptMessageIdx == nullptr) {
-      CVT_ERR("Message[%s] Loop index create err!!", ptMessage->psNodeName);
-      return -1;
-    }
   } else {  // a loop of one repeated value: its index is the node itself
     auto **const pptIdx = static_cast<Message **>(cvtMemMalloc(2 * static_cast<int>(sizeof(Message *))));
     __builtin_memcpy(pptIdx, &ptMessage, sizeof ptMessage);
     cvt::indexNodes(pptIdx);
     ptLoopType->pptMessageIdx = pptIdx;
+    nFieldNum = 1;
   }
   ptLoopType->nFieldNum = nFieldNum;
+  if (ptLoopType->pptMessageIdx == nullptr) {
+    CVT_ERR("Message[%s] Loop index create err!!", ptMessage->psNodeName);
+    return -1;
+  }
   return 0;
 }
 
