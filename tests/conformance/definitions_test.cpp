@@ -1,0 +1,215 @@
+// Definitions: how far a loop body reaches, what a reference's failure leaves as a trail, and what a
+// definition that cannot be numbered keeps.
+#include <gtest/gtest.h>
+
+#include "definition_xml.h"
+#include "log_capture.h"
+
+using namespace test;
+using namespace test::model;
+using Names = std::vector<std::string>;
+using Numbers = std::vector<int>;
+
+namespace {
+
+const char *const kNoLoopType = "[ptLoopType = (LoopType *)ptMessage->ptStructAttr->pInfo] is NULL";
+
+class Definition : public ::testing::Test {
+ protected:
+  void SetUp() override { Definitions::format("flat"); }
+
+  // A definition that is read but not numbered.
+  Msg *read(const std::vector<NodeXml> &nodes) {
+    const Element msg(msgXml("Order", nodes));
+    sttAddFuncVoid(sttParseVoidcvt_struct_loop, sttGenVoidcvt_struct_loop);
+    Msg *const ptMsg = sttParseXmlMsg(msg.get(), cs("Msg"));
+    clearLog();
+    return ptMsg;
+  }
+
+  // A loop that lacks its LoopType cannot be numbered.
+  static NodeXml bareLoop(const std::string &sName) {
+    NodeXml node = loop(sName, "", {field("Body")});
+    node.sInfo.clear();
+    return node;
+  }
+
+  static Message **indexOf(const char *psMsg) { return cvtGetMsg(cs(psMsg))->pptMessageIdx; }
+
+  // The lines behind those of the failing file msg/NAME.xml.
+  Names sectionTrail(Names inner, const std::string &sName) const {
+    const std::string sFile = m_definitions.path("msg/" + sName + ".xml");
+    inner.insert(inner.end(), {"File[" + sFile + "] Parse Err!!", "Parse File[" + sFile + "] Err!!",
+                               "Init[" + sName + ".xml] err !!", "Message Parse Dir[msg] err!!",
+                               "cvt Message Parse Err!!"});
+    return inner;
+  }
+
+  Definitions m_definitions;
+};
+
+using Numbering = Definition;
+using FailedNumbering = Definition;
+using FailedReference = Definition;
+
+// --- Numbering -------------------------------------------------------------------------------------------
+
+TEST_F(Numbering, OfAFileIsThatOfItsTree) {
+  m_definitions.add("Order", {field("A"), group("B", {field("B1"), field("B2")}),
+                              loop("C", "", {field("C1"), field("C2")}), field("D")});
+  ASSERT_NE(m_definitions.load(), nullptr);
+  EXPECT_EQ(names(indexOf("Order")), (Names{"A", "B", "B1", "B2", "C", "C1", "C2", "D"}));
+  EXPECT_EQ(numbers(indexOf("Order")), (Numbers{0, 0, 2, 3, 4, 0, 1, 7}));
+  EXPECT_EQ(cvtGetMsg(cs("Order"))->nFieldNum, 8);
+  EXPECT_EQ(cvtIdxNode(indexOf("Order"), 8), nullptr);
+  EXPECT_EQ(gnMaxValueNum, 8);
+}
+
+TEST_F(Numbering, ALoopsOtherSubtreeIsNoPartOfItsBody) {
+  NodeXml node = loop("L", "", {field("X")});
+  node.other = {field("O")};
+  Msg *const ptMsg = read({node, field("Behind")});
+  ASSERT_EQ(cvtGenMessageInfo(ptMsg), 0);
+  EXPECT_EQ(names(ptMsg->pptMessageIdx), (Names{"L", "X", "O", "Behind"}));
+  EXPECT_EQ(names(cvtLoopGetIdx(ptMsg->ptHead)), (Names{"X"}));
+  EXPECT_EQ(numbers(ptMsg->pptMessageIdx), (Numbers{0, 0, 2, 3}));
+}
+
+TEST_F(Numbering, AGroupInALoopBodyKeepsItsNumberOfTheBody) {
+  Msg *const ptMsg = read({field("A"), loop("L", "", {field("X"), group("G", {field("Y")})})});
+  ASSERT_EQ(cvtGenMessageInfo(ptMsg), 0);
+  EXPECT_EQ(names(cvtLoopGetIdx(nodeNamed(ptMsg->pptMessageIdx, "L"))), (Names{"X", "G", "Y"}));
+  EXPECT_EQ(numbers(ptMsg->pptMessageIdx), (Numbers{0, 1, 0, 0, 2}));
+}
+
+TEST_F(Numbering, AGroupOverALoopIsNumberedZero) {
+  Msg *const ptMsg = read({field("A"), group("G", {loop("L", "", {field("X")})})});
+  ASSERT_EQ(cvtGenMessageInfo(ptMsg), 0);
+  EXPECT_EQ(numbers(ptMsg->pptMessageIdx), (Numbers{0, 0, 2, 0}));
+}
+
+TEST_F(Numbering, OfPartOfATreeBeginsAtItsNodeAndRaisesTheCapacity) {
+  Msg *const ptMsg = read({field("A"), field("B"), field("C")});
+  int nNum = 0;
+  Message **const pptIdx = cvtCreateMessageIdx(ptMsg->ptHead->ptStructAttr->ptNextNode, &nNum);
+  EXPECT_EQ(names(pptIdx), (Names{"B", "C"}));
+  EXPECT_EQ(numbers(pptIdx), (Numbers{0, 1}));
+  EXPECT_EQ(nNum, 2);
+  EXPECT_EQ(gnMaxValueNum, 2);
+  EXPECT_EQ(ptMsg->nFieldNum, -1);
+}
+
+// --- Failures of numbering -------------------------------------------------------------------------------
+
+TEST_F(FailedNumbering, LeavesTheCountTheCapacityAndTheNumbersGivenSoFar) {
+  Msg *const ptMsg = read({field("A"), bareLoop("L"), field("B")});
+  EXPECT_EQ(cvtGenMessageInfo(ptMsg), -1);
+  EXPECT_EQ(ptMsg->pptMessageIdx, nullptr);
+  EXPECT_EQ(ptMsg->nFieldNum, 4);
+  EXPECT_EQ(gnMaxValueNum, 4);
+  Message *const ptLoop = ptMsg->ptHead->ptStructAttr->ptNextNode;
+  EXPECT_EQ(ptMsg->ptHead->nIndex, 0);
+  EXPECT_EQ(ptLoop->nIndex, 1);
+  EXPECT_EQ(ptLoop->ptStructAttr->ptChildNode->nIndex, -1);
+  EXPECT_EQ(ptLoop->ptStructAttr->ptNextNode->nIndex, -1);
+}
+
+TEST_F(FailedNumbering, TakesTheIndexThatWasThereAway) {
+  Msg *const ptMsg = read({field("A"), loop("L", "", {field("X")})});
+  ASSERT_EQ(cvtGenMessageInfo(ptMsg), 0);
+  ptMsg->ptHead->ptStructAttr->ptNextNode->ptStructAttr->pInfo = nullptr;
+  EXPECT_EQ(cvtGenMessageInfo(ptMsg), -1);
+  EXPECT_EQ(ptMsg->pptMessageIdx, nullptr);
+  EXPECT_EQ(logTexts(), (Names{kNoLoopType, "Create Message index err: Message[L] create Loop index err!!",
+                               "Create Message[Order] Idx err!!"}));
+}
+
+TEST_F(FailedNumbering, StillTellsTheNumberOfNodes) {
+  Msg *const ptMsg = read({field("A"), bareLoop("L")});
+  int nNum = -1;
+  EXPECT_EQ(cvtCreateMessageIdx(ptMsg->ptHead, &nNum), nullptr);
+  EXPECT_EQ(nNum, 3);
+}
+
+TEST_F(FailedNumbering, ComesBeforeTheFormatsInitialiser) {
+  static int s_nCalls = 0;
+  Definitions::format("flat", [](Msg *) { return ++s_nCalls; });
+  m_definitions.add("Order", {field("A"), bareLoop("L")});
+  EXPECT_EQ(m_definitions.load(), nullptr);
+  EXPECT_EQ(s_nCalls, 0);
+  EXPECT_EQ(
+      logTexts(),
+      sectionTrail({kNoLoopType, "Create Message index err: Message[L] create Loop index err!!",
+                    "Create Message[Order] Idx err!!", "Init Xml struct[Order] : cvtGenMessageInfo err!!"},
+                   "Order"));
+}
+
+// --- Failures of references ------------------------------------------------------------------------------
+
+constexpr char kHeadFails[] =
+    "Message * ptHead = sttParseXmlStruct(ptXmlNode, \"Message\", \"ptHead\", sttParseXmlMessage) is Err!!";
+
+TEST_F(FailedReference, ToAFileThatDefinesAnotherMessage) {
+  m_definitions.add("A", {reference("../more/Head")});
+  m_definitions.file("more/Head.xml", definition("Other", {field("H")}));
+  EXPECT_EQ(m_definitions.load(), nullptr);
+  const std::string sFile = m_definitions.path("msg/A.xml");
+  EXPECT_EQ(logTexts(), sectionTrail({"Message Get [../more/Head][msg/../more/Head.xml] err!!",
+                                      "File[" + sFile + "] Line[2] Element[Message]", kHeadFails,
+                                      "Init Xml struct : Load file[" + sFile + "] err!!"},
+                                     "A"));
+  EXPECT_NE(cvtGetMsg(cs("Other")), nullptr);
+  EXPECT_EQ(cvtGetMsg(cs("A")), nullptr);
+}
+
+TEST_F(FailedReference, ToADefinitionThatItsFormatRefuses) {
+  Definitions::format("picky", [](Msg *) { return 3; });
+  m_definitions.add("A", {reference("../more/Bad")});
+  m_definitions.file("more/Bad.xml", "<picky>" + msgXml("Bad", {field("B")}) + "</picky>");
+  EXPECT_EQ(m_definitions.load(), nullptr);
+  const std::string sBad = m_definitions.path("msg/../more/Bad.xml");
+  const std::string sFile = m_definitions.path("msg/A.xml");
+  EXPECT_EQ(logTexts(), sectionTrail({"Format [picky] Init Err!!", "File[" + sBad + "] Parse Err!!",
+                                      "Parse File[" + sBad + "] Err!!",
+                                      "Message Parse [../more/Bad] From[msg/../more/Bad.xml] err!!",
+                                      "File[" + sFile + "] Line[2] Element[Message]", kHeadFails,
+                                      "Init Xml struct : Load file[" + sFile + "] err!!"},
+                                     "A"));
+}
+
+TEST_F(FailedReference, InTheLetterCaseOfAnotherName) {
+  m_definitions.file("one/Head.xml", definition("Head", {field("H")}));
+  m_definitions.file("two/A.xml", definition("A", {reference("head")}));
+  EXPECT_EQ(m_definitions.load({"one", "two"}), nullptr);
+  EXPECT_TRUE(logged(1, "Message Parse [head] From[two/head.xml] err!!"));
+  EXPECT_NE(cvtGetMsg(cs("Head")), nullptr);
+}
+
+TEST_F(FailedReference, LaterInAListDropsTheNodesReadBefore) {
+  m_definitions.add("A", {field("First"), group("G", {field("G1"), reference("Gone")}), field("Last")});
+  EXPECT_EQ(m_definitions.load(), nullptr);
+  Names texts = logTexts();
+  const std::string sGone = m_definitions.path("msg/Gone.xml");
+  const std::string sFile = m_definitions.path("msg/A.xml");
+  ASSERT_GT(texts.size(), 1U);
+  EXPECT_EQ(texts[1].rfind("File[" + sGone + "] ", 0), 0U) << texts[1];  // the reason in libxml2's words
+  texts.erase(texts.begin() + 1);
+  const std::string sNext =
+      "struct Message * ptNextNode = sttParseXmlNext(ptXmlNode, \"Message\", \"ptNextNode\", "
+      "sttParseXmlMessage) is Err!!";
+  const std::string sStruct =
+      "StructAttr * ptStructAttr = sttParseXmlStruct(ptXmlNode, \"StructAttr\", \"ptStructAttr\", "
+      "sttParseXmlStructAttr) is Err!!";
+  const std::string sChild =
+      "Message * ptChildNode = sttParseXmlStruct(ptXmlNode, \"Message\", \"ptChildNode\", "
+      "sttParseXmlMessage) is Err!!";
+  EXPECT_EQ(texts,
+            sectionTrail({"File[" + sGone + "] Parse err!!", "File[" + sGone + "] Parse Err!!",
+                          "Parse File[" + sGone + "] Err!!", "Message Parse [Gone] From[msg/Gone.xml] err!!",
+                          "File[" + sFile + "] Line[4] Element[Message]", sNext, sStruct, sChild, sStruct,
+                          sNext, sStruct, kHeadFails, "Init Xml struct : Load file[" + sFile + "] err!!"},
+                         "A"));
+  EXPECT_EQ(cvtGetMsg(cs("A")), nullptr);
+}
+
+}  // namespace

@@ -1,0 +1,122 @@
+// The registry: what the initialiser of a format finds, formats beside file types of a host, and the whole
+// trail of a start that ends at a definition.
+#include "convert_fixture.h"
+#include "definition_xml.h"
+
+namespace {
+
+using test::cs;
+using test::model::Definitions;
+using test::model::field;
+using Texts = std::vector<std::string>;
+
+class Formats : public ::testing::Test {
+ protected:
+  Definitions m_definitions;
+};
+
+Texts g_paths;  // psCurrentPath and psMsgName, as an initialiser saw them
+
+int notePath(Msg *ptMsg) {
+  g_paths.push_back(std::string(gptFmtGlobalInfo->psCurrentPath) + ":" + ptMsg->psMsgName);
+  return gptFmtGlobalInfo->psBasePath == nullptr ? 0 : -1;
+}
+
+TEST_F(Formats, InitialiserSeesTheDirectoryBeingRead) {
+  Definitions::format("flat", notePath);
+  m_definitions.file("one/A.xml", test::model::definition("A", {test::model::reference("../two/B")}));
+  m_definitions.file("two/B.xml", test::model::definition("../two/B", {field("X")}));
+  m_definitions.file("three/C.xml", test::model::definition("C", {field("X")}));
+  ASSERT_NE(m_definitions.load({"one", "three"}), nullptr);
+  EXPECT_EQ(g_paths, (Texts{"one:../two/B", "one:A", "three:C"}));
+  EXPECT_EQ(gptFmtGlobalInfo->psCurrentPath, nullptr);
+}
+
+TEST_F(Formats, InitialiserDoesNotFindItsDefinitionYet) {
+  static Msg *s_ptFound = nullptr;
+  Definitions::format("flat", [](Msg *ptMsg) {
+    s_ptFound = cvtGetMsg(ptMsg->psMsgName);
+    return 0;
+  });
+  m_definitions.add("Order", {field("A")});
+  ASSERT_NE(m_definitions.load(), nullptr);
+  EXPECT_EQ(s_ptFound, nullptr);
+  EXPECT_NE(cvtGetMsg(cs("Order")), nullptr);
+}
+
+void *readNothing(char *, char *, void *) {
+  return nullptr;
+}
+
+TEST_F(Formats, FileTypeThatWasThereKeepsItsOwnReader) {
+  ASSERT_EQ(sttAddSttInfo(cs("flat"), readNothing), 0);
+  Definitions::format("flat");
+  EXPECT_EQ(gptSttInfo->fParseFunction, readNothing);
+  EXPECT_EQ(gptSttInfo->ptNext, nullptr);
+  m_definitions.add("Order", {field("A")});
+  EXPECT_EQ(m_definitions.load(), nullptr);
+  EXPECT_EQ(test::logTexts().at(0), "File[" + m_definitions.path("msg/Order.xml") + "] Parse Err!!");
+}
+
+TEST_F(Formats, WithoutBothDispatchersIsStillAFormat) {
+  EXPECT_EQ(cvtFmtAddPlug(cs("flat"), nullptr, nullptr, Definitions::accept), 0);
+  EXPECT_EQ(test::logTexts(), Texts{"[fpParseVoid] is NULL"});
+  m_definitions.add("Order", {test::model::loop("L", "", {field("X")})});
+  EXPECT_NE(m_definitions.load(), nullptr);
+  EXPECT_EQ(cvtLoopGetFieldNum(cvtGetMsg(cs("Order"))->ptHead), 1);
+}
+
+TEST_F(Formats, AreFoundNewestFirst) {
+  Definitions::format("one");
+  Definitions::format("two");
+  Definitions::format("one");
+  Texts names;
+  for (const StringList *pt = gptFmtGlobalInfo->ptInitList; pt != nullptr; pt = pt->ptNext)
+    names.emplace_back(pt->psString);
+  EXPECT_EQ(names, (Texts{"one", "two", "one"}));
+}
+
+TEST_F(Formats, AFailedSectionLeavesReferencesToItsLastDirectory) {
+  Definitions::format("flat");
+  m_definitions.file("one/A.xml", test::model::definition("A", {field("X")}));
+  m_definitions.file("two/B.xml", test::model::definition("B", {}));
+  ASSERT_EQ(m_definitions.load({"one", "two"}), nullptr);
+  m_definitions.file("two/C.xml", test::model::definition("C", {field("X")}));
+  const Message *const pt = cvtNewMessageByType(cs("C"), -1, nullptr, nullptr);
+  ASSERT_NE(cvtGetMsg(cs("C")), nullptr);
+  EXPECT_EQ(pt, cvtGetMsg(cs("C"))->ptHead);
+}
+
+using Start = test::ConvertTest;
+
+TEST_F(Start, ThatEndsAtADefinitionLeavesAWholeTrail) {
+  define("Empty", {});
+  EXPECT_EQ(start(), -1);
+  const std::string sFile = tree.path("Msg/Empty.xml");
+  EXPECT_EQ(test::logTexts(),
+            rootTrail({"[ptMessage] is NULL", "Create Message[Empty] Idx err!!",
+                       "Init Xml struct[Empty] : cvtGenMessageInfo err!!", "File[" + sFile + "] Parse Err!!",
+                       "Parse File[" + sFile + "] Err!!", "Init[Empty.xml] err !!",
+                       "Message Parse Dir[Msg] err!!", "cvt Message Parse Err!!",
+                       "void * ptMessage = sttParseXmlStruct(ptXmlNode, \"Message\", \"ptMessage\", "
+                       "cvtFmtInit) is Err!!"},
+                      false));
+  EXPECT_EQ(nGRet, -1);
+}
+
+TEST_F(Start, ThatEndsAtACapacityLeavesAWholeTrail) {
+  tree.file("All/root.xml",
+            "<AllInfo><AllInfo><Message __ID='ptMessage' gnMaxLoop='2000000000'>"
+            "<PathList __ID='ptMsgList' psPath='Msg'/></Message></AllInfo></AllInfo>");
+  define("Order", {test::xml::field("A")});
+  EXPECT_EQ(cvtInit(tree.arg()), -1);
+  EXPECT_EQ(test::logTexts(),
+            rootTrail({"CvtFmtArgs gnMaxLoop[2000000000] is more than [134217727]: write a smaller number",
+                       "cvt Message Get Args Err!!",
+                       "void * ptMessage = sttParseXmlStruct(ptXmlNode, \"Message\", \"ptMessage\", "
+                       "cvtFmtInit) is Err!!"},
+                      false));
+  EXPECT_EQ(cvtGetMsg(cs("Order")), nullptr);  // no directory was read
+}
+
+}  // namespace
