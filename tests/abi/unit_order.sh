@@ -11,8 +11,10 @@ cvt_log 0
 cvt_guard 0
 cvt_handle 8
 cvt_index 0
+cvt_heap 0
 cvt_sql_text 0
 cvt_memory 1
+cvt_heap_pool 1
 cvt_heap_pool 1
 cvt_string 2
 cvt_xml 3
