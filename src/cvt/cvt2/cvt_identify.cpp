@@ -184,59 +184,62 @@ int DoFuc(IdFunc *ptIdFunc, InnerMessage *ptSrcMsg, InnerMessage *ptDstMsg) {
   return 0;
 }
 
-// Both directions report a failing chain as a parse failure; callers' log watchers know this text.
-int run(char *psFormatId, IdFunc *FormatInfo::*ptChain, InnerMessage *ptFirst, InnerMessage *ptSecond) {
+}  // namespace
+
+int fucParse(char *psFormatId, InnerMessage *ptInMsg, InnerMessage *ptVoid) {
+  CVT_NOT_NULL(psFormatId, -1);
   FormatInfo *const ptInfo = GetFormatInfo(psFormatId);
   if (ptInfo == nullptr) {
     CVT_ERR("Get Message Formate [%s] Info err!!\n", psFormatId);
     return -1;
   }
-  if (DoFuc(ptInfo->*ptChain, ptFirst, ptSecond) != 0) {
+  if (DoFuc(ptInfo->ptParseFunc, ptInMsg, ptVoid) != 0) {
     CVT_ERR("Formate[%s] Parse Err!!\n", psFormatId);
     return -1;
   }
   return 0;
 }
 
-}  // namespace
-
-int fucParse(char *psFormatId, InnerMessage *ptInMsg, InnerMessage *ptVoid) {
-  CVT_NOT_NULL(psFormatId, -1);
-  return run(psFormatId, &FormatInfo::ptParseFunc, ptInMsg, ptVoid);
-}
-
+// A failing chain is reported as a parse failure here, too: log watchers know this text. The function that
+// logs it tells the two apart.
 int fucGenerate(char *psFormatId, InnerMessage *ptSrcMsg, InnerMessage *ptDstMsg) {
-  return run(psFormatId, &FormatInfo::ptGenFunc, ptSrcMsg, ptDstMsg);
+  FormatInfo *const ptInfo = GetFormatInfo(psFormatId);
+  if (ptInfo == nullptr) {
+    CVT_ERR("Get Message Formate [%s] Info err!!\n", psFormatId);
+    return -1;
+  }
+  if (DoFuc(ptInfo->ptGenFunc, ptSrcMsg, ptDstMsg) != 0) {
+    CVT_ERR("Formate[%s] Parse Err!!\n", psFormatId);
+    return -1;
+  }
+  return 0;
 }
 
 // --- Standard steps --------------------------------------------------------------------------------------
 
 namespace {
 
-int findDefinition(InnerMessage *ptInMsg, void *ptArgs) {
-  ptInMsg->ptMsgInfo = cvtGetMsg(ptInMsg->sMsgName);
-  if (ptInMsg->ptMsgInfo != nullptr) return 0;
-  int nRet = -1;
-  if (ptArgs != nullptr) {
-    const auto *const ptIdFunc = static_cast<IdFunc *>(ptArgs);
-    const FncIdFunction fIdFunction = ptIdFunc->fIdFunction;
-    CVT_NOT_NULL(ptIdFunc->fIdFunction, -1);
-    nRet =
-        cvt::guarded("Step", ptIdFunc->psFunctName, [&] { return fIdFunction(ptInMsg, nullptr, nullptr); });
-  }
-  if (nRet != 0) {
-    CVT_ERR("Msg [%s] get define info err!!", ptInMsg->sMsgName);
-    return -1;
-  }
-  CVT_NOT_NULL(ptInMsg->ptMsgInfo, -1);  // the fall-back step sets name and definition
-  return 0;
+// Whether the fall-back step for unknown names has done its work: it sets name and definition itself.
+bool fallBack(const IdFunc *ptIdFunc, InnerMessage *ptInMsg) {
+  const FncIdFunction fIdFunction = ptIdFunc->fIdFunction;
+  return cvt::guarded("Step", ptIdFunc->psFunctName,
+                      [&] { return fIdFunction(ptInMsg, nullptr, nullptr); }) == 0;
 }
 
 }  // namespace
 
 int pubNew(InnerMessage *ptInMsg, InnerMessage *, void *ptArgs) {
   CVT_NOT_NULL(ptInMsg, -1);
-  if (findDefinition(ptInMsg, ptArgs) != 0) return -1;
+  ptInMsg->ptMsgInfo = cvtGetMsg(ptInMsg->sMsgName);
+  if (ptInMsg->ptMsgInfo == nullptr) {
+    const auto *const ptIdFunc = static_cast<IdFunc *>(ptArgs);
+    if (ptIdFunc != nullptr) CVT_NOT_NULL(ptIdFunc->fIdFunction, -1);
+    if (ptIdFunc == nullptr || !fallBack(ptIdFunc, ptInMsg)) {
+      CVT_ERR("Msg [%s] get define info err!!", ptInMsg->sMsgName);
+      return -1;
+    }
+    CVT_NOT_NULL(ptInMsg->ptMsgInfo, -1);
+  }
   const int nValueNum = ptInMsg->ptMsgInfo->nValueNum;
   ptInMsg->tValueListInfo.ptValueList = cvtGetValueList(nValueNum);
   if (ptInMsg->tValueListInfo.ptValueList == nullptr) {
@@ -519,14 +522,6 @@ int IdInfoInit(char *psFileName) {
   return 0;
 }
 
-// Loads the files of one of the section's directories; a null directory is none.
-bool loadDirectory(char *psPath, fnptr *fLoad) {
-  if (psPath == nullptr || cvtIniParseDirXml(nullptr, psPath, fLoad) == 0) return true;
-  CVT_ERR("Parse Id File Err In[%s]!!\n", psPath);
-  nGRet = -1;
-  return false;
-}
-
 }  // namespace
 
 void *cvtIdInit(void *ptNode, char *) {
@@ -537,8 +532,17 @@ void *cvtIdInit(void *ptNode, char *) {
     return nullptr;
   }
   if (ptArgs == nullptr) return nullptr;
-  if (!loadDirectory(ptArgs->psIdPath, IdInit)) return nullptr;
-  if (!loadDirectory(ptArgs->psIdInfoPath, IdInfoInit)) return nullptr;
+  const struct {
+    char *psPath;
+    fnptr *fLoad;
+  } directories[] = {{ptArgs->psIdPath, IdInit}, {ptArgs->psIdInfoPath, IdInfoInit}};
+  for (const auto &directory : directories) {
+    if (directory.psPath == nullptr) continue;
+    if (cvtIniParseDirXml(nullptr, directory.psPath, directory.fLoad) == 0) continue;
+    CVT_ERR("Parse Id File Err In[%s]!!\n", directory.psPath);
+    nGRet = -1;
+    return nullptr;
+  }
   nGRet = 0;
   return ptArgs;
 }

@@ -150,8 +150,8 @@ void begin() {
   f_bPlaced = false;
 }
 
-void failed(int nLine, const char *psFunction, const char *psStatement, void *ptXmlNode) {
-  logInfo(1, "$cvt2", "stt_bind.h", nLine, psFunction, "%s is Err!!", psStatement);
+void failed(const char *psFile, int nLine, const char *psFunction, const char *psStatement, void *ptXmlNode) {
+  logInfo(1, "$cvt2", psFile, nLine, psFunction, "%s is Err!!", psStatement);
   if (ptXmlNode != nullptr) place(ptXmlNode);
 }
 

@@ -35,8 +35,9 @@ namespace cvt::bind {
 // Clears the error flag before a step.
 void begin();
 
-// After a failing step: logs the statement, and the place in the configuration when the element is known.
-void failed(int nLine, const char *psFunction, const char *psStatement, void *ptXmlNode);
+// After a failing step: logs the statement as the unit that binds the record, and the place in the configuration
+// when the element is known.
+void failed(const char *psFile, int nLine, const char *psFunction, const char *psStatement, void *ptXmlNode);
 
 // Logs file, line and element, once for each failure: the innermost element that is known wins.
 void place(void *ptXmlNode);
@@ -154,13 +155,16 @@ const Type *find(const Type (&types)[N], const char *psStructType) {
 
 // clang-format off
 
+#define STT_FAILED(psStatement) \
+  cvt::bind::failed(__FILE_NAME__, __LINE__, static_cast<const char *>(__func__), psStatement, ptPlace)
+
 // Runs a statement; if it leaves nGRet at -1, logs its own text followed by " is Err!!" and returns null.
 // ptPlace is the element whose place in the configuration is logged, too, or null.
 #define STT_TRY(...)                                                                     \
   cvt::bind::begin();                                                                    \
   __VA_ARGS__;                                                                           \
   if (nGRet == -1) {                                                                     \
-    cvt::bind::failed(__LINE__, static_cast<const char *>(__func__), #__VA_ARGS__, ptPlace); \
+    STT_FAILED(#__VA_ARGS__);                                                            \
     return nullptr;                                                                      \
   }
 
@@ -169,7 +173,7 @@ const Type *find(const Type (&types)[N], const char *psStructType) {
   cvt::bind::begin();                                                                    \
   if ((__VA_ARGS__) == nullptr) {                                                        \
     nGRet = -1;                                                                          \
-    cvt::bind::failed(__LINE__, static_cast<const char *>(__func__), #__VA_ARGS__, ptPlace); \
+    STT_FAILED(#__VA_ARGS__);                                                            \
     return nullptr;                                                                      \
   }
 
