@@ -12,6 +12,7 @@
 #include <string>
 #include <utility>
 
+#include "cvt_guard.h"
 #include "cvt_log.h"
 #include "cvt_xml.h"
 #include "stt_bind.h"
@@ -44,7 +45,7 @@ FuncList **f_pptChain = &gptFuncList;
 // Whether the place of the failure being reported has been logged.
 bool f_bPlaced = false;
 
-int length(const char *ps) { return static_cast<int>(std::strlen(ps)); }
+int length(const char *ps) { return ps == nullptr ? 0 : static_cast<int>(std::strlen(ps)); }
 
 XmlString attribute(void *ptXmlNode, char *psName) { return XmlString(xmlGetNodeAttr(ptXmlNode, psName)); }
 
@@ -58,8 +59,10 @@ bool hasId(void *ptXmlNode, const char *psId) {
   return id != nullptr && std::strcmp(id.get(), psId) == 0;
 }
 
-// Text and comments carry no attributes: libxml2 answers that for every kind of node.
+// The first child of that type (null: of any) with that "__ID". Text and comments carry no attributes: libxml2
+// answers that for every kind of node.
 void *childWithId(void *ptXmlNode, const char *psType, const char *psId) {
+  if (ptXmlNode == nullptr || psId == nullptr) return nullptr;
   for (void *pt = xmlGetChileNode(ptXmlNode); pt != nullptr; pt = xmlGetNextNode(pt)) {
     if ((psType == nullptr || isNamed(pt, psType)) && hasId(pt, psId)) return pt;
   }
@@ -118,13 +121,25 @@ class CurrentChain {
   FuncList **m_pptSaved;
 };
 
+// What a function of a plug-in or host answers; null, with the flag raised, when it lets an exception out.
+template <class F>
+void *answerOf(const char *psType, F &&call) {
+  void *pt = nullptr;
+  const auto keep = [&] {
+    pt = call();
+    return 0;
+  };
+  if (cvt::guarded("Type", psType, keep) != 0) nGRet = -1;
+  return pt;
+}
+
 bool isBaseType(const char *psType) { return psType != nullptr && std::strcmp(psType, f_sBaseType) == 0; }
 
 // What the first dispatcher of the current chain that knows the type reads, or writes; null when none does.
 void *readByChain(void *ptXmlNode, char *psType) {
   for (const FuncList *pt = *f_pptChain; pt != nullptr; pt = pt->ptNext) {
     CVT_NOT_NULL(pt->fpParse, nullptr);
-    void *const ptStruct = pt->fpParse(ptXmlNode, psType);
+    void *const ptStruct = answerOf(psType, [&] { return pt->fpParse(ptXmlNode, psType); });
     if (ptStruct != nullptr) return ptStruct;
   }
   return nullptr;
@@ -133,7 +148,8 @@ void *readByChain(void *ptXmlNode, char *psType) {
 void *writeByChain(void *ptStruct, void *ptNode, char *psNodeName, char *psType) {
   for (const FuncList *pt = *f_pptChain; pt != nullptr; pt = pt->ptNext) {
     CVT_NOT_NULL(pt->fpGen, nullptr);
-    void *const ptWritten = pt->fpGen(ptStruct, ptNode, psNodeName, psType);
+    void *const ptWritten =
+        answerOf(psType, [&] { return pt->fpGen(ptStruct, ptNode, psNodeName, psType); });
     if (ptWritten != nullptr) return ptWritten;
   }
   return nullptr;
@@ -295,7 +311,8 @@ void *sttParseBySttInfo(char *psFile) {
   }
   CVT_NOT_NULL(ptInfo->fParseFunction, nullptr);
   const CurrentChain chain(&ptInfo->ptVoidFunction);
-  return ptInfo->fParseFunction(psFile, psType, xmlGetChileNode(ptXmlRoot));
+  const FncSttParse fParse = ptInfo->fParseFunction;
+  return answerOf(psType, [&] { return fParse(psFile, psType, xmlGetChileNode(ptXmlRoot)); });
 }
 
 void *sttParseXmlFile(char *psFileName, char *psRootTag, char *psType, void *pfParse) {
@@ -317,7 +334,8 @@ void *sttParseXmlFile(char *psFileName, char *psRootTag, char *psType, void *pfP
     return nullptr;
   }
   CVT_NOT_NULL(ptHeadNode = xmlGetChileNode(ptXmlRoot), nullptr);
-  void *const ptStruct = reinterpret_cast<FncParseRecord>(pfParse)(ptHeadNode, psType);
+  const auto fParse = reinterpret_cast<FncParseRecord>(pfParse);
+  void *const ptStruct = answerOf(psType, [&] { return fParse(ptHeadNode, psType); });
   if (nGRet == -1) {
     CVT_ERR("parse xml[%s)%s] faile", psRootTag, psFileName);
     return nullptr;
@@ -334,7 +352,8 @@ int sttGenXmlFile(char *psFileName, void *ptStruct, char *psTagName, char *psTyp
   XmlNode root(xmlMadeNode(psTagName));
   void *const ptNode = xmlMadeNode(psType);
   xmlPutChileNode(root.get(), ptNode);
-  reinterpret_cast<FncGenRecord>(pfGen)(ptStruct, ptNode, psTagName, psType);
+  const auto fGen = reinterpret_cast<FncGenRecord>(pfGen);
+  answerOf(psType, [&] { return fGen(ptStruct, ptNode, psTagName, psType); });
   if (nGRet == -1) {
     CVT_ERR("Make [%s)%s] Xml err!", psTagName, psFileName);
     return -1;
@@ -428,7 +447,8 @@ namespace {
 // A new last child of ptFather with its "__ID"; null, with the flag raised, when it could not be made.
 void *appendRecord(void *ptFather, char *psName, char *psTypeName) {
   void *const ptNode = xmlMadeNode(psTypeName);
-  if (ptNode == nullptr || xmlPutNodeAttr(ptNode, f_sId, psName, length(psName)) == nullptr) {
+  if (ptFather == nullptr || ptNode == nullptr ||
+      xmlPutNodeAttr(ptNode, f_sId, psName, length(psName)) == nullptr) {
     xmlNodeFree(ptNode);
     nGRet = -1;
     return nullptr;
@@ -437,13 +457,22 @@ void *appendRecord(void *ptFather, char *psName, char *psTypeName) {
   return ptNode;
 }
 
+bool isGiven(const void *fFunc) {
+  if (fFunc == nullptr) nGRet = -1;
+  CVT_NOT_NULL(fFunc, false);
+  return true;
+}
+
 void *read(void *ptElement, char *psType, void *fFunc) {
-  if (ptElement == nullptr || !cvt::bind::mayDescend(ptElement)) return nullptr;
-  return reinterpret_cast<FncParseRecord>(fFunc)(ptElement, psType);
+  if (ptElement == nullptr || !isGiven(fFunc) || !cvt::bind::mayDescend(ptElement)) return nullptr;
+  const auto fParse = reinterpret_cast<FncParseRecord>(fFunc);
+  return answerOf(psType, [&] { return fParse(ptElement, psType); });
 }
 
 void write(void *ptElement, void *ptStruct, char *psName, char *psTypeName, void *fFunc) {
-  if (ptElement != nullptr) reinterpret_cast<FncGenRecord>(fFunc)(ptStruct, ptElement, psName, psTypeName);
+  if (ptElement == nullptr || !isGiven(fFunc)) return;
+  const auto fGen = reinterpret_cast<FncGenRecord>(fFunc);
+  answerOf(psTypeName, [&] { return fGen(ptStruct, ptElement, psName, psTypeName); });
 }
 
 }  // namespace
@@ -451,10 +480,11 @@ void write(void *ptElement, void *ptStruct, char *psName, char *psTypeName, void
 namespace cvt::bind {
 
 void *structElement(void *ptXmlNode, char *psType, char *psName) {
-  return childWithId(ptXmlNode, psType, psName);
+  return psType == nullptr ? nullptr : childWithId(ptXmlNode, psType, psName);
 }
 
 void *nextElement(void *ptXmlNode, char *psType, char *psName) {
+  if (psType == nullptr || psName == nullptr) return nullptr;
   void *const ptOwn = selfOrAncestor(ptXmlNode, psType);
   if (ptOwn == nullptr) return nullptr;
   // Only the very next sibling counts: anything else between two records, a comment too, ends the list.
@@ -468,11 +498,8 @@ void *newStructElement(void *ptXmlNode, char *psName, char *psTypeName) {
 }
 
 void *newNextElement(void *ptXmlNode, char *psName, char *psTypeName) {
-  void *const ptOwn = selfOrAncestor(ptXmlNode, psTypeName);
-  void *const ptFather = ptOwn == nullptr ? nullptr : xmlGetFatherNode(ptOwn);
-  if (ptFather != nullptr) return appendRecord(ptFather, psName, psTypeName);
-  nGRet = -1;
-  return nullptr;
+  void *const ptOwn = psTypeName == nullptr ? nullptr : selfOrAncestor(ptXmlNode, psTypeName);
+  return appendRecord(ptOwn == nullptr ? nullptr : xmlGetFatherNode(ptOwn), psName, psTypeName);
 }
 
 }  // namespace cvt::bind
@@ -520,7 +547,7 @@ void sttGenerateXmlVoid(void *ptXmlNode, void *ptVoid, char *psName) {
     nGRet = -1;
     return;
   }
-  if (xmlPutChileNode(ptXmlNode, ptNode) != 0) {
+  if (ptXmlNode == nullptr || xmlPutChileNode(ptXmlNode, ptNode) != 0) {
     CVT_ERR("xmlPutChileNode Err!!");
     xmlNodeFree(ptNode);
     nGRet = -1;

@@ -119,7 +119,8 @@ void sttGenerateXmlDouble(void *ptXmlNode, double dDouble, char *psName);
 
 /*   fFunc of a reader  void *(void *element, char *psType)
  *   fFunc of a writer  void *(void *record, void *element, char *psName, char *psType)
- * Null records are not written. */
+ * Null records are not written. A null element, name or type reads as null, and is a failure for a writer; a null
+ * fFunc that is needed is one for both (logged). */
 void *sttParseXmlStruct(void *ptXmlNode, char *psType, char *psName, void *fFunc);
 void sttGenerateXmlStruct(void *ptXmlNode, void *ptStruct, char *psName, char *psTypeName, void *fFunc);
 void *sttParseXmlNext(void *ptXmlNode, char *psType, char *psName, void *fFunc);
