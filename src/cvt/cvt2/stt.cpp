@@ -447,7 +447,7 @@ namespace {
 // A new last child of ptFather with its "__ID"; null, with the flag raised, when it could not be made.
 void *appendRecord(void *ptFather, char *psName, char *psTypeName) {
   void *const ptNode = xmlMadeNode(psTypeName);
-  if (ptFather == nullptr || ptNode == nullptr ||
+  if (ptFather == nullptr || ptNode == nullptr || !cvt::bind::mayDescend(ptNode) ||
       xmlPutNodeAttr(ptNode, f_sId, psName, length(psName)) == nullptr) {
     xmlNodeFree(ptNode);
     nGRet = -1;
@@ -524,7 +524,8 @@ void sttGenerateXmlNext(void *ptXmlNode, void *ptStruct, char *psName, char *psT
 
 void *sttParseXmlVoid(void *ptXmlNode, char *psName) {
   void *const ptChild = childWithId(ptXmlNode, nullptr, psName);
-  return ptChild == nullptr ? nullptr : sttParseVoid(ptChild, xmlGetNodeName(ptChild));
+  if (ptChild == nullptr || !cvt::bind::mayDescend(ptChild)) return nullptr;
+  return sttParseVoid(ptChild, xmlGetNodeName(ptChild));
 }
 
 void sttGenerateXmlVoid(void *ptXmlNode, void *ptVoid, char *psName) {
@@ -553,6 +554,7 @@ void sttGenerateXmlVoid(void *ptXmlNode, void *ptVoid, char *psName) {
     nGRet = -1;
     return;
   }
+  if (!cvt::bind::mayDescend(ptNode)) return;
   // A base string has no dispatcher: its element stays without the value.
   if (writeByChain(ptVoid, ptNode, psName, psType) == nullptr && !isBaseType(psType)) {
     CVT_ERR("Type[%s] Not Define", psType);

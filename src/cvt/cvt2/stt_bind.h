@@ -42,8 +42,8 @@ void failed(const char *psFile, int nLine, const char *psFunction, const char *p
 // Logs file, line and element, once for each failure: the innermost element that is known wins.
 void place(void *ptXmlNode);
 
-// Whether a record may be read one level further down. Lists are read by recursion, a level for each record, so a
-// very long one is refused, with nGRet -1 (logged), before the stack ends.
+// Whether a record may be read or written one level further down. Lists are worked off by recursion, a level for
+// each record, so a very long one is refused, with nGRet -1 (logged), before the stack ends.
 bool mayDescend(void *ptXmlNode);
 
 // A record pointer of whatever type the statement declares.
