@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
-#include <vector>
 
 #include "cvt_guard.h"
+#include "cvt_heap.h"
 #include "cvt_index.h"
 #include "cvt_log.h"
 #include "cvt_sql_text.h"
@@ -350,7 +350,7 @@ class ArgArray {
  public:
   explicit ArgArray(int nSize) {
     if (f_depth == f_arrays.size()) f_arrays.emplace_back();
-    std::vector<Value *> &array = f_arrays[f_depth++];
+    cvt::Vector<Value *> &array = f_arrays[f_depth++];
     array.assign(std::max(array.size(), static_cast<size_t>(nSize)), nullptr);
     m_data = array.data();
   }
@@ -361,7 +361,7 @@ class ArgArray {
   Value **data() const { return m_data; }
 
  private:
-  static inline std::vector<std::vector<Value *>> f_arrays;
+  static inline cvt::Vector<cvt::Vector<Value *>> f_arrays;
   static inline size_t f_depth = 0;
   Value **m_data;
 };

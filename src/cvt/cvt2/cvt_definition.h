@@ -4,8 +4,7 @@
 // other by nature: a loop body is indexed like a message, and a reference loads a file through the registry.
 #pragma once
 
-#include <unordered_set>
-
+#include "cvt_heap.h"
 #include "cvt_message.h"
 
 namespace cvt {
@@ -27,7 +26,7 @@ class Met {
 
  private:
   inline static int s_nDepth = 0;
-  inline static std::unordered_set<const T *> s_met;
+  inline static HashSet<const T *> s_met;
 };
 
 // Loads one definition file and registers it under its message's name: 0, 1 known already, -1 (logged).

@@ -5,11 +5,11 @@
 #include <cstdio>
 #include <cstring>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 
 #include "cvt_guard.h"
 #include "cvt_handle.h"
+#include "cvt_heap.h"
 #include "cvt_index.h"
 #include "cvt_log.h"
 #include "stt_bind.h"
@@ -282,7 +282,7 @@ namespace {
 
 // The answers of a walk over one message's pair list, for the lists that the identification files gave.
 struct Choices {
-  std::unordered_map<std::string_view, Converter *> byFormat;  // the first pair of a format wins
+  cvt::HashMap<std::string_view, Converter *> byFormat;  // the first pair of a format wins
   Converter *ptDefault = nullptr;                              // the last pair with an empty format id
 };
 
@@ -319,7 +319,7 @@ Converter *choose(const IdCvtInfo *ptList, const char *psFormatId) {
   return ptDefault;
 }
 
-std::unordered_map<const void *, Choices> f_choices;  // by loaded pair list
+cvt::HashMap<const void *, Choices> f_choices;  // by loaded pair list
 
 }  // namespace
 

@@ -2,14 +2,14 @@
 #pragma once
 
 #include <string_view>
-#include <unordered_map>
-#include <vector>
+
+#include "cvt_heap.h"
 
 namespace cvt {
 
-// A private index beside a singly linked list whose first entry of a name wins. The list stays what it is; the
-// index follows it: an entry put in front is taken in at the next look-up, and a list that is not an extension
-// of the one indexed last is indexed anew.
+// A private index beside a singly linked list whose first entry of a name wins. The list stays what it is;
+// the index follows it: an entry put in front is taken in at the next look-up, and a list that is not an
+// extension of the one indexed last is indexed anew.
 //   Entry   list element with a member ptNext
 //   Key     the member that holds the name, a char *
 // clear() must be called when the list's memory is released: a later list may lie at the same address.
@@ -34,7 +34,7 @@ class ListIndex {
   // Takes the list in.
   void follow(Entry *ptHead) {
     if (ptHead == m_ptHead) return;
-    std::vector<Entry *> fresh;
+    Vector<Entry *> fresh;
     Entry *pt = ptHead;
     for (; pt != nullptr && pt != m_ptHead; pt = pt->ptNext) fresh.push_back(pt);
     if (pt == nullptr) m_byName.clear();  // not an extension of what was indexed
@@ -46,7 +46,7 @@ class ListIndex {
 
  private:
   Entry *m_ptHead = nullptr;
-  std::unordered_map<std::string_view, Entry *> m_byName;
+  HashMap<std::string_view, Entry *> m_byName;
 };
 
 }  // namespace cvt

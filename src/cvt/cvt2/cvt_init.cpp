@@ -9,10 +9,11 @@
 #include <cstring>
 #include <filesystem>
 #include <memory>
-#include <string>
+#include <new>
 #include <utility>
 
 #include "cvt.h"
+#include "cvt_heap.h"
 #include "cvt_log.h"
 #include "stt_bind.h"
 
@@ -158,7 +159,7 @@ void replaceRootPath(HeapString path) {
   const HeapString old(std::exchange(gpsRootPath, path.release()));
 }
 
-std::string f_sRootFile;  // outlives the objects of a host that end the library when they go
+cvt::String f_sRootFile;  // outlives the objects of a host that end the library when they go
 
 // gpsRootFile is interned, so it goes with the pool; callers may still read it afterwards.
 void keepRootFile() {
@@ -198,16 +199,18 @@ char *cutLast(char *psPath) {
 // A root file lies in a directory below the configuration root. A name too short to say which is completed
 // from the current directory; links are not followed, since the root is where the file is found, not where it
 // is kept.
-void completeRootFile() {
+void completeRootFile() try {
   if (std::count(gpsRootPath, gpsRootPath + std::strlen(gpsRootPath), '/') >= 2) return;
   std::error_code error;
   const std::filesystem::path full = std::filesystem::absolute(gpsRootPath, error).lexically_normal();
-  if (!error) replaceRootPath(HeapString(strdup(full.c_str())));
+  if (!error) replaceRootPath(HeapString(cvt::heapCopy(full.c_str())));
+} catch (const std::bad_alloc &) {
+  cvt::heapExhausted(kPathSize);
 }
 
 int loadRootFile() {
   completeRootFile();
-  const std::string sWhole = gpsRootPath;
+  const cvt::String sWhole = gpsRootPath;
   char *const psFileName = cutLast(gpsRootPath);
   char *const psDir = psFileName == nullptr ? nullptr : cutLast(gpsRootPath);
   if (psDir == nullptr) {
@@ -261,8 +264,8 @@ bool rootFileChanged() {
 
 int cvtInit(char *psPath) {
   CVT_NOT_NULL(psPath, -1);
-  const std::string sPath = psPath;  // psPath may be gpsRootPath itself
-  replaceRootPath(HeapString(strdup(psPath)));
+  const cvt::String sPath = psPath;  // psPath may be gpsRootPath itself
+  replaceRootPath(HeapString(cvt::heapCopy(psPath)));
   if (initialise() != 0) {
     CVT_ERR("Init Path[%s] err!!\n", sPath.c_str());
     return -1;
@@ -277,7 +280,7 @@ int cvtInitReload() {
     return -1;
   }
   if (gptAllInfo->nReload != 1 || !rootFileChanged()) return 0;
-  replaceRootPath(HeapString(strdup(gpsRootFile)));
+  replaceRootPath(HeapString(cvt::heapCopy(gpsRootFile)));
   return initialise();
 }
 

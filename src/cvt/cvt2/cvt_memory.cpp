@@ -11,9 +11,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
-#include <map>
-#include <new>
 
+#include "cvt_heap.h"
 #include "cvt_heap_pool.h"
 #include "cvt_log.h"
 
@@ -80,7 +79,7 @@ class RunIndex {
     MemBlock *ptFirst;
     MemBlock *ptLast;
   };
-  std::map<int, Run> m_runs;
+  cvt::Map<int, Run> m_runs;
 };
 
 RunIndex f_room;                 // beside the global node's ptHeadBlock
@@ -89,19 +88,10 @@ MemBlock *f_ptParked = nullptr;  // exhausted blocks that clean-ups have left: t
 RunIndex f_parked;               // beside f_ptParked
 bool f_bReleased = false;        // cvtMemCleanUp has run: the globals keep values that nothing may follow
 
-// Callers use what the pool gives them unchecked, so there is nobody to report to.
-[[noreturn]] void HeapExhausted(size_t nSize) {
-  CVT_ERR(
-      "memory pool: %zu bytes wanted, the heap has none left; raise the memory limit of the process or lower "
-      "gnMaxValue and gnMaxLoop",
-      nSize);
-  std::abort();
-}
-
 template <class T>
 T *Zeroed(size_t nNum = 1) {
   void *const pt = std::calloc(nNum, sizeof(T));
-  if (pt == nullptr) HeapExhausted(nNum * sizeof(T));
+  if (pt == nullptr) cvt::heapExhausted(nNum * sizeof(T));
   return static_cast<T *>(pt);
 }
 
@@ -349,21 +339,13 @@ void *cvtMalloc(int nNum, MemNode *ptNode) {
 }
 
 void *cvtMemMalloc(int nNum) {
-  try {
-    return GetMemoryGreedy(NowGlobalNode(), nNum);
-  } catch (const std::bad_alloc &) {
-    HeapExhausted(sizeof(MemBlock));
-  }
+  return GetMemoryGreedy(NowGlobalNode(), nNum);
 }
 
 int cvtMemReset(void) {
   StartAfresh();
   if (gptGlobalNode == nullptr) return 0;
-  try {
-    return SetNodeNotUseGreedy(gptGlobalNode);
-  } catch (const std::bad_alloc &) {
-    HeapExhausted(sizeof(MemBlock));
-  }
+  return SetNodeNotUseGreedy(gptGlobalNode);
 }
 
 MemNode *cvtMemNewNode(void) {
@@ -401,11 +383,7 @@ int cvtMemCleanUp(void) {
   if (f_bReleased) return 0;
   if (gptMemRoot != nullptr) MemRootCleanUp(gptMemRoot);
   if (gptGlobalNode != nullptr) {
-    try {
-      Park(gptGlobalNode->ptNowBlock);
-    } catch (const std::bad_alloc &) {
-      HeapExhausted(sizeof(MemBlock));
-    }
+    Park(gptGlobalNode->ptNowBlock);
     MemNodeCleanUp(gptGlobalNode);
   }
   f_room.clear();

@@ -4,12 +4,11 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
-#include <string>
 #include <string_view>
-#include <vector>
 
 #include "cvt_definition.h"
 #include "cvt_guard.h"
+#include "cvt_heap.h"
 #include "cvt_index.h"
 #include "cvt_log.h"
 #include "stt_bind.h"
@@ -58,7 +57,7 @@ int FmtAddMsg(Msg *ptMsg) {
 }
 
 // The files being read, each referred to by the one before it.
-std::vector<std::string> f_reading;
+cvt::Vector<cvt::String> f_reading;
 
 // Every file takes some kilobytes of the stack while it waits for the one it refers to.
 constexpr size_t kMostReading = 256;

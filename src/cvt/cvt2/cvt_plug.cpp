@@ -3,10 +3,10 @@
 
 #include <cstdio>
 #include <memory>
-#include <string>
 
 #include "cvt.h"
 #include "cvt_guard.h"
+#include "cvt_heap.h"
 #include "cvt_log.h"
 #include "stt_bind.h"
 
@@ -31,14 +31,14 @@ void keepMapped(const char *psFile) {
   dlopen(psFile, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE);
 }
 
-std::string fileOf(const char *psName, const char *psPath) {
+cvt::String fileOf(const char *psName, const char *psPath) {
   if (psPath != nullptr) return psPath;
   char sFile[2048];
   std::snprintf(sFile, sizeof sFile, "%slibcvt_plug_%s.so", gpsBasePlugPath, psName);
   return sFile;
 }
 
-std::string symbolOf(const char *psName, const char *psFunction) {
+cvt::String symbolOf(const char *psName, const char *psFunction) {
   if (psFunction != nullptr) return psFunction;
   char sSymbol[2048];
   std::snprintf(sSymbol, sizeof sSymbol, "%sInit", psName);
@@ -63,13 +63,13 @@ void *GetPlug(char *psName, char *psPath, char *psFunction, void *ptNode) {
     CVT_ERR("Plug Name Is Null!!");
     return refuse();
   }
-  const std::string sFile = fileOf(psName, psPath);
+  const cvt::String sFile = fileOf(psName, psPath);
   Library library(dlopen(sFile.c_str(), RTLD_NOW));
   if (library == nullptr) {
     CVT_ERR("dlopen Err:%s!!", dlerror());
     return refuse();
   }
-  const std::string sSymbol = symbolOf(psName, psFunction);
+  const cvt::String sSymbol = symbolOf(psName, psFunction);
   const auto fInit = reinterpret_cast<FncInit>(dlsym(library.get(), sSymbol.c_str()));
   if (fInit == nullptr) {
     const char *const psError = dlerror();

@@ -3,7 +3,8 @@
 
 #include <cstddef>
 #include <cstring>
-#include <vector>
+
+#include "cvt_heap.h"
 
 namespace cvt {
 
@@ -25,7 +26,7 @@ class SqlText {
 
  private:
   static constexpr size_t kStep = 1000;
-  std::vector<char> m_text = std::vector<char>(kStep);
+  Vector<char> m_text = Vector<char>(kStep);
   size_t m_length = 0;
 };
 

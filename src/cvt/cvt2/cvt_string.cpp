@@ -9,10 +9,9 @@
 #include <cstring>
 #include <ctime>
 #include <iterator>
-#include <new>
 #include <string_view>
-#include <unordered_map>
 
+#include "cvt_heap.h"
 #include "cvt_log.h"
 
 Dictionary *gptDict = nullptr;
@@ -76,7 +75,7 @@ class DictIndex {
   Dictionary *m_ptDict = nullptr;  // first chunk of the dictionary indexed; null: none
   Dictionary *m_ptLast = nullptr;  // the chunk with the first free slot, or the last one
   size_t m_nUsed = 0;              // used slots of that chunk
-  std::unordered_map<std::string_view, char *> m_strings;
+  cvt::HashMap<std::string_view, char *> m_strings;
 };
 
 DictIndex f_dict;
@@ -200,19 +199,14 @@ int cvtEndDict(void) {
 
 char *cvtStrDup(char *psStr) {
   CVT_NOT_NULL(psStr, nullptr);
-  try {
-    if (gptDict == nullptr) cvtInitDict();
-    f_dict.follow(gptDict);
-    if (char *const psKnown = f_dict.find(psStr)) return psKnown;
-    f_dict.makeRoom();
-    char *const psNew = Copied(cvtMemMalloc(CopySize(psStr)), psStr);
-    CVT_NOT_NULL(psNew, nullptr);
-    f_dict.add(psNew);
-    return psNew;
-  } catch (const std::bad_alloc &) {
-    CVT_ERR("dictionary: no heap left to index [%s]; raise the memory limit of the process", psStr);
-    return nullptr;
-  }
+  if (gptDict == nullptr) cvtInitDict();
+  f_dict.follow(gptDict);
+  if (char *const psKnown = f_dict.find(psStr)) return psKnown;
+  f_dict.makeRoom();
+  char *const psNew = Copied(cvtMemMalloc(CopySize(psStr)), psStr);
+  CVT_NOT_NULL(psNew, nullptr);
+  f_dict.add(psNew);
+  return psNew;
 }
 
 char *cvtStrDupMem(char *psStr, MemPort ptMemNode) {

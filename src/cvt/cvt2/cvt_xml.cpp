@@ -29,30 +29,52 @@ struct XmlFree {
 };
 using XmlText = std::unique_ptr<xmlChar, XmlFree>;
 
+// Puts the first of several messages, on one line, into a string.
+void keepFirst(cvt::String &sReason, const xmlError &error) {
+  if (!sReason.empty()) return;
+  if (error.line > 0) sReason.append("line ").append(std::to_string(error.line).c_str()).append(": ");
+  sReason += error.message == nullptr ? "out of memory" : error.message;
+  if (sReason.back() == '\n') sReason.pop_back();
+  std::replace(sReason.begin(), sReason.end(), '\n', ' ');
+}
+
 // Keeps libxml2's messages off the standard error stream, and from a host's own handler, while it lives.
 class Quiet {
  public:
-  explicit Quiet(xmlStructuredErrorFunc handler = [](void *, xmlErrorPtr) {}, void *context = nullptr) {
-    xmlSetStructuredErrorFunc(context, handler);
+  // psReason, if given, gets the first message.
+  explicit Quiet(cvt::String *psReason = nullptr) : m_psReason(psReason) {
+    xmlSetStructuredErrorFunc(this, take);
   }
   ~Quiet() { xmlSetStructuredErrorFunc(m_context, m_handler); }
   Quiet(const Quiet &) = delete;
   Quiet &operator=(const Quiet &) = delete;
 
+  // Whether the heap had nothing left on the way.
+  bool noHeap() const { return m_bNoHeap; }
+
+  // What libxml2 has made meanwhile. Without heap it may lack parts: then it is dropped, and the answer is null.
+  template <class T, class Drop>
+  T *whole(T *pt, Drop drop) const {
+    if (!m_bNoHeap) return pt;
+    if (pt != nullptr) drop(pt);
+    return nullptr;
+  }
+
  private:
+  static void take(void *context, xmlErrorPtr error) {
+    Quiet &self = *static_cast<Quiet *>(context);
+    if (error->code == XML_ERR_NO_MEMORY) self.m_bNoHeap = true;
+    if (self.m_psReason != nullptr) keepFirst(*self.m_psReason, *error);
+  }
+
   const xmlStructuredErrorFunc m_handler = xmlStructuredError;
   void *const m_context = xmlStructuredErrorContext;
+  cvt::String *const m_psReason;
+  bool m_bNoHeap = false;
 };
 
-// Puts the first of several messages, on one line, into the string that is its context.
-void keepFirst(void *context, xmlErrorPtr error) {
-  std::string &sReason = *static_cast<std::string *>(context);
-  if (!sReason.empty() || error->message == nullptr) return;
-  if (error->line > 0) sReason = "line " + std::to_string(error->line) + ": ";
-  sReason += error->message;
-  if (sReason.back() == '\n') sReason.pop_back();
-  std::replace(sReason.begin(), sReason.end(), '\n', ' ');
-}
+// A namespace belongs to its element, which drops it.
+void leaveToNode(xmlNsPtr) {}
 
 // A copy of the first nLen bytes, or of all when there are fewer, so that the caller's string is not written to.
 // Null for no string and for a negative length.
@@ -71,15 +93,19 @@ XmlPlace xmlPlaceOf(void *ptXmlNode) {
   return {bNamed ? plain(pt->doc->URL) : "", xmlGetLineNo(pt)};
 }
 
-void *xmlFileParse(char *psFileName, std::string &sReason) {
+void *xmlFileParse(char *psFileName, String &sReason) {
   sReason.clear();
-  const Quiet quiet(keepFirst, &sReason);
-  const xmlDocPtr pt = xmlReadFile(psFileName, nullptr, XML_PARSE_NOBLANKS);
+  const Quiet quiet(&sReason);
+  const xmlDocPtr pt = quiet.whole(xmlReadFile(psFileName, nullptr, XML_PARSE_NOBLANKS), xmlFreeDoc);
   if (pt == nullptr) return nullptr;
   // The place of a failure names the file as the caller wrote it, not as the URL that libxml2 makes of it.
   xmlFree(const_cast<xmlChar *>(pt->URL));
   pt->URL = xmlStrdup(text(psFileName));
-  return pt;
+  return quiet.whole(pt, xmlFreeDoc);
+}
+
+bool xmlHasAttr(void *ptXmlNode, const char *psAttrName) {
+  return xmlHasProp(node(ptXmlNode), text(psAttrName)) != nullptr;
 }
 
 void xmlDropNode(void *ptXmlNode) {
@@ -97,15 +123,17 @@ void XmlNodeFree::operator()(void *ptXmlNode) const { xmlNodeFree(ptXmlNode); }
 void *xmlInit() { return xmlInitEncoding(const_cast<char *>("UTF-8")); }
 
 void *xmlInitEncoding(char *psEncoding) {
+  const Quiet quiet;
   const xmlDocPtr pt = xmlNewDoc(text("1.0"));
   if (pt != nullptr) pt->encoding = xmlStrdup(text(psEncoding));
-  return pt;
+  return quiet.whole(pt, xmlFreeDoc);
 }
 
-void *xmlMadeNode(char *psNodeName) { return xmlNewNode(nullptr, text(psNodeName)); }
+void *xmlMadeNode(char *psNodeName) { return xmlMadeNsNode(nullptr, psNodeName); }
 
 void *xmlMadeNsNode(void *ptXmlNs, char *psNodeName) {
-  return xmlNewNode(nameSpace(ptXmlNs), text(psNodeName));
+  const Quiet quiet;
+  return quiet.whole(xmlNewNode(nameSpace(ptXmlNs), text(psNodeName)), xmlFreeNode);
 }
 
 void *xmlMadeNameSpace(void *ptXmlNode, char *psNameSpace) {
@@ -113,7 +141,8 @@ void *xmlMadeNameSpace(void *ptXmlNode, char *psNameSpace) {
 }
 
 void *xmlMadeNameSpaceShortCut(void *ptXmlNode, char *psShortCut, char *psNameSpace, int nFlag) {
-  const xmlNsPtr pt = xmlNewNs(node(ptXmlNode), text(psNameSpace), text(psShortCut));
+  const Quiet quiet;
+  const xmlNsPtr pt = quiet.whole(xmlNewNs(node(ptXmlNode), text(psNameSpace), text(psShortCut)), leaveToNode);
   if (pt != nullptr && nFlag == 1) xmlSetNs(node(ptXmlNode), pt);
   return pt;
 }
@@ -136,9 +165,10 @@ void *xmlPutNsNodeValue(void *ptXmlFatherNode, void *ptXmlNs, char *psName, char
   if (psVaule == nullptr || nLen < 0) return nullptr;
   const char cSaved = psVaule[nLen];
   psVaule[nLen] = 0;
-  void *const pt = xmlNewTextChild(node(ptXmlFatherNode), nameSpace(ptXmlNs), text(psName), text(psVaule));
+  const Quiet quiet;
+  const xmlNodePtr pt = xmlNewTextChild(node(ptXmlFatherNode), nameSpace(ptXmlNs), text(psName), text(psVaule));
   psVaule[nLen] = cSaved;
-  return pt;
+  return quiet.whole(pt, cvt::xmlDropNode);
 }
 
 void *xmlPutNodeValue(void *ptXmlFatherNode, char *psName, char *psVaule, int nLen) {
@@ -146,14 +176,17 @@ void *xmlPutNodeValue(void *ptXmlFatherNode, char *psName, char *psVaule, int nL
 }
 
 void *xmlPutNodeAttr(void *ptXmlNode, char *psAttrName, char *psAttrVaule, int nAttrLen) {
+  const Quiet quiet;
   const XmlText value = firstBytes(psAttrVaule, nAttrLen);
-  return value == nullptr ? nullptr : xmlSetProp(node(ptXmlNode), text(psAttrName), value.get());
+  if (value == nullptr) return nullptr;
+  return quiet.whole(xmlSetProp(node(ptXmlNode), text(psAttrName), value.get()), xmlRemoveProp);
 }
 
 void *xmlPutNsNodeAttr(void *ptXmlNode, void *ptXmlNs, char *psAttrName, char *psAttrVaule, int nAttrLen) {
+  const Quiet quiet;
   const XmlText value = firstBytes(psAttrVaule, nAttrLen);
   if (value == nullptr) return nullptr;
-  return xmlSetNsProp(node(ptXmlNode), nameSpace(ptXmlNs), text(psAttrName), value.get());
+  return quiet.whole(xmlSetNsProp(node(ptXmlNode), nameSpace(ptXmlNs), text(psAttrName), value.get()), xmlRemoveProp);
 }
 
 // --- Writing and reading ----------------------------------------------------------------------------------------
@@ -164,7 +197,7 @@ int xmlGenerate(void *ptXmlDoc, char *psBuf, int *pnLen) {
   const Quiet quiet;
   xmlDocDumpMemory(document(ptXmlDoc), &psDump, &nSize);
   const XmlText owner(psDump);
-  if (psDump == nullptr || *pnLen < nSize) return -1;
+  if (psDump == nullptr || quiet.noHeap() || *pnLen < nSize) return -1;
   *pnLen = nSize;
   std::memcpy(psBuf, psDump, static_cast<size_t>(nSize));
   return 0;
@@ -172,22 +205,23 @@ int xmlGenerate(void *ptXmlDoc, char *psBuf, int *pnLen) {
 
 int xmlFileGenerate(char *psFileName, void *ptXmlDoc) {
   const Quiet quiet;
-  return xmlSaveFormatFile(psFileName, document(ptXmlDoc), 1);
+  const int nSize = xmlSaveFormatFile(psFileName, document(ptXmlDoc), 1);
+  return quiet.noHeap() ? -1 : nSize;
 }
 
 void *xmlParse(char *psBuf, int nLen) {
   const Quiet quiet;
-  return xmlReadMemory(psBuf, nLen, nullptr, nullptr, 0);
+  return quiet.whole(xmlReadMemory(psBuf, nLen, nullptr, nullptr, 0), xmlFreeDoc);
 }
 
 void *xmlParse2(char *psBuf, int nLen) {
   const Quiet quiet;
-  return xmlReadMemory(psBuf, nLen, nullptr, nullptr, XML_PARSE_NOBLANKS);
+  return quiet.whole(xmlReadMemory(psBuf, nLen, nullptr, nullptr, XML_PARSE_NOBLANKS), xmlFreeDoc);
 }
 
 void *xmlFileParse(char *psFileName) {
   const Quiet quiet;
-  return xmlReadFile(psFileName, nullptr, XML_PARSE_NOBLANKS);
+  return quiet.whole(xmlReadFile(psFileName, nullptr, XML_PARSE_NOBLANKS), xmlFreeDoc);
 }
 
 int xmlDocFree(void *ptXmlDoc) {
@@ -216,10 +250,12 @@ char *xmlGetNodeVaule(void *ptXmlNode) {
   // Only the first child counts: text behind an element child is never seen.
   const xmlNodePtr ptChild = node(ptXmlNode)->children;
   if (ptChild == nullptr || ptChild->type == XML_ELEMENT_NODE) return nullptr;
+  const Quiet quiet;
   return plain(xmlNodeGetContent(ptChild));
 }
 
 char *xmlGetNodeAttr(void *ptXmlNode, char *psAttrName) {
+  const Quiet quiet;
   return plain(xmlGetProp(node(ptXmlNode), text(psAttrName)));
 }
 

@@ -1,7 +1,7 @@
 // cvt_xml.h: what the library itself asks of the XML layer beyond its exported functions. Private.
 #pragma once
 
-#include <string>
+#include "cvt_heap.h"
 
 namespace cvt {
 
@@ -14,7 +14,10 @@ XmlPlace xmlPlaceOf(void *ptXmlNode);
 
 // xmlFileParse; for a file that libxml2 refuses, sReason says what it objected to first:
 // "line 3: Opening and ending tag mismatch: b line 2 and a".
-void *xmlFileParse(char *psFileName, std::string &sReason);
+void *xmlFileParse(char *psFileName, String &sReason);
+
+// Whether an element has an attribute: where it has, and xmlGetNodeAttr gives null, the heap has nothing left.
+bool xmlHasAttr(void *ptXmlNode, const char *psAttrName);
 
 // Takes a node out of its tree and frees it.
 void xmlDropNode(void *ptXmlNode);

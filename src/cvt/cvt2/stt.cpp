@@ -9,9 +9,9 @@
 #include <cstring>
 #include <memory>
 #include <new>
-#include <string>
 #include <utility>
 
+#include "cvt_heap.h"
 #include "cvt_guard.h"
 #include "cvt_log.h"
 #include "cvt_xml.h"
@@ -47,7 +47,15 @@ bool f_bPlaced = false;
 
 int length(const char *ps) { return ps == nullptr ? 0 : static_cast<int>(std::strlen(ps)); }
 
-XmlString attribute(void *ptXmlNode, char *psName) { return XmlString(xmlGetNodeAttr(ptXmlNode, psName)); }
+// The attribute's text. Null without one; also, with the flag raised, where the heap has no room for it.
+XmlString attribute(void *ptXmlNode, char *psName) {
+  XmlString value(xmlGetNodeAttr(ptXmlNode, psName));
+  if (value == nullptr && cvt::xmlHasAttr(ptXmlNode, psName)) {
+    nGRet = -1;
+    CVT_ERR("Attribute[%s]: the heap has no room for its value; raise the memory limit of the process", psName);
+  }
+  return value;
+}
 
 bool isNamed(void *ptXmlNode, const char *psName) {
   const char *const psNodeName = xmlGetNodeName(ptXmlNode);
@@ -214,8 +222,7 @@ int sttAddVoidFunctionToSttInfo(char *psType, sttFncParseVoid fpParseVoid, sttFn
     CVT_ERR("SttInfo[%s] Not Defined!!", psType);
     return -1;
   }
-  auto fresh = std::make_unique<FuncList>(FuncList{fpParseVoid, fpGenVoid, ptInfo->ptVoidFunction});
-  ptInfo->ptVoidFunction = fresh.release();
+  ptInfo->ptVoidFunction = cvt::heapNew(FuncList{fpParseVoid, fpGenVoid, ptInfo->ptVoidFunction});
   return 0;
 }
 
@@ -224,7 +231,7 @@ int sttAddFuncVoid(sttFncParseVoid fpParseVoid, sttFncGenVoid fpGenVoid) {
   for (; *pptEnd != nullptr; pptEnd = &(*pptEnd)->ptNext) {
     if ((*pptEnd)->fpParse == fpParseVoid) return 0;
   }
-  *pptEnd = std::make_unique<FuncList>(FuncList{fpParseVoid, fpGenVoid, nullptr}).release();
+  *pptEnd = cvt::heapNew(FuncList{fpParseVoid, fpGenVoid, nullptr});
   return 0;
 }
 
@@ -235,7 +242,7 @@ int sttResetFunctVoid() {
 
 int sttSetVoidType(void *pPoint, char *psStructType) {
   if (pPoint == nullptr || psStructType == nullptr) return -1;
-  gptTypeList = std::make_unique<TypeList>(TypeList{pPoint, psStructType, gptTypeList}).release();
+  gptTypeList = cvt::heapNew(TypeList{pPoint, psStructType, gptTypeList});
   return 0;
 }
 
@@ -263,7 +270,7 @@ void *sttParseVoid(void *ptXmlNode, char *psStructType) {
   if (void *const ptStruct = readByChain(ptXmlNode, psStructType)) return ptStruct;
   if (isBaseType(psStructType)) {
     const XmlString value = attribute(ptXmlNode, f_sBaseValue);
-    return value == nullptr ? nullptr : strdup(value.get());
+    return value == nullptr ? nullptr : cvt::heapCopy(value.get());
   }
   CVT_ERR("Type[%s] Not Define", psStructType);
   return nullptr;
@@ -290,7 +297,7 @@ void *sttGenVoid(void *ptSruct, void *ptNode, char *psNodeName, char *psStructTy
 
 void *sttParseBySttInfo(char *psFile) {
   CVT_NOT_NULL(psFile, nullptr);
-  std::string sReason;
+  cvt::String sReason;
   const XmlDoc doc(cvt::xmlFileParse(psFile, sReason));
   if (doc == nullptr) {
     CVT_ERR("File[%s] Parse err!!", psFile);
@@ -321,7 +328,7 @@ void *sttParseXmlFile(char *psFileName, char *psRootTag, char *psType, void *pfP
   void *ptXmlDoc = nullptr;
   void *ptXmlRoot = nullptr;
   void *ptHeadNode = nullptr;
-  std::string sReason;
+  cvt::String sReason;
   if ((ptXmlDoc = cvt::xmlFileParse(psFileName, sReason)) == nullptr) {
     CVT_ERR("[ptXmlDoc = xmlFileParse(psFileName)] is NULL");
     CVT_ERR("File[%s] %s", psFileName, sReason.c_str());
@@ -400,7 +407,7 @@ void sttGenerateXmlChar(void *ptXmlNode, char caChar, char *psName) {
   putNumber<2>(ptXmlNode, psName, "%c", caChar);
 }
 
-char *sttParseXmlString(void *ptXmlNode, char *psName) { return xmlGetNodeAttr(ptXmlNode, psName); }
+char *sttParseXmlString(void *ptXmlNode, char *psName) { return attribute(ptXmlNode, psName).release(); }
 
 void sttGenerateXmlString(void *ptXmlNode, char *psString, char *psName) {
   if (psString != nullptr) putAttribute(ptXmlNode, psName, psString);

@@ -1,13 +1,11 @@
 // stt_cvt_message.cpp: the definition tree: its bound records, the creation of nodes, and the node index.
 #include <algorithm>
 #include <cstdio>
-#include <memory>
-#include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 
 #include "cvt_definition.h"
+#include "cvt_heap.h"
 #include "cvt_log.h"
 #include "cvt_message.h"
 #include "stt_bind.h"
@@ -16,37 +14,21 @@ namespace {
 
 // --- Traversal: a node, its child subtree, its other subtree, its next sibling -----------------------------
 
-struct MessageIter {
-  Message *ptMessage;
-  std::unique_ptr<MessageIter> ptNext;
-};
-
-struct IterHead {
-  std::unique_ptr<MessageIter> ptHead;  // most recently pushed
-
-  IterHead() = default;
-  IterHead(IterHead &&) = default;
-  IterHead &operator=(IterHead &&) = delete;
-  ~IterHead() {  // one by one: the chain may be long
-    while (ptHead != nullptr) ptHead = std::move(ptHead->ptNext);
-  }
-};
+using IterHead = cvt::Vector<Message *>;  // most recently pushed: the last
 
 void IterMessagePush(IterHead &tIter, Message *ptMessage) {
-  tIter.ptHead = std::make_unique<MessageIter>(MessageIter{ptMessage, std::move(tIter.ptHead)});
+  tIter.push_back(ptMessage);
 }
 
 Message *IterMessagePop(IterHead &tIter) {
-  if (tIter.ptHead == nullptr) return nullptr;
-  const std::unique_ptr<MessageIter> top = std::move(tIter.ptHead);
-  tIter.ptHead = std::move(top->ptNext);
-  return top->ptMessage;
+  if (tIter.empty()) return nullptr;
+  Message *const ptMessage = tIter.back();
+  tIter.pop_back();
+  return ptMessage;
 }
 
 IterHead GetMsgIter(Message *ptMessage) {
-  IterHead tIter;
-  IterMessagePush(tIter, ptMessage);
-  return tIter;
+  return {ptMessage};
 }
 
 // The child is pushed last, so its subtree comes first. ptLoopNode is never followed.
@@ -133,9 +115,9 @@ struct NameEqual {
                       [](char x, char y) { return lower(x) == lower(y); });
   }
 };
-using Positions = std::unordered_map<std::string_view, int, NameHash, NameEqual>;
+using Positions = cvt::HashMap<std::string_view, int, NameHash, NameEqual>;
 
-std::unordered_map<Message **, Positions> f_positions;
+cvt::HashMap<Message **, Positions> f_positions;
 
 void rememberPositions(Message **pptIdx) {
   Positions positions;

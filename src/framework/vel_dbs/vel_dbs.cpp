@@ -3,7 +3,6 @@
 
 #include <climits>
 #include <exception>
-#include <memory>
 #include <string>
 
 #include "connection.h"
@@ -31,15 +30,25 @@ class LastError {
   std::string m_text;
 };
 
-// Neither is ever destroyed: destructors that run at the end of the process may still look something up, and
-// a driver may have gone by then.
+// An object that is never destroyed, without the heap: what says that the heap is exhausted must not need it.
+template <class T>
+union Lasting {
+  Lasting() : object() {}
+  ~Lasting() {}
+  Lasting(const Lasting &) = delete;
+  Lasting &operator=(const Lasting &) = delete;
+  T object;
+};
+
+// Destructors that run at the end of the process may still look something up, and a driver may have gone by
+// then.
 LastError &lastError() {
-  static LastError &once = *std::make_unique<LastError>().release();
-  return once;
+  static Lasting<LastError> once;
+  return once.object;
 }
 dbs::Connection &connection() {
-  static dbs::Connection &once = *std::make_unique<dbs::Connection>().release();
-  return once;
+  static Lasting<dbs::Connection> once;
+  return once.object;
 }
 
 // No exception leaves: it becomes the last error.

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <charconv>
 #include <cstring>
+#include <memory>
+#include <new>
 #include <vector>
 
 #include "cvt_string.h"
@@ -171,13 +173,19 @@ bool refuseUnknown(const RecordType &type, const xmlNode *element, const char *f
                 near == nullptr ? "Remove it" : "Write " + std::string(near));
 }
 
+// The text of an attribute that is there.
+std::string textOf(const xmlNode *element, const char *attribute) {
+  const std::unique_ptr<char, decltype(&xmlFreeString)> value(
+      xmlGetNodeAttr(const_cast<xmlNode *>(element), const_cast<char *>(attribute)), xmlFreeString);
+  if (value == nullptr) throw std::bad_alloc();
+  return value.get();
+}
+
 bool readAttribute(const RecordType &type, void *record, const xmlNode *element, const xmlAttr *attribute) {
   const char *name = text(attribute->name);
   for (const Attribute &row : type.attributes) {
     if (attribute->ns != nullptr || std::strcmp(row.name, name) != 0) continue;
-    xmlChar *raw = xmlNodeListGetString(element->doc, attribute->children, 1);
-    const std::string value = raw == nullptr ? "" : text(raw);
-    xmlFree(raw);
+    const std::string value = textOf(element, row.name);
     if (store(record, row, value)) return true;
     const char *near = nearest(value.c_str(), row.words);
     return refuse(element, name, allowed(row), quoted(value),

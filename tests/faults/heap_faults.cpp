@@ -1,0 +1,88 @@
+// The program's own allocation functions stand before the C library's, or before those of the address
+// sanitizer, which goes on watching what they give.
+#include "heap_faults.h"
+
+#include <cerrno>
+#include <cstddef>
+#include <cstdlib>
+#include <new>
+
+namespace faults {
+constinit Trigger g_heap;
+}
+
+using faults::g_heap;
+
+#if defined(__SANITIZE_ADDRESS__)
+#define REAL(function) __interceptor_##function
+#else
+#define REAL(function) __libc_##function
+#endif
+#define EXPORTED extern "C" __attribute__((visibility("default")))
+
+extern "C" {
+void *REAL(malloc)(size_t);
+void *REAL(calloc)(size_t, size_t);
+void *REAL(realloc)(void *, size_t);
+void *REAL(memalign)(size_t, size_t);
+}
+
+namespace {
+
+template <class Allocate>
+void *give(Allocate allocate) {
+  if (!g_heap.fails()) return allocate();
+  errno = ENOMEM;
+  return nullptr;
+}
+
+}  // namespace
+
+EXPORTED void *malloc(size_t nSize) {
+  return give([&] { return REAL(malloc)(nSize); });
+}
+EXPORTED void *calloc(size_t nNum, size_t nSize) {
+  return give([&] { return REAL(calloc)(nNum, nSize); });
+}
+EXPORTED void *realloc(void *p, size_t nSize) {
+  return give([&] { return REAL(realloc)(p, nSize); });
+}
+EXPORTED void *memalign(size_t nAlignment, size_t nSize) {
+  return give([&] { return REAL(memalign)(nAlignment, nSize); });
+}
+EXPORTED void *aligned_alloc(size_t nAlignment, size_t nSize) {
+  return memalign(nAlignment, nSize);
+}
+EXPORTED int posix_memalign(void **pp, size_t nAlignment, size_t nSize) {
+  void *const p = memalign(nAlignment, nSize);
+  if (p == nullptr) return ENOMEM;
+  *pp = p;
+  return 0;
+}
+
+// The sanitizer's own operators do not come by malloc.
+void *operator new(size_t nSize) {
+  void *const p = malloc(nSize == 0 ? 1 : nSize);
+  if (p == nullptr) throw std::bad_alloc();
+  return p;
+}
+void *operator new(size_t nSize, const std::nothrow_t &) noexcept {
+  return malloc(nSize == 0 ? 1 : nSize);
+}
+void *operator new(size_t nSize, std::align_val_t nAlignment) {
+  void *const p = memalign(static_cast<size_t>(nAlignment), nSize == 0 ? 1 : nSize);
+  if (p == nullptr) throw std::bad_alloc();
+  return p;
+}
+void operator delete(void *p) noexcept {
+  std::free(p);
+}
+void operator delete(void *p, size_t) noexcept {
+  std::free(p);
+}
+void operator delete(void *p, std::align_val_t) noexcept {
+  std::free(p);
+}
+void operator delete(void *p, size_t, std::align_val_t) noexcept {
+  std::free(p);
+}

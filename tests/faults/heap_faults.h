@@ -1,0 +1,8 @@
+// heap_faults.h: a heap that has nothing left when it is told so, for the program and all that it loads.
+#pragma once
+
+#include "trigger.h"
+
+namespace faults {
+extern Trigger g_heap;  // malloc, calloc, realloc, aligned memory, operator new
+}
