@@ -4,6 +4,7 @@
 
 #include <climits>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -145,6 +146,31 @@ TEST_F(Write, AFileReplacesTheOneThatWasThere) {
   EXPECT_GT(xmlFileGenerate(tree.arg("a.xml"), doc.get()), 0);
   const Doc again(xmlFileParse(tree.arg("a.xml")));
   EXPECT_EQ(textOf(again.get()), "<a/>");
+}
+
+TEST_F(Write, AFileHasTheNameThatWasGivenWhateverItLooksLike) {
+  const Doc doc = parsed("<a/>");
+  for (const char *const psName : {"a%41.xml", "a%20b.xml", "100%.xml", "a b.xml", "a#b?c.xml", "http:x.xml",
+                                   "file:x.xml", "\xC3\xA4.xml", "\xFF.xml", "-", "a.xml.gz"}) {
+    ConfigTree tree;
+    EXPECT_GT(xmlFileGenerate(tree.arg(psName), doc.get()), 0) << psName;
+    EXPECT_TRUE(std::filesystem::exists(tree.path(psName))) << psName;
+    EXPECT_NE(Doc(xmlFileParse(tree.arg(psName))), nullptr) << psName;
+  }
+}
+
+TEST_F(Write, AFileThatHasNoRoomGivesANegativeValue) {
+  const Doc doc = parsed("<a/>");
+  EXPECT_LT(xmlFileGenerate(cs("/dev/full"), doc.get()), 0);
+}
+
+TEST_F(Write, ADocumentThatCannotBeWrittenLeavesTheOldFile) {
+  ConfigTree tree;
+  tree.file("a.xml", "<old/>");
+  const Doc doc(xmlInitEncoding(cs("no-such-set")));
+  xmlPutRootNode(doc.get(), xmlMadeNode(cs("a")));
+  EXPECT_LT(xmlFileGenerate(tree.arg("a.xml"), doc.get()), 0);
+  EXPECT_EQ(textOf(Doc(xmlFileParse(tree.arg("a.xml"))).get()), "<old/>");
 }
 
 TEST_F(Read, ABufferIsLeftAsItIs) {

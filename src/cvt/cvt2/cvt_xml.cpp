@@ -10,6 +10,7 @@
 #include <libxml/xmlschemas.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -81,6 +82,14 @@ void leaveToNode(xmlNsPtr) {}
 XmlText firstBytes(const char *ps, int nLen) {
   if (ps == nullptr || nLen < 0) return nullptr;
   return XmlText(xmlStrndup(text(ps), static_cast<int>(strnlen(ps, static_cast<size_t>(nLen)))));
+}
+
+bool writeFile(const char *psFileName, const xmlChar *ps, int nSize) {
+  std::FILE *const file = std::fopen(psFileName, "wb");
+  if (file == nullptr) return false;
+  const auto nNum = static_cast<size_t>(nSize);
+  const bool bWritten = std::fwrite(ps, 1, nNum, file) == nNum;
+  return std::fclose(file) == 0 && bWritten;
 }
 
 }  // namespace
@@ -203,10 +212,15 @@ int xmlGenerate(void *ptXmlDoc, char *psBuf, int *pnLen) {
   return 0;
 }
 
+// libxml2's own way to a file takes the name for a URL: it would write a%41.xml to aA.xml.
 int xmlFileGenerate(char *psFileName, void *ptXmlDoc) {
+  xmlChar *psDump = nullptr;
+  int nSize = 0;
   const Quiet quiet;
-  const int nSize = xmlSaveFormatFile(psFileName, document(ptXmlDoc), 1);
-  return quiet.noHeap() ? -1 : nSize;
+  xmlDocDumpFormatMemory(document(ptXmlDoc), &psDump, &nSize, 1);
+  const XmlText owner(psDump);
+  if (psDump == nullptr || quiet.noHeap() || !writeFile(psFileName, psDump, nSize)) return -1;
+  return nSize;
 }
 
 void *xmlParse(char *psBuf, int nLen) {
