@@ -61,7 +61,7 @@ using Life = Binding;
 using Foreign = Binding;
 using Missing = Binding;
 
-// --- At load -----------------------------------------------------------------------------------------------
+// --- At load ----------------------------------------------------------------------------------------------
 
 TEST(BindingAtLoad, NothingIsRegisteredAndNothingHasFailed) {
   EXPECT_EQ(gptSttInfo, nullptr);
@@ -71,8 +71,7 @@ TEST(BindingAtLoad, NothingIsRegisteredAndNothingHasFailed) {
   EXPECT_EQ(logTexts(), Texts{"Type[Arg] Not Define"});
 }
 
-// --- Files of a registered type
-// ------------------------------------------------------------------------------
+// --- Files of a registered type ---------------------------------------------------------------------------
 
 TEST_F(TypedFile, ItsRecordIsReturnedAlsoWithTheFlagRaised) {
   const auto parse = [](char *, char *, void *) -> void * {
@@ -103,8 +102,7 @@ TEST_F(TypedFile, ThatCannotBeReadLeavesTheFlagAlone) {
   EXPECT_EQ(logTexts().size(), 4U);
 }
 
-// --- Files with a fixed root
-// ---------------------------------------------------------------------------------
+// --- Files with a fixed root ------------------------------------------------------------------------------
 
 TEST_F(FixedRoot, ItsNameIsCheckedBeforeItsChild) {
   m_tree.file("a.xml", "<other/>");
@@ -144,8 +142,7 @@ TEST_F(FixedRoot, MayHoldTextOnly) {
   EXPECT_EQ(sttParseXmlFile(m_tree.arg("a.xml"), cs("a"), cs("b"), untyped(+parse)), &f_record);
 }
 
-// --- Written files
-// -------------------------------------------------------------------------------------------
+// --- Written files ----------------------------------------------------------------------------------------
 
 std::string contents(const std::string &sFile) {
   std::ifstream in(sFile);
@@ -180,8 +177,7 @@ TEST_F(WrittenFile, TheElementMayBeDroppedByAFailingWriter) {
   EXPECT_EQ(logTexts(), Texts{"Make [R)" + m_tree.path("a.xml") + "] Xml err!"});
 }
 
-// --- Void fields
-// ---------------------------------------------------------------------------------------------
+// --- Void fields ------------------------------------------------------------------------------------------
 
 TEST_F(VoidField, WrittenWithTheFlagRaisedBeforeCountsAsFailed) {
   const auto write = [](void *, void *ptNode, char *, char *) -> void * { return ptNode; };
@@ -202,8 +198,7 @@ TEST_F(VoidField, IsWrittenByTheNewestTypeOfItsRecord) {
   EXPECT_EQ(xml.text(), "<a><New __ID=\"pInfo\"/></a>");
 }
 
-// --- Over a life of the library
-// --------------------------------------------------------------------------------
+// --- Over a life of the library ---------------------------------------------------------------------------
 
 void start(ConfigTree &tree, const std::string &sSections) {
   tree.file("All/root.xml", "<AllInfo><AllInfo>" + sSections + "</AllInfo></AllInfo>");
@@ -213,12 +208,10 @@ void start(ConfigTree &tree, const std::string &sSections) {
 // Which of these types the global chain knows.
 Texts known() {
   Texts types;
+  const Xml any("<a psFunctName='pubParse'/>");
   for (const char *const psType :
        {"AllInfo", "Plug", "PathList", "LoopType", "Value", "Arg", "MappingList", "IdFunc", "XmlNameArgs"}) {
-    const std::string sNeeded = std::string(psType) == "IdFunc" ? " psFunctName='pubParse'" : "";
-    if (sttParseVoid(Xml("<" + std::string(psType) + sNeeded + "/>").root(), cs(psType)) != nullptr) {
-      types.push_back(psType);
-    }
+    if (sttParseVoid(any.root(), cs(psType)) != nullptr) types.push_back(psType);
   }
   return types;
 }
@@ -261,8 +254,7 @@ TEST_F(Life, ARestartEmptiesTheRegistry) {
   cvtEnd();
 }
 
-// --- Foreign functions that let exceptions out
-// -------------------------------------------------------------------
+// --- Foreign functions that let exceptions out ------------------------------------------------------------
 
 void *throwsParse(void *, char *) {
   throw std::runtime_error("no");
@@ -320,8 +312,7 @@ TEST_F(Foreign, AFieldsExceptionEndsInTheLibrary) {
   EXPECT_EQ(nGRet, -1);
 }
 
-// --- Missing arguments
-// -------------------------------------------------------------------------------------------
+// --- Missing arguments ------------------------------------------------------------------------------------
 
 TEST_F(Missing, NoElementReadsAsNothing) {
   EXPECT_EQ(sttParseXmlString(nullptr, cs("n")), nullptr);

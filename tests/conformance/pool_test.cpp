@@ -40,7 +40,7 @@ std::string printed(MemNode *ptNode) {
   return test::logTexts(5).at(0);
 }
 
-// --- Before the first use ----------------------------------------------------------------------------------
+// --- Before the first use ---------------------------------------------------------------------------------
 
 TEST(PoolAtLoad, IsNotThere) {
   EXPECT_EQ(gptMemRoot, nullptr);
@@ -57,7 +57,7 @@ TEST_F(Pool, EachOfItsTwoUsesMakesItsOwnPart) {
   EXPECT_EQ(gptMemRoot->ptMemNodeList->nId, 1) << "the global node is not among the messages' nodes";
 }
 
-// --- Message nodes -----------------------------------------------------------------------------------------
+// --- Message nodes ----------------------------------------------------------------------------------------
 
 TEST_F(MessageNode, GivingItBackFreesAndClearsNothing) {
   MemNode *const ptNode = cvtMemNewNode();
@@ -111,7 +111,7 @@ TEST_F(MessageNode, PrintsItsNumber) {
   EXPECT_EQ(printed(cvtMemNewNode()), "Node[2]:[1024] -- Used[0]");
 }
 
-// --- The global node ---------------------------------------------------------------------------------------
+// --- The global node --------------------------------------------------------------------------------------
 
 TEST_F(GlobalNode, AResetFreesAndClearsNothing) {
   std::strcpy(static_cast<char *>(cvtMemMalloc(5)), "kept");

@@ -30,8 +30,7 @@ using Writing = test::BoundRecords;
 using Trail = test::BoundRecords;
 using Measure = test::BoundRecords;
 
-// --- The Make step
-// -------------------------------------------------------------------------------------------
+// --- The Make step ----------------------------------------------------------------------------------------
 
 // Strings first, then what is computed, then the rest.
 TEST_F(Make, AFailureLeavesTheStringsSetAndTheRestUntouched) {
@@ -72,8 +71,7 @@ TEST_F(Make, WithoutComputedFieldsTheFlagIsLeftAlone) {
   EXPECT_EQ(nGRet, -1);
 }
 
-// --- Reading
-// -------------------------------------------------------------------------------------------------
+// --- Reading ----------------------------------------------------------------------------------------------
 
 TEST_F(Reading, ComputedFieldsAreNotInTheFile) {
   const Xml msg("<Msg psMsgName='M' nFieldNum='5' nValueNum='6' fGen='1' pptMessageIdx='1'/>");
@@ -143,8 +141,7 @@ TEST_F(Reading, ARecordThatFailsMayHaveBeenReadPartly) {
                    "sttParseXmlIdFunc) is Err!!"}));
 }
 
-// --- Writing
-// -------------------------------------------------------------------------------------------------
+// --- Writing ----------------------------------------------------------------------------------------------
 
 TEST_F(Writing, StopsAtTheFirstFieldThatFails) {
   static char nobody;
@@ -193,8 +190,7 @@ TEST_F(Writing, ARecordIsWrittenIntoItsElementWhateverThatIs) {
   EXPECT_EQ(xml.text(), "<r><Any old=\"1\" psPath=\"p\">text</Any></r>");
 }
 
-// --- Dispatchers over a life of the library
-// ------------------------------------------------------------------
+// --- Dispatchers over a life of the library ---------------------------------------------------------------
 
 TEST_F(Reading, AConverterFileAddsTheDispatchersOfConvertersAndValues) {
   for (const char *const psType : {"Value", "Arg", "Mapping"})
@@ -204,8 +200,7 @@ TEST_F(Reading, AConverterFileAddsTheDispatchersOfConvertersAndValues) {
     EXPECT_EQ(sttParseVoid(Xml("<a/>").root(), cs(psType)), nullptr) << psType;
 }
 
-// --- Whole trails
-// --------------------------------------------------------------------------------------------
+// --- Whole trails -----------------------------------------------------------------------------------------
 
 std::string place(const std::string &sFile, int nLine, const char *psElement) {
   return "File[" + sFile + "] Line[" + std::to_string(nLine) + "] Element[" + psElement + "]";
@@ -290,8 +285,7 @@ TEST_F(Trail, NamesTheFunctionOfEachRecord) {
   }
 }
 
-// --- Beyond every measure
-// ------------------------------------------------------------------------------------
+// --- Beyond every measure ---------------------------------------------------------------------------------
 
 TEST_F(Measure, AVeryLongTextIsReadAndWrittenWhole) {
   const std::string sText(2000000, 'x');

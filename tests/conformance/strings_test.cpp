@@ -54,13 +54,13 @@ Texts errors() {
   return all;
 }
 
-// --- At load -----------------------------------------------------------------------------------------------
+// --- At load ----------------------------------------------------------------------------------------------
 
 TEST(StringsAtLoad, ThereIsNoDictionary) {
   EXPECT_EQ(gptDict, nullptr);
 }
 
-// --- Order of checks ---------------------------------------------------------------------------------------
+// --- Order of checks --------------------------------------------------------------------------------------
 
 TEST_F(List, AnEntryOfNothingIsRefusedForItsKey) {
   EXPECT_EQ(cvtStrAddStringList(nullptr, nullptr, nullptr), nullptr);
@@ -86,7 +86,7 @@ TEST_F(List, OfTwoMissingListsTheFirstIsReported) {
   EXPECT_EQ(errors(), Texts{"cvtStrListAddList: [ptSrc] is NULL"});
 }
 
-// --- What a refused entry leaves ---------------------------------------------------------------------------
+// --- What a refused entry leaves --------------------------------------------------------------------------
 
 TEST_F(List, ARefusedEntryTakesNothingFromThePool) {
   cvtStrAddStringList(nullptr, nullptr, &f_n1);
@@ -160,7 +160,7 @@ TEST_F(List, AnEntryWithoutALabelIsStillPrinted) {
   EXPECT_EQ(logTexts(5), Texts{"[a] - [(null)]"});
 }
 
-// --- From the pool -----------------------------------------------------------------------------------------
+// --- From the pool ----------------------------------------------------------------------------------------
 
 TEST_F(PoolOrder, AnEntryIsItsElementThenTheDictionaryThenItsKey) {
   NEEDS_PACKED_POOL();
@@ -208,7 +208,7 @@ TEST_F(PoolOrder, AKnownStringTakesNothing) {
   EXPECT_EQ(gptGlobalNode->ptHeadBlock->nLeft, nLeft);
 }
 
-// --- Limits ------------------------------------------------------------------------------------------------
+// --- Limits -----------------------------------------------------------------------------------------------
 
 TEST_F(Limits, ANumberIsReadUpToTheEndsOfItsRange) {
   std::string largest = "2147483647";

@@ -46,7 +46,7 @@ Doc parsed(std::string sText) {
   return Doc(xmlParse(sText.data(), static_cast<int>(sText.size())));
 }
 
-// --- Building --------------------------------------------------------------------------------------------
+// --- Building ---------------------------------------------------------------------------------------------
 
 TEST_F(Build, ASecondRootTakesThePlaceOfTheFirst) {
   const Doc doc(xmlInit());
@@ -86,7 +86,7 @@ TEST_F(Build, AnAttributeInANamespaceStandsBesideThePlainOne) {
   EXPECT_EQ(xml.text(), "<a xmlns:p=\"urn:x\" n=\"3\" p:n=\"2\"/>");
 }
 
-// --- Text of a node ----------------------------------------------------------------------------------------
+// --- Text of a node ---------------------------------------------------------------------------------------
 
 TEST_F(NodeText, IsWholeAcrossReferencesToCharacters) {
   for (const auto parse : {xmlParse, xmlParse2}) {
@@ -111,7 +111,7 @@ TEST_F(NodeText, IsANewStringEachTime) {
   EXPECT_EQ(taken(psFirst), taken(psSecond));
 }
 
-// --- Writing and reading -----------------------------------------------------------------------------------
+// --- Writing and reading ----------------------------------------------------------------------------------
 
 TEST_F(Write, ADocumentWithoutEncodingIsDeclaredWithoutOne) {
   const Doc doc = parsed("<a/>");
@@ -192,7 +192,7 @@ TEST_F(Read, NoLengthOrANegativeOneIsNoDocument) {
   EXPECT_EQ(xmlFileParse(nullptr), nullptr);
 }
 
-// --- Schemas -----------------------------------------------------------------------------------------------
+// --- Schemas ----------------------------------------------------------------------------------------------
 
 void *f_ptSchema = nullptr;  // a compiled schema has no release function in this layer
 
@@ -206,7 +206,7 @@ TEST_F(Schema, WithoutADocumentIsAnInternalError) {
   EXPECT_EQ(xmlCheckSchema(f_ptSchema, parsed("<a/>").get()), 0);
 }
 
-// --- Limits ------------------------------------------------------------------------------------------------
+// --- Limits -----------------------------------------------------------------------------------------------
 
 TEST_F(Limits, ALengthBeyondTheTextIsTheWholeText) {
   const Xml xml("<a/>");
