@@ -38,7 +38,8 @@ std::string placeOf(const std::string &connectionString) {
     const size_t value = braces ? connectionString.find('}', equals) : equals;
     const size_t end = std::min(connectionString.find(';', value), connectionString.size());
     if (isPlace(connectionString.substr(at, equals - at))) {
-      shown += (shown.empty() ? "" : ";") + connectionString.substr(at, end - at);
+      if (!shown.empty()) shown += ';';
+      shown.append(connectionString, at, end - at);
     }
     at = end + 1;
   }
