@@ -122,7 +122,9 @@ InnerMessage *cvtGenerateMessasge(InnerMessage *ptSrcMsg, char *psCvtFormatId, c
   }
   *pnBufLen = ptDstMsg->nNowLen;
   *pnError = 0;
-  CVT_TRACE("Generate Len[%d] [%.*s]", *pnBufLen, printable(psBuf, *pnBufLen), psBuf);
+  // Steps may set a position behind the buffer: it is told, but not read.
+  const int nWritten = std::min(ptDstMsg->nNowLen, ptDstMsg->nLen);
+  CVT_TRACE("Generate Len[%d] [%.*s]", ptDstMsg->nNowLen, printable(psBuf, nWritten), psBuf);
   return ptDstMsg;
 }
 
@@ -237,8 +239,6 @@ bool split(char *psName, SplitName &tName) {
 
 // Where a name leads.
 struct LoopValueInfo {
-  char *psFieldName;
-  Message **ptMessageList;  // the message's index for a plain field; null for a field inside a loop
   ValueListPort ptValueListPort;
   int nIndex;
 };
@@ -280,7 +280,7 @@ int GetLoopValueInfoStruct(InnerMessage *ptMsg, char *psNodeName, char *psFieldN
       CVT_ERR("Get Message[%s] Index err!!", psFieldName);
       return kErrField;
     }
-    *ptLoopValueInfo = {psFieldName, pptIdx, ptList, nIndex};
+    *ptLoopValueInfo = {ptList, nIndex};
     return 0;
   }
   const int nLoopIndex = cvtGetNodeIdx(pptIdx, psNodeName);
@@ -299,7 +299,7 @@ int GetLoopValueInfoStruct(InnerMessage *ptMsg, char *psNodeName, char *psFieldN
     CVT_ERR("Get Message[%s] Index In[%s] err!!", psFieldName, psNodeName);
     return kErrField;
   }
-  *ptLoopValueInfo = {psFieldName, nullptr, ptLoopList, nIndex};
+  *ptLoopValueInfo = {ptLoopList, nIndex};
   return 0;
 }
 
@@ -331,7 +331,7 @@ Value *cvtGetNameValue(InnerMessage *ptMsg, char *psValueName, int *pnError) {
   CVT_NOT_NULL(pnError, nullptr);
   if (const FncGetNameValue fGetValue = ptMsg->ptMsgInfo->fGetValue) {
     Value *ptValue = nullptr;
-    const int nRet = cvt::guarded("Msg", ptMsg->sMsgName, [&] {
+    const int nRet = cvt::guarded("Msg", ptMsg->ptMsgInfo->psMsgName, [&] {
       ptValue = fGetValue(ptMsg->ptMsgInfo, &ptMsg->tValueListInfo, psValueName, pnError);
       return 0;
     });
@@ -355,7 +355,7 @@ int cvtSetNameValue(InnerMessage *ptMessage, char *psValueName, char *psValue, i
   CVT_NOT_NULL(psValue, -1);
   CVT_NOT_NULL(ptMessage->ptMsgInfo, -1);
   if (const FncSetNameValue fSetValue = ptMessage->ptMsgInfo->fSetValue) {
-    return cvt::guarded("Msg", ptMessage->sMsgName, [&] {
+    return cvt::guarded("Msg", ptMessage->ptMsgInfo->psMsgName, [&] {
       return fSetValue(ptMessage->ptMsgInfo, &ptMessage->tValueListInfo, psValueName, psValue, nLen);
     });
   }

@@ -19,7 +19,7 @@ namespace {
 using kit::Fault;
 
 // What stays from one document to the next, unless one was unusually large.
-constexpr size_t kKept = 4 * 1024 * 1024;
+constexpr size_t kKept = size_t{4} * 1024 * 1024;
 Region f_region(kKept);
 Room f_room;
 std::string f_converted;

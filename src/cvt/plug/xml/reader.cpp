@@ -267,9 +267,9 @@ void Reader::complete(const Frame &frame) {
 void Reader::count(const Count &count, kit::List list) {
   const int times = list.repetitions(count.loop);
   const std::string_view value = list.get(count.slot);
-  char digits[16];
   if (value.empty()) {
     if (times == 0) return;
+    char digits[16];
     const auto end = std::to_chars(digits, digits + sizeof digits, times).ptr;
     const auto length = static_cast<size_t>(end - digits);
     list.put(count.slot, m_call.store.copy(digits, length), length);

@@ -9,7 +9,7 @@ namespace cvt::xml {
 namespace {
 
 constexpr size_t kAlign = alignof(std::max_align_t);
-constexpr size_t kFirstBlock = 64 * 1024;
+constexpr size_t kFirstBlock = size_t{64} * 1024;
 constexpr size_t kLargest = static_cast<size_t>(-1) / 4;
 
 // In front of every piece: its size.

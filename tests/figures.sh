@@ -1,0 +1,16 @@
+#!/usr/bin/env bash
+# Says in RESULT lines what the last run of ctest in a build found: how many tests, and what long tests measured.
+#
+#   figures.sh BUILD_FOLDER
+set -eu
+build=${1:?usage: figures.sh BUILD_FOLDER}
+junit=$build/Testing/junit.xml
+log=$build/Testing/Temporary/LastTest.log
+
+# of NAME: an attribute of the whole run
+of() { sed -n '/<testsuite /,/>/s/.*[ \t]'"$1"'="\([^"]*\)".*/\1/p' "$junit" | head -n 1; }
+
+compiler=$(sed -n 's/^CMAKE_CXX_COMPILER:[A-Z]*=//p' "$build/CMakeCache.txt")
+echo "RESULT compiler: $("$compiler" --version | head -n 1)"
+echo "RESULT tests: $(of tests) run, $(of failures) failed, $(of skipped) skipped, $(of time) seconds"
+grep -a '^RESULT ' "$log" | sort -u || :
