@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <stdexcept>
 #include <string>
 
 #include "convert_xml.h"
@@ -301,6 +302,24 @@ TEST_F(Generating, MayBeRepeatedFromOneSource) {
   EXPECT_NE(ptFirst, ptSecond);
   EXPECT_EQ(gnMsgNum, 3);
   for (InnerMessage *const pt : {ptSecond, ptFirst, ptSrc}) EXPECT_EQ(cvtFreeMessage(pt), 0);
+}
+
+TEST_F(Generating, TracesNoByteBehindTheCallersBuffer) {
+  config.file("id/pipelines.xml",
+              pipelines({{"01",
+                          {{"pubParse"}},
+                          {{"SetToOffset", "<SetOffsetArgs __ID='ptArg' caMsgType='d' nOffset='8'/>"}}},
+                         {"02", {}, {}}}));
+  start();
+  InnerMessage *const ptSrc = order();
+  char sPart[] = "abcdSECRET";
+  nOut = 4;
+  InnerMessage *const ptDst = cvtGenerateMessasge(ptSrc, cs("01"), sPart, &nOut, &nError);
+  ASSERT_NE(ptDst, nullptr);
+  EXPECT_EQ(nOut, 8);  // the position that the configuration has set
+  EXPECT_EQ(trail(5), Texts{"cvt.cpp cvtGenerateMessasge: Generate Len[8] [abcd]"});
+  EXPECT_EQ(cvtFreeMessage(ptDst), 0);
+  EXPECT_EQ(cvtFreeMessage(ptSrc), 0);
 }
 
 TEST_F(Generating, InTheOwnFormatEndsWithAWholeTrailWhenTheBufferIsFull) {
