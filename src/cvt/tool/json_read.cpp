@@ -30,10 +30,12 @@ class Filler {
  public:
   explicit Filler(const ValueListInfo &info) : m_pool(info.ptMemNode) {}
 
-  void object(const Json &json, const Fields &fields, ValueList *list) {
+  // done: a member that has been taken already.
+  void object(const Json &json, const Fields &fields, ValueList *list, std::string_view done = {}) {
     if (!json.is_object()) mistyped("an object", json);
     size_t hint = 0;
     for (const auto &[key, item] : json.items()) {
+      if (!done.empty() && key == done) continue;
       const At at(m_path, "." + key);
       const Field *const field = findField(fields, key, hint);
       if (field == nullptr)
@@ -77,9 +79,7 @@ class Filler {
       return;
     }
     value(*own, field.slot, list);
-    Json others = json;
-    others.erase(std::string(kOwnValue));
-    object(others, field.members, list);
+    object(json, field.members, list, kOwnValue);
   }
 
   void loop(const Json &json, const Field &field, ValueList *list) {
@@ -142,7 +142,7 @@ JsonMessage::JsonMessage(std::string_view text) {
   Json json;
   try {
     json = Json::parse(text);
-  } catch (const Json::parse_error &error) {
+  } catch (const Json::exception &error) {       // also numbers that are too large
     const std::string_view what = error.what();  // "[json.exception.parse_error.101] parse error at line ..."
     throw DataError("not JSON: " + std::string(what.substr(what.find("] ") + 2)));
   }
