@@ -13,19 +13,20 @@ constinit Trigger g_heap;
 
 using faults::g_heap;
 
-#if defined(__SANITIZE_ADDRESS__)
-#define REAL(function) __interceptor_##function
-#else
-#define REAL(function) __libc_##function
-#endif
 #define EXPORTED extern "C" __attribute__((visibility("default")))
 
+// The C library's; the sanitizer's, where there is one.
 extern "C" {
-void *REAL(malloc)(size_t);
-void *REAL(calloc)(size_t, size_t);
-void *REAL(realloc)(void *, size_t);
-void *REAL(memalign)(size_t, size_t);
+void *__libc_malloc(size_t);
+void *__libc_calloc(size_t, size_t);
+void *__libc_realloc(void *, size_t);
+void *__libc_memalign(size_t, size_t);
+__attribute__((weak)) void *__interceptor_malloc(size_t);
+__attribute__((weak)) void *__interceptor_calloc(size_t, size_t);
+__attribute__((weak)) void *__interceptor_realloc(void *, size_t);
+__attribute__((weak)) void *__interceptor_memalign(size_t, size_t);
 }
+#define REAL(function) (__interceptor_##function != nullptr ? __interceptor_##function : __libc_##function)
 
 namespace {
 

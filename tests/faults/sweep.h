@@ -10,7 +10,7 @@ namespace faults {
 // when CVT2_FAULT_POINTS is "all", else as many as it says, or kShallow, evenly spread. A bad outcome is a
 // failure of the test. Prints the RESULT line of that name.
 //   bForEver  also every call behind the one that fails does
-constexpr long kShallow = 150;
+constexpr long kShallow = 100;
 void sweep(const char *psName, Trigger &trigger, Work &work, bool bForEver);
 
 }  // namespace faults

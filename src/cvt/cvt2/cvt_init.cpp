@@ -40,6 +40,12 @@ bool isXmlName(const char *psName) {
   return psDot != nullptr && std::strncmp(psDot + 1, "xml", 3) == 0;
 }
 
+// The next entry. Null behind the last one, with errno 0, and when the directory cannot be read.
+dirent *nextEntry(DIR *pt) {
+  errno = 0;
+  return readdir(pt);
+}
+
 int locParseDirXmlLimit(char *psBasePath, char *psDirName, int nLimit, fnptr *Init) {
   CVT_NOT_NULL(psDirName, -1);
   CVT_NOT_NULL(Init, -1);
@@ -54,7 +60,7 @@ int locParseDirXmlLimit(char *psBasePath, char *psDirName, int nLimit, fnptr *In
   }
   CVT_TRACE("Enter [%s] ... ", psDirName);
   int nCount = 0;
-  while (dirent *const ptEntry = readdir(dir.get())) {
+  while (dirent *const ptEntry = nextEntry(dir.get())) {
     if (!isXmlName(ptEntry->d_name)) continue;
     if (nLimit >= 0 && ++nCount > nLimit) {
       CVT_ERR("Dir[%s/%s] could only load [%d] file: Err!!", psBase, psDirName, nLimit);
@@ -66,8 +72,13 @@ int locParseDirXmlLimit(char *psBasePath, char *psDirName, int nLimit, fnptr *In
       return -1;
     }
   }
+  const int nReadError = errno;
   if (closedir(dir.release()) != 0) {
     CVT_ERR("Close Dir err:[%s]!!", std::strerror(errno));
+    return -1;
+  }
+  if (nReadError != 0) {  // the end of the listing, but not of the directory
+    CVT_ERR("Read Dir [%s] err:[%s]!!", sPath, std::strerror(nReadError));
     return -1;
   }
   return 0;
@@ -178,7 +189,10 @@ int InitRoot(char *psFileName) {
   }
   gpsRootFile = cvtStrDup(psFileName);
   struct stat tStat {};
-  if (stat(gpsRootFile, &tStat) != 0) return -1;
+  if (stat(gpsRootFile, &tStat) != 0) {
+    CVT_ERR("Stat File[%s] err:[%s]!!", gpsRootFile, std::strerror(errno));
+    return -1;
+  }
   gtLastLoadTime = tStat.st_mtime;
   return 1;
 }
