@@ -1,0 +1,120 @@
+#!/usr/bin/env bash
+# fuzz.sh BUILD [--seconds N] [--keep] [TARGET...]: fuzzes the targets of a build with libFuzzer, all without a name.
+#
+# Without --seconds a target runs until it has had 10 million inputs, or found nothing new for 10 minutes. --keep
+# then puts the smallest inputs that cover what was covered into corpus/. Ends with 1 when an input was found that
+# crashes, leaks, takes more than a second or more than 512 MB; such inputs stay in BUILD/fuzz/found.
+set -euo pipefail
+here=$(cd "$(dirname "$0")" && pwd)
+project=$(dirname "$here")
+
+most_executions=10000000
+most_idle_seconds=600
+kept_bytes=49152 # of each target's corpus
+
+fail() {
+  echo "fuzz.sh: $*" >&2
+  exit 2
+}
+
+build=$(realpath "${1:?usage: fuzz.sh BUILD [--seconds N] [--keep] [TARGET...]}")
+shift
+[ -f "$build/fuzz/targets.txt" ] || fail "$build holds no fuzz targets; build it with the preset fuzz"
+seconds=0
+keep=false
+names=()
+while [ $# -gt 0 ]; do
+  case $1 in
+    --seconds)
+      [[ ${2:-} =~ ^[1-9][0-9]*$ ]] || fail "--seconds: expected a number of seconds, found '${2:-}'"
+      seconds=$2
+      shift
+      ;;
+    --keep) keep=true ;;
+    -*) fail "expected --seconds, --keep or the name of a target, found '$1'" ;;
+    *) names+=("$1") ;;
+  esac
+  shift
+done
+[ ${#names[@]} -gt 0 ] || mapfile -t names < <(cut -d'|' -f1 "$build/fuzz/targets.txt")
+
+found=$build/fuzz/found
+work=$build/fuzz/work
+mkdir -p "$found" "$work"
+# Configuration trees are written for each input: in memory where that can be.
+scratch=$(mktemp -d -p "$([ -w /dev/shm ] && echo /dev/shm || echo "${TMPDIR:-/tmp}")" cvt2-fuzz-XXXXXX)
+trap 'rm -rf "$scratch"' EXIT
+export TMPDIR=$scratch
+export LD_LIBRARY_PATH=$build/lib
+export ASAN_OPTIONS=quarantine_size_mb=16:detect_odr_violation=0
+
+# edges LOG: how many edges of the program were covered, after the first inputs and at the end.
+edges() { awk '/ cov: / { for (i = 1; i < NF; i++) if ($i == "cov:") n = $(i + 1); if ($2 == "INITED") f = n }
+  END { print f + 0, n + 0 }' "$1"; }
+# last_new LOG: the execution that last covered a new edge.
+last_new() { awk '/ cov: / { for (i = 1; i < NF; i++) if ($i == "cov:" && $(i + 1) + 0 > n) { n = $(i + 1) + 0; at = $1 } }
+  END { print substr(at, 2) + 0 }' "$1"; }
+stat_of() { awk -v name="stat::$1:" '$1 == name { print $2 }' "$2"; }
+
+# run_once TARGET SECONDS LENGTH DICTIONARY SEED...: one run of libFuzzer into the log.
+run_once() {
+  local target=$1 limit=$2 length=$3 dictionary=$4 seed
+  shift 4
+  local options=(-max_total_time="$limit" -max_len="$length" -timeout=1 -rss_limit_mb=512 -print_final_stats=1
+    -artifact_prefix="$found/$target-")
+  [ -z "$dictionary" ] || options+=(-dict="$here/dictionaries/$dictionary.dict")
+  mkdir -p "$work/$target" "$here/corpus/$target"
+  local folders=("$work/$target" "$here/corpus/$target")
+  for seed in "$@"; do folders+=("$project/$seed"); done
+  nice "$build/bin/fuzz_$target" "${options[@]}" "${folders[@]}" >"$work/$target.log" 2>&1
+}
+
+# fuzz TARGET LENGTH DICTIONARY SEED...
+fuzz() {
+  local target=$1 executions=0 passed=0 first=-1 started code=0 before after
+  shift
+  local log=$work/$target.log
+  while :; do
+    started=$SECONDS
+    run_once "$target" "$([ "$seconds" -gt 0 ] && echo "$seconds" || echo "$most_idle_seconds")" "$@" || code=$?
+    passed=$((passed + SECONDS - started))
+    executions=$((executions + $(stat_of number_of_executed_units "$log")))
+    read -r before after < <(edges "$log")
+    [ "$first" -ge 0 ] || first=$before
+    [ "$code" -eq 0 ] && [ "$seconds" -eq 0 ] || break
+    [ "$executions" -lt "$most_executions" ] && [ "$after" -gt "$before" ] || break
+  done
+  echo "RESULT fuzz.$target: $executions executions in $passed s, edges $first -> $after," \
+    "the last new one at $(last_new "$log"), $(stat_of peak_rss_mb "$log") MB," \
+    "$([ "$code" -eq 0 ] && echo "nothing found" || echo "FOUND, see $log")"
+  return "$code"
+}
+
+# minimise TARGET LENGTH DICTIONARY SEED...: the inputs that are kept, the smallest first as far as they fit.
+minimise() {
+  local target=$1 length=$2 seed file total=0
+  shift 3
+  local fresh=$scratch/corpus folders=("$work/$target" "$here/corpus/$target")
+  for seed in "$@"; do folders+=("$project/$seed"); done
+  mkdir "$fresh"
+  "$build/bin/fuzz_$target" -merge=1 -max_len="$length" -rss_limit_mb=512 "$fresh" "${folders[@]}" >/dev/null 2>&1
+  find "$here/corpus/$target" -regextype egrep -regex '.*/[0-9a-f]{12}' -delete
+  while read -r size file; do
+    total=$((total + size))
+    [ "$total" -le "$kept_bytes" ] || break
+    mv "$file" "$here/corpus/$target/$(sha1sum <"$file" | cut -c1-12)"
+  done < <(find "$fresh" -type f -printf '%s %p\n' | sort -n)
+  rm -rf "$fresh"
+}
+
+status=0
+for name in "${names[@]}"; do
+  line=$(grep "^$name|" "$build/fuzz/targets.txt") ||
+    fail "expected one of $(cut -d'|' -f1 "$build/fuzz/targets.txt" | paste -sd' '), found '$name'"
+  IFS='|' read -r _ length dictionary seeds <<<"$line"
+  # shellcheck disable=SC2086 # the seeds are words
+  fuzz "$name" "$length" "$dictionary" $seeds || status=1
+  # shellcheck disable=SC2086
+  if $keep; then minimise "$name" "$length" "$dictionary" $seeds; fi
+done
+exit $status
