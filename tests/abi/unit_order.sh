@@ -15,7 +15,6 @@ cvt_heap 0
 cvt_sql_text 0
 cvt_memory 1
 cvt_heap_pool 1
-cvt_heap_pool 1
 cvt_string 2
 cvt_xml 3
 stt 4
