@@ -328,10 +328,10 @@ void *writeOnSmallStack(void *ptList) {
   return sttGenXmlPathList(static_cast<PathList *>(ptList), xml.child(), cs("PathList"));
 }
 
-void *runOnSmallStack(void *(*run)(void *), void *p) {
+void *runOnSmallStack(void *(*run)(void *), void *p, size_t nSize = 1024 * 1024) {
   pthread_attr_t attributes;
   pthread_attr_init(&attributes);
-  pthread_attr_setstacksize(&attributes, 1024 * 1024);
+  pthread_attr_setstacksize(&attributes, nSize);
   pthread_t thread;
   EXPECT_EQ(pthread_create(&thread, &attributes, run, p), 0);
   void *pResult = nullptr;
@@ -344,6 +344,25 @@ PathList *listOf(int nRecords) {
   PathList *pt = nullptr;
   for (int i = 0; i < nRecords; ++i) pt = sttNewPathList(cs("p"), pt);
   return pt;
+}
+
+// Threads of servers often have no more.
+TEST_F(Measure, AThreadWithAVerySmallStackReadsAndWritesAShortList) {
+  static constexpr size_t kVerySmall = 192 * 1024;
+  const auto read = [](void *) -> void * {
+    const Xml xml("<CvtFmtArgs><PathList __ID='ptMsgList'/><PathList __ID='ptNext'/></CvtFmtArgs>");
+    return sttParseXmlCvtFmtArgs(xml.root(), cs("CvtFmtArgs"));
+  };
+  auto *const ptArgs = static_cast<CvtFmtArgs *>(runOnSmallStack(read, nullptr, kVerySmall));
+  ASSERT_NE(ptArgs, nullptr);
+  EXPECT_NE(ptArgs->ptMsgList->ptNext, nullptr);
+  EXPECT_NE(runOnSmallStack(writeOnSmallStack, listOf(3), kVerySmall), nullptr);
+  EXPECT_EQ(logTexts(), Texts{});
+}
+
+TEST_F(Measure, AVerySmallStackIsNotOverrunEither) {
+  EXPECT_EQ(runOnSmallStack(writeOnSmallStack, listOf(100000), 192 * 1024), nullptr);
+  EXPECT_EQ(nGRet, -1);
 }
 
 TEST_F(Measure, AListThatFitsTheStackIsWritten) {

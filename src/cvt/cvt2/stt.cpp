@@ -3,6 +3,7 @@
 
 #include <pthread.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
@@ -98,23 +99,29 @@ void releaseChain(FuncList *&ptHead) {
   }
 }
 
-// Whether the thread's stack has less than kStackReserve bytes left. A stack that is not the thread's own says no.
-constexpr std::ptrdiff_t kStackReserve = 256 * 1024;
+// The thread's own stack, and how much of it is left to what a level needs: half of one that is small itself.
+struct Stack {
+  const char *psEnd = nullptr;
+  std::ptrdiff_t nReserve = 0;  // bytes
+};
 
-const char *stackEnd() {
+constexpr size_t kStackReserve = size_t{256} * 1024;
+
+Stack ownStack() {
   pthread_attr_t attributes;
   void *pEnd = nullptr;
   size_t nSize = 0;
-  if (pthread_getattr_np(pthread_self(), &attributes) != 0) return nullptr;
+  if (pthread_getattr_np(pthread_self(), &attributes) != 0) return {};
   pthread_attr_getstack(&attributes, &pEnd, &nSize);
   pthread_attr_destroy(&attributes);
-  return static_cast<const char *>(pEnd);
+  return {static_cast<const char *>(pEnd), static_cast<std::ptrdiff_t>(std::min(kStackReserve, nSize / 2))};
 }
 
+// Whether only the reserve is left. A stack that is not the thread's own says no.
 bool stackIsShort() {
-  static thread_local const char *const psEnd = stackEnd();
-  const std::ptrdiff_t nLeft = static_cast<const char *>(__builtin_frame_address(0)) - psEnd;
-  return psEnd != nullptr && nLeft >= 0 && nLeft < kStackReserve;
+  static thread_local const Stack own = ownStack();
+  const std::ptrdiff_t nLeft = static_cast<const char *>(__builtin_frame_address(0)) - own.psEnd;
+  return own.psEnd != nullptr && nLeft >= 0 && nLeft < own.nReserve;
 }
 
 // Makes another chain current for as long as it lives.
