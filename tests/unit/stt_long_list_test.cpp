@@ -1,11 +1,14 @@
-// Lists are read by recursion: one that is longer than the stack allows is refused, not a crash.
+// A list takes heap and no stack: its length does not matter. What is nested too deep for the stack is
+// refused.
 #include <gtest/gtest.h>
 #include <pthread.h>
 
+#include <algorithm>
+#include <functional>
 #include <string>
 
 #include "config_tree.h"
-#include "cvt_message.h"
+#include "cvt.h"
 #include "log_capture.h"
 
 namespace {
@@ -13,51 +16,126 @@ namespace {
 using test::ConfigTree;
 using test::cs;
 
-constexpr size_t kSmallStack = 1024 * 1024;
+constexpr int kRecords = 20000;
+constexpr size_t kSmallStack = 384 * 1024;  // hardly more than what is kept in reserve
 
-std::string listOf(int nRecords) {
-  std::string text = "<Root>\n<PathList __ID=\"ptMsgList\" psPath=\"a\"/>";
-  for (int i = 1; i < nRecords; ++i) text += "\n<PathList __ID=\"ptNext\" psPath=\"a\"/>";
+// A list in a file of its own: the first record as sFirst, the others as sNext.
+std::string listOf(const std::string &sFirst, const std::string &sNext, int nRecords = kRecords) {
+  std::string text = "<Root>\n" + sFirst;
+  for (int i = 1; i < nRecords; ++i) text += "\n" + sNext;
   return text + "\n</Root>\n";
 }
 
-void *readList(void *pFile) {
-  return sttParseXmlFile(static_cast<char *>(pFile), cs("Root"), cs("PathList"),
-                         reinterpret_cast<void *>(sttParseXmlPathList));
+void *call(void *pWork) {
+  (*static_cast<std::function<void()> *>(pWork))();
+  return nullptr;
 }
 
-// Reads the file on a thread with a small stack.
-void *readOnSmallStack(char *psFile) {
+void onSmallStack(std::function<void()> work) {
   pthread_attr_t attributes;
   pthread_attr_init(&attributes);
   pthread_attr_setstacksize(&attributes, kSmallStack);
   pthread_t thread;
-  EXPECT_EQ(pthread_create(&thread, &attributes, readList, psFile), 0);
-  void *ptList = nullptr;
-  pthread_join(thread, &ptList);
+  ASSERT_EQ(pthread_create(&thread, &attributes, call, &work), 0);
+  pthread_join(thread, nullptr);
   pthread_attr_destroy(&attributes);
-  return ptList;
+}
+
+template <class T>
+T *read(ConfigTree &tree, const char *psType, T *(*fParse)(void *, char *)) {
+  void *ptList = nullptr;
+  onSmallStack([&] {
+    ptList = sttParseXmlFile(tree.arg("a.xml"), cs("Root"), cs(psType), reinterpret_cast<void *>(fParse));
+  });
+  return static_cast<T *>(ptList);
+}
+
+template <class T>
+int length(const T *pt) {
+  int n = 0;
+  for (; pt != nullptr; pt = pt->ptNext) ++n;
+  return n;
+}
+
+// Reads such a list on a small stack and returns how many records it has.
+template <class T>
+int lengthRead(const char *psType, T *(*fParse)(void *, char *), const std::string &sInside) {
+  ConfigTree tree;
+  const std::string sElement = std::string(psType) + sInside;
+  const size_t nName = sElement.find_first_of(" />");
+  tree.file("a.xml", listOf("<" + sElement,
+                            "<" + sElement.substr(0, nName) + " __ID=\"ptNext\"" + sElement.substr(nName)));
+  const T *const ptList = read(tree, psType, fParse);
+  EXPECT_TRUE(test::logTexts().empty()) << test::logTexts().front();
+  return length(ptList);
 }
 
 }  // namespace
 
-TEST(SttLongList, OneThatFitsTheStackIsRead) {
+TEST(SttLongList, OfEveryKindIsReadOnASmallStack) {
+  sttAddFuncVoid(sttParseVoidcvt_message, sttGenVoidcvt_message);
+  sttAddFuncVoid(sttParseVoidcvt_convert, sttGenVoidcvt_convert);
+  EXPECT_EQ(lengthRead("PathList", sttParseXmlPathList, " psPath=\"a\"/>"), kRecords);
+  EXPECT_EQ(lengthRead("Arg", sttParseXmlArg, " nType=\"3\"><Value __ID=\"pInfo\" psValue=\"v\"/></Arg>"),
+            kRecords);
+  EXPECT_EQ(lengthRead("Judge", sttParseXmlJudge, "><Arg __ID=\"ptSrcArgs\" nType=\"3\"/></Judge>"),
+            kRecords);
+  EXPECT_EQ(lengthRead("Case", sttParseXmlCase, "><Judge __ID=\"ptJudge\"/></Case>"), kRecords);
+  EXPECT_EQ(lengthRead("MappingList", sttParseXmlMappingList, "/>"), kRecords);
+  EXPECT_EQ(lengthRead("IdFunc", sttParseXmlIdFunc, " psFunctName=\"pubParse\"/>"), kRecords);
+  EXPECT_EQ(lengthRead("FormatInfo", sttParseXmlFormatInfo, " psFormatId=\"f\"/>"), kRecords);
+  EXPECT_EQ(lengthRead("IdMsgInfo", sttParseXmlIdMsgInfo, " psMsgName=\"m\"/>"), kRecords);
+  sttEnd();
+}
+
+TEST(SttLongList, OfNodesIsReadOnASmallStack) {
   ConfigTree tree;
-  tree.file("a.xml", listOf(500));
-  int nRecords = 0;
-  for (auto *pt = static_cast<PathList *>(readOnSmallStack(tree.arg("a.xml"))); pt != nullptr; pt = pt->ptNext) {
-    ++nRecords;
+  const std::string sInside = "<StructAttr __ID=\"ptStructAttr\"/></Message>";
+  tree.file("a.xml", listOf("<Message psNodeName=\"n\">" + sInside,
+                            "<Message __ID=\"ptNextNode\" psNodeName=\"n\">" + sInside));
+  int n = 0;
+  for (const Message *pt = read(tree, "Message", sttParseXmlMessage); pt != nullptr;
+       pt = pt->ptStructAttr->ptNextNode) {
+    ++n;
   }
-  EXPECT_EQ(nRecords, 500);
+  EXPECT_EQ(n, kRecords);
   EXPECT_TRUE(test::logTexts().empty());
 }
 
-TEST(SttLongList, OneThatDoesNotIsRefused) {
+TEST(SttLongList, TellsOfAFailureOnceARecordFromTheInnermostOutward) {
+  test::clearLog();
+  constexpr int kFailing = 5000;
   ConfigTree tree;
-  tree.file("a.xml", listOf(60000));
-  EXPECT_EQ(readOnSmallStack(tree.arg("a.xml")), nullptr);
+  const std::string sPair = "<IdCvtInfo psFormatId=\"f\" psCvtName=\"c\"/>";
+  const std::string sNext = "<IdCvtInfo __ID=\"ptNext\" psFormatId=\"f\" psCvtName=\"c\"/>";
+  tree.file("a.xml", listOf(sPair, sNext, kFailing));
+  EXPECT_EQ(read(tree, "IdCvtInfo", sttParseXmlIdCvtInfo), nullptr);
+  const std::string sLink =
+      "struct IdCvtInfo * ptNext = sttParseXmlNext(ptXmlNode, \"IdCvtInfo\", \"ptNext\", "
+      "sttParseXmlIdCvtInfo) is Err!!";
+  const std::vector<std::string> texts = test::logTexts();
+  EXPECT_EQ(std::count(texts.begin(), texts.end(), sLink), kFailing - 1);
+  const std::string sPlace =
+      "File[" + tree.path("a.xml") + "] Line[" + std::to_string(kFailing + 1) + "] Element[IdCvtInfo]";
+  EXPECT_EQ(std::count(texts.begin(), texts.end(), sPlace), 1);
+}
+
+TEST(SttLongList, OfReadersThatDescendThemselvesIsRefusedBeforeTheStackEnds) {
+  test::clearLog();
+  ConfigTree tree;
+  tree.file("a.xml", listOf("<PathList psPath=\"a\"/>", "<PathList __ID=\"ptNext\" psPath=\"a\"/>", 60000));
+  struct Reader {
+    static void *descend(void *ptXmlNode, char *psType) {
+      return sttParseXmlNext(ptXmlNode, psType, cs("ptNext"), reinterpret_cast<void *>(descend));
+    }
+  };
+  onSmallStack([&] {
+    EXPECT_EQ(sttParseXmlFile(tree.arg("a.xml"), cs("Root"), cs("PathList"),
+                              reinterpret_cast<void *>(Reader::descend)),
+              nullptr);
+  });
   EXPECT_EQ(nGRet, -1);
-  ASSERT_FALSE(test::logTexts().empty());
+  ASSERT_GT(test::logTexts().size(), 1U);
   EXPECT_EQ(test::logTexts().front(),
             "Record[PathList]: the list or the nesting is too long for the stack: make it shorter");
   EXPECT_EQ(test::logTexts()[1].rfind("File[" + tree.path("a.xml") + "] Line[", 0), 0U);

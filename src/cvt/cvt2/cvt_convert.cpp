@@ -82,6 +82,13 @@ int SetMsgInfoByName(char *psSrcName, char *psDstName, MsgInfo *ptMsgInfo) {
   return ReSetMsgInfo(ptSrc->pptMessageIdx, ptDst->pptMessageIdx, ptMsgInfo);
 }
 
+// Whether the record of an argument belongs to another code.
+bool isMisfit(const Arg *ptArgs) {
+  if (!cvt::bind::isMisfit(ptArgs->pInfo)) return false;
+  CVT_ERR("Arg Type [%d]: its record is of another type, as the log of the start says", ptArgs->nType);
+  return true;
+}
+
 int GetNodeValueIndex(Arg *ptArgs) {
   CVT_NOT_NULL(ptArgs, -1);
   if (ptArgs->nType != CVT_TYPE_SRC && ptArgs->nType != CVT_TYPE_DST) {
@@ -89,6 +96,7 @@ int GetNodeValueIndex(Arg *ptArgs) {
     return -1;
   }
   CVT_NOT_NULL(ptArgs->pInfo, -1);
+  if (isMisfit(ptArgs)) return -1;
   return static_cast<Node *>(ptArgs->pInfo)->nIdx;
 }
 
@@ -218,11 +226,43 @@ FncConvert MakeFunction(char *psFuncName, Arg *ptArgs) {
 
 // --- Bound records ---------------------------------------------------------------------------------------
 
+namespace {
+
+// The record that belongs to a code. Null: any, or a code that takes none.
+const char *recordOfCode(int nType) {
+  switch (nType) {
+    case CVT_TYPE_SRC:
+    case CVT_TYPE_DST:
+    case CVT_TYPE_MSG:
+      return "Node";
+    case CVT_TYPE_VALUE:
+      return "Value";
+    case CVT_TYPE_FUNC:
+      return "Function";
+    case CVT_TYPE_COPY:
+      return "Copy";
+    case CVT_TYPE_CASE:
+      return "Case";
+    case CVT_TYPE_LOOP:
+      return "Loop";
+    case CVT_TYPE_SQL:
+      return "Sql";
+    case CVT_TYPE_LOOPNUM:
+      return "LoopGetNum";
+    case CVT_TYPE_MAPPING:
+      return "Mapping";
+    default:
+      return nullptr;
+  }
+}
+
+}  // namespace
+
 // clang-format off
-#define STT_TABLE_Arg(F) \
-  F(INT,  nType)         \
-  F(VOID, pInfo)         \
-  F(NEXT, ptNext, Arg)
+#define STT_TABLE_Arg(F)                  \
+  F(INT,      nType)                      \
+  F(VOID_FOR, pInfo, recordOfCode(nType)) \
+  F(NEXT,     ptNext, Arg)
 STT_BIND(Arg)
 
 #define STT_TABLE_Converter(F) \
@@ -411,6 +451,7 @@ Value *InnerGetLoopNum(ValueListPort ptSrcValueList, LoopGetNum *ptLoopGetNum, M
 
 Value *GetValue(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Arg *ptArgs, MemPort ptMemNode) {
   CVT_NOT_NULL(ptArgs, nullptr);
+  if (isMisfit(ptArgs)) return nullptr;
   switch (ptArgs->nType) {
     case CVT_TYPE_SRC:
     case CVT_TYPE_DST: {
@@ -489,13 +530,19 @@ int CvtCase(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Case *pt
 
 // Set mode is asked for by the name of a code-2 argument: it begins with a capital S.
 int CvtLoopCheckSet(Arg *ptArg) {
-  if (ptArg->nType != CVT_TYPE_MSG || ptArg->pInfo == nullptr) return -1;
+  if (ptArg->nType != CVT_TYPE_MSG || ptArg->pInfo == nullptr || isMisfit(ptArg)) return -1;
   const char *const psName = static_cast<Node *>(ptArg->pInfo)->psName;
   return psName != nullptr && *psName == 'S' ? 0 : -1;
 }
 
+// The record of a rule; null when it belongs to another code.
+template <class T>
+T *ruleOf(const Arg *ptArg) {
+  return isMisfit(ptArg) ? nullptr : static_cast<T *>(ptArg->pInfo);
+}
+
 const char *CvtGetName(Arg *ptArg) {
-  return ptArg->pInfo == nullptr ? nullptr : static_cast<Node *>(ptArg->pInfo)->psName;
+  return ptArg->pInfo == nullptr || isMisfit(ptArg) ? nullptr : static_cast<Node *>(ptArg->pInfo)->psName;
 }
 
 int repetitions(ValueListPort ptValueList, int nSlot) {
@@ -641,23 +688,23 @@ int convertByRule(ValueListPort ptSrc, ValueListPort ptDst, const Arg *ptArg, Me
   const char *psFailed = nullptr;
   switch (ptArg->nType) {
     case CVT_TYPE_COPY:
-      nRet = CvtCopy(ptSrc, ptDst, static_cast<Copy *>(ptArg->pInfo), ptMemNode);
+      nRet = CvtCopy(ptSrc, ptDst, ruleOf<Copy>(ptArg), ptMemNode);
       psFailed = "CvtCopy Err!!";
       break;
     case CVT_TYPE_CASE:
-      nRet = CvtCase(ptSrc, ptDst, static_cast<Case *>(ptArg->pInfo), ptMemNode);
+      nRet = CvtCase(ptSrc, ptDst, ruleOf<Case>(ptArg), ptMemNode);
       psFailed = "CvtCase Err!!";
       break;
     case CVT_TYPE_LOOP:
-      nRet = CvtLoop(ptSrc, ptDst, static_cast<Loop *>(ptArg->pInfo), ptMemNode);
+      nRet = CvtLoop(ptSrc, ptDst, ruleOf<Loop>(ptArg), ptMemNode);
       psFailed = "CVT_TYPE_LOOP Err!!";
       break;
     case CVT_TYPE_SQL:
-      nRet = CvtSql(ptSrc, ptDst, static_cast<Sql *>(ptArg->pInfo), ptMemNode);
+      nRet = CvtSql(ptSrc, ptDst, ruleOf<Sql>(ptArg), ptMemNode);
       psFailed = "CvtSql Err!!";
       break;
     case CVT_TYPE_MAPPING:
-      nRet = CvtMapping(ptSrc, ptDst, static_cast<Mapping *>(ptArg->pInfo), ptMemNode);
+      nRet = CvtMapping(ptSrc, ptDst, ruleOf<Mapping>(ptArg), ptMemNode);
       psFailed = "CvtMapping err!!";
       break;
     default:

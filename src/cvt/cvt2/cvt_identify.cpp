@@ -34,19 +34,33 @@ int SetToOffset(InnerMessage *ptSrcMsg, InnerMessage *ptDstMsg, void *ptArgs);
 struct BuiltInStep {
   const char *psName;
   FncIdFunction fStep;
+  const char *psRecord;  // that it takes; null: it looks at none
 };
 
 constexpr BuiltInStep kBuiltInSteps[] = {
-    {"pubParse", pubParse},
-    {"pubNew", pubNew},
-    {"pubGenerate", pubGenerate},
-    {"pubConvert", pubConvert},
-    {"GetIpcName", GetIpcName},
-    {"GetXmlNode", GetXmlNode},
-    {"SetMsgNameToBuf", SetMsgNameToBuf},
-    {"SetBufToBuf", SetBufToBuf},
-    {"SetToOffset", SetToOffset},
+    {"pubParse", pubParse, "IdFunc"},
+    {"pubNew", pubNew, "IdFunc"},
+    {"pubGenerate", pubGenerate, nullptr},
+    {"pubConvert", pubConvert, nullptr},
+    {"GetIpcName", GetIpcName, "IpcNameArgs"},
+    {"GetXmlNode", GetXmlNode, "XmlNameArgs"},
+    {"SetMsgNameToBuf", SetMsgNameToBuf, "IpcNameArgs"},
+    {"SetBufToBuf", SetBufToBuf, "MoveBufferArgs"},
+    {"SetToOffset", SetToOffset, "SetOffsetArgs"},
 };
+
+const BuiltInStep *builtIn(const char *psFunctName) {
+  const auto *const pt = std::find_if(std::begin(kBuiltInSteps), std::end(kBuiltInSteps), [&](const auto &step) {
+    return psFunctName != nullptr && std::strcmp(step.psName, psFunctName) == 0;
+  });
+  return pt == std::end(kBuiltInSteps) ? nullptr : pt;
+}
+
+// The record that a step takes. Null: any; a registered step knows what it takes.
+const char *recordOfStep(const char *psFunctName) {
+  const BuiltInStep *const pt = builtIn(psFunctName);
+  return pt == nullptr ? nullptr : pt->psRecord;
+}
 
 // Built-in steps go first: a registered step cannot replace one.
 FncIdFunction GetIdFunc(char *psFunctName) {
@@ -54,9 +68,8 @@ FncIdFunction GetIdFunc(char *psFunctName) {
     nGRet = -1;
     return nullptr;
   }
-  for (const BuiltInStep &step : kBuiltInSteps) {
-    if (std::strcmp(step.psName, psFunctName) == 0) return step.fStep;
-  }
+  const BuiltInStep *const ptBuiltIn = builtIn(psFunctName);
+  if (ptBuiltIn != nullptr) return ptBuiltIn->fStep;
   const StringList *const pt = f_stepIndex.find(gptFuncList, psFunctName);
   if (pt == nullptr) {
     nGRet = -1;
@@ -117,7 +130,7 @@ STT_BIND(SetOffsetArgs)
 
 #define STT_TABLE_IdFunc(F) \
   F(STRING, psFunctName)    \
-  F(VOID,   ptArg)          \
+  F(VOID_OF, ptArg, recordOfStep(psFunctName)) \
   F(NEXT,   ptNext, IdFunc) \
   F(DERIVED, fIdFunction, GetIdFunc(psFunctName))
 STT_BIND(IdFunc)
@@ -263,15 +276,31 @@ int pubParse(InnerMessage *ptInMsg, InnerMessage *ptVoid, void *ptArgs) {
   return nRet;
 }
 
+namespace {
+
+// The position that a format leaves is the length that the host takes the buffer to have. One that it has moved out
+// of the buffer is refused.
+bool endedInside(const InnerMessage *ptMsg, int nBefore) {
+  const int nNow = ptMsg->nNowLen;
+  if (nNow == nBefore || (nNow >= 0 && nNow <= ptMsg->nLen)) return true;
+  CVT_ERR("Message[%s]: its format ended at [%d] of [%d] bytes: mend the plug-in", cvt::NameOf(ptMsg).text(), nNow,
+          ptMsg->nLen);
+  return false;
+}
+
+}  // namespace
+
 int pubGenerate(InnerMessage *, InnerMessage *ptInMsg, void *) {
   CVT_NOT_NULL(ptInMsg, -1);
   CVT_NOT_NULL(ptInMsg->ptMsgInfo, -1);
   CVT_NOT_NULL(ptInMsg->ptMsgInfo->fGen, -1);
   const FncGenerate fGen = ptInMsg->ptMsgInfo->fGen;
-  const int nRet = cvt::guarded("Message", ptInMsg->ptMsgInfo->psMsgName, [&] {
+  const int nBefore = ptInMsg->nNowLen;
+  int nRet = cvt::guarded("Message", ptInMsg->ptMsgInfo->psMsgName, [&] {
     return fGen(nullptr, &ptInMsg->tValueListInfo, ptInMsg->ptMsgInfo, ptInMsg->psBuf, &ptInMsg->nNowLen,
                 ptInMsg->nLen);
   });
+  if (nRet == 0 && !endedInside(ptInMsg, nBefore)) nRet = -1;
   if (nRet != 0) CVT_ERR("Message[%s] generate to Buf err!!", cvt::NameOf(ptInMsg).text());
   return nRet;
 }
@@ -331,7 +360,8 @@ Converter *cvtGetConvert(InnerMessage *ptInSrcMsg, InnerMessage *ptInDstMsg) {
   const auto known = f_choices.find(pIdInfo);
   Converter *const pt = known != f_choices.end()
                             ? choose(known->second, ptInDstMsg->sMsgFormat)
-                            : choose(static_cast<const IdCvtInfo *>(pIdInfo), ptInDstMsg->sMsgFormat);
+                            : choose(cvt::bind::isMisfit(pIdInfo) ? nullptr : static_cast<const IdCvtInfo *>(pIdInfo),
+                                     ptInDstMsg->sMsgFormat);
   if (pt == nullptr) CVT_ERR("Message Convert Format id [%s] not fond!!", ptInDstMsg->sMsgFormat);
   return pt;
 }

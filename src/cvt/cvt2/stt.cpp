@@ -46,6 +46,9 @@ FuncList **f_pptChain = &gptFuncList;
 // Whether the place of the failure being reported has been logged.
 bool f_bPlaced = false;
 
+// Records in fields whose users expect others.
+cvt::HashSet<const void *> f_misfits;
+
 int length(const char *ps) { return ps == nullptr ? 0 : static_cast<int>(std::strlen(ps)); }
 
 // The attribute's text. Null without one; also, with the flag raised, where the heap has no room for it.
@@ -201,6 +204,40 @@ bool mayDescend(void *ptXmlNode) {
   return false;
 }
 
+bool isWanted(void *ptXmlNode, const char *psName, const void *ptRecord, const char *psType) {
+  if (ptRecord == nullptr || psType == nullptr) return true;
+  void *const ptElement = childWithId(ptXmlNode, nullptr, psName);
+  if (ptElement == nullptr || isNamed(ptElement, psType)) return true;  // null, with the flag raised: no heap
+  const XmlPlace at = xmlPlaceOf(ptElement);
+  CVT_ERR("File[%s] Line[%ld] Element[%s]: it is not used: expected <%s> as %s of <%s>", at.psFile, at.nLine,
+          xmlGetNodeName(ptElement), psType, psName, xmlGetNodeName(ptXmlNode));
+  return false;
+}
+
+void markMisfit(const void *ptRecord) { f_misfits.insert(ptRecord); }
+bool isMisfit(const void *ptRecord) { return !f_misfits.empty() && f_misfits.count(ptRecord) != 0; }
+
+void *readChain(Reading &first) {
+  Vector<ReadingPtr> others;
+  Reading *ptLast = &first;
+  bool bRead = first.fields();
+  while (bRead) {
+    begin();
+    ReadingPtr next = ptLast->link();
+    if (next == nullptr) break;
+    ptLast = next.get();
+    others.push_back(std::move(next));
+    bRead = ptLast->fields();
+  }
+  void *ptRecord = bRead ? ptLast->make(nullptr) : nullptr;
+  while (!others.empty()) {
+    others.pop_back();
+    ptLast = others.empty() ? &first : others.back().get();
+    ptRecord = nGRet == -1 ? ptLast->linkFailed() : ptLast->make(ptRecord);
+  }
+  return ptRecord;
+}
+
 }  // namespace cvt::bind
 
 // --- Registry -----------------------------------------------------------------------------------------------------
@@ -261,6 +298,7 @@ char *sttGetVoidType(void *pPoint) {
 }
 
 int sttEnd() {
+  f_misfits.clear();
   while (gptSttInfo != nullptr) {
     const std::unique_ptr<SttInfo> gone(gptSttInfo);
     gptSttInfo = gone->ptNext;
@@ -493,11 +531,11 @@ void write(void *ptElement, void *ptStruct, char *psName, char *psTypeName, void
 
 namespace cvt::bind {
 
-void *structElement(void *ptXmlNode, char *psType, char *psName) {
+void *structElement(void *ptXmlNode, const char *psType, const char *psName) {
   return psType == nullptr ? nullptr : childWithId(ptXmlNode, psType, psName);
 }
 
-void *nextElement(void *ptXmlNode, char *psType, char *psName) {
+void *nextElement(void *ptXmlNode, const char *psType, const char *psName) {
   if (psType == nullptr || psName == nullptr) return nullptr;
   void *const ptOwn = selfOrAncestor(ptXmlNode, psType);
   if (ptOwn == nullptr) return nullptr;

@@ -10,7 +10,11 @@
 //   STT_BIND(Plug)
 //
 //   STRING, INT, CHAR, VOID       name
-//   STRUCT, NEXT                  name, record type
+//   STRUCT                        name, record type
+//   NEXT                          name, record type: the next record of a list. No field is read behind it
+//   LAST                          name, record type: a STRUCT behind which no field is read
+//   VOID_OF, VOID_FOR             name, expression: the record type that is wanted; null: any. A record of another
+//                                 type is left out, or kept and marked: see isMisfit
 //   STRING_BY, VOID_BY            name, custom parse step: an expression that may use ptXmlNode and the fields
 //                                 read so far
 //   STRUCT_BY                     name, record type, type as declared, custom parse step
@@ -23,8 +27,12 @@
 #pragma once
 
 #include <cstring>
+#include <memory>
+#include <new>
 #include <type_traits>
+#include <utility>
 
+#include "cvt_heap.h"
 #include "cvt_log.h"
 #include "cvt_memory.h"
 #include "cvt_string.h"
@@ -42,9 +50,17 @@ void failed(const char *psFile, int nLine, const char *psFunction, const char *p
 // Logs file, line and element, once for each failure: the innermost element that is known wins.
 void place(void *ptXmlNode);
 
-// Whether a record may be read or written one level further down. Lists are worked off by recursion, a level for
-// each record, so a very long one is refused, with nGRet -1 (logged), before the stack ends.
+// Whether a record may be read or written one level further down: nesting that is too deep, and a list that is
+// written by recursion, are refused, with nGRet -1 (logged), before the stack ends.
 bool mayDescend(void *ptXmlNode);
+
+// Whether a Void field's record is of the type that its users take it for: its element is named psType, or psType is
+// null. One that is not is logged.
+bool isWanted(void *ptXmlNode, const char *psName, const void *ptRecord, const char *psType);
+
+// Records that are kept where another type is wanted; forgotten with the registry.
+void markMisfit(const void *ptRecord);
+bool isMisfit(const void *ptRecord);
 
 // A record pointer of whatever type the statement declares.
 struct AnyRecord {
@@ -58,20 +74,58 @@ struct AnyRecord {
 // Releases a string that was read, also when a later step fails: the record keeps its own interned copy.
 class Text {
  public:
-  explicit Text(char *ps) : m_ps(ps) {}
+  explicit Text(char *ps = nullptr) : m_ps(ps) {}
   ~Text() { sttFreeXmlString(m_ps); }
   Text(const Text &) = delete;
   Text &operator=(const Text &) = delete;
+
+  char *get() const { return m_ps; }
+  void take(Text &from) { std::swap(m_ps, from.m_ps); }
 
  private:
   char *m_ps;
 };
 
+// A record that is being read. It waits for the record that its NEXT or LAST field refers to, which waits for
+// another: a list takes heap, not stack.
+class Reading {
+ public:
+  explicit Reading(void *ptXmlNode) : m_ptXmlNode(ptXmlNode) {}
+  virtual ~Reading() = default;
+  Reading(const Reading &) = delete;
+  Reading &operator=(const Reading &) = delete;
+
+  // Reads the fields in front of the link; false, with nGRet -1 (logged), when one cannot be read.
+  virtual bool fields() = 0;
+  // The reading of the record that the link refers to; null when there is none.
+  virtual std::unique_ptr<Reading> link() = 0;
+  // Logs that the link could not be read. Returns null.
+  virtual void *linkFailed() = 0;
+  // Makes the record; null when that fails.
+  virtual void *make(void *ptLinked) = 0;
+
+ protected:
+  void *const m_ptXmlNode;
+};
+using ReadingPtr = std::unique_ptr<Reading>;
+
+template <class T>
+ReadingPtr newReading(void *ptXmlNode) {
+  if (ptXmlNode == nullptr) return nullptr;
+  auto *const pt = new (std::nothrow) T(ptXmlNode);
+  if (pt == nullptr) heapExhausted(sizeof(T));
+  return ReadingPtr(pt);
+}
+
+// Reads a record and those behind it, as if each were read by the one before it: fields from the first record to
+// the last, records made from the last to the first.
+void *readChain(Reading &first);
+
 inline char *name(const char *ps) { return const_cast<char *>(ps); }
 
 // The element from which a Struct or Next field is read; null when there is none.
-void *structElement(void *ptXmlNode, char *psType, char *psName);
-void *nextElement(void *ptXmlNode, char *psType, char *psName);
+void *structElement(void *ptXmlNode, const char *psType, const char *psName);
+void *nextElement(void *ptXmlNode, const char *psType, const char *psName);
 
 // A new element for a Struct or Next field; null, with nGRet -1, when there is no room for one.
 void *newStructElement(void *ptXmlNode, char *psName, char *psTypeName);
@@ -98,11 +152,7 @@ AnyRecord readRecord(void *ptElement, const char *psType, T *(*fFunc)(void *, ch
 }
 template <class T>
 AnyRecord sttParseXmlStruct(void *ptXmlNode, const char *psType, const char *psName, T *(*fFunc)(void *, char *)) {
-  return readRecord(structElement(ptXmlNode, name(psType), name(psName)), psType, fFunc);
-}
-template <class T>
-AnyRecord sttParseXmlNext(void *ptXmlNode, const char *psType, const char *psName, T *(*fFunc)(void *, char *)) {
-  return readRecord(nextElement(ptXmlNode, name(psType), name(psName)), psType, fFunc);
+  return readRecord(structElement(ptXmlNode, psType, psName), psType, fFunc);
 }
 inline void sttGenerateXmlString(void *ptXmlNode, char *psString, const char *psName) {
   ::sttGenerateXmlString(ptXmlNode, psString, name(psName));
@@ -156,16 +206,19 @@ const Type *find(const Type (&types)[N], const char *psStructType) {
 // clang-format off
 
 #define STT_FAILED(psStatement) \
-  cvt::bind::failed(__FILE_NAME__, __LINE__, static_cast<const char *>(__func__), psStatement, ptPlace)
+  cvt::bind::failed(__FILE_NAME__, __LINE__, psFunc, psStatement, ptPlace)
+
+// The text of a statement is logged as it stands, so what a macro puts into it takes no parentheses.
+// NOLINTBEGIN(bugprone-macro-parentheses)
 
 // Runs a statement; if it leaves nGRet at -1, logs its own text followed by " is Err!!" and returns null.
-// ptPlace is the element whose place in the configuration is logged, too, or null.
+// ptPlace is the element whose place in the configuration is logged, too, or null; psFunc the name of the function.
 #define STT_TRY(...)                                                                     \
   cvt::bind::begin();                                                                    \
   __VA_ARGS__;                                                                           \
   if (nGRet == -1) {                                                                     \
     STT_FAILED(#__VA_ARGS__);                                                            \
-    return nullptr;                                                                      \
+    return {};                                                                      \
   }
 
 // The same for an assignment that fails by yielding null.
@@ -174,11 +227,11 @@ const Type *find(const Type (&types)[N], const char *psStructType) {
   if ((__VA_ARGS__) == nullptr) {                                                        \
     nGRet = -1;                                                                          \
     STT_FAILED(#__VA_ARGS__);                                                            \
-    return nullptr;                                                                      \
+    return {};                                                                      \
   }
 
 // The text that a read step has just put into `name` goes with the end of the parse function.
-#define STT_OWN(name) const cvt::bind::Text name##_owner(name);
+#define STT_OWN(name) cvt::bind::Text name##_owner(name);
 
 // Each kind: the class that says how a value is kept (TEXT is interned, PLAIN stored, DERIVED computed), its
 // C type, the statement that reads it and the one that writes it.
@@ -207,6 +260,18 @@ const Type *find(const Type (&types)[N], const char *psStructType) {
 #define STT_READ_VOID(name) STT_TRY(void * name = sttParseXmlVoid(ptXmlNode, #name))
 #define STT_WRITE_VOID(name) STT_TRY(sttGenerateXmlVoid(ptXmlNode, p->name, #name))
 
+#define STT_CLASS_VOID_OF PLAIN
+#define STT_TYPE_VOID_OF(...) void *
+#define STT_READ_VOID_OF(name, ...) \
+  STT_READ_VOID(name) if (!isWanted(ptXmlNode, #name, name, __VA_ARGS__)) name = nullptr;
+#define STT_WRITE_VOID_OF(name, ...) STT_WRITE_VOID(name)
+
+#define STT_CLASS_VOID_FOR PLAIN
+#define STT_TYPE_VOID_FOR(...) void *
+#define STT_READ_VOID_FOR(name, ...) \
+  STT_READ_VOID(name) if (!isWanted(ptXmlNode, #name, name, __VA_ARGS__)) markMisfit(name);
+#define STT_WRITE_VOID_FOR(name, ...) STT_WRITE_VOID(name)
+
 #define STT_CLASS_VOID_BY PLAIN
 #define STT_TYPE_VOID_BY(...) void *
 #define STT_READ_VOID_BY(name, ...) STT_TRY(void * name = __VA_ARGS__)
@@ -222,10 +287,21 @@ const Type *find(const Type (&types)[N], const char *psStructType) {
 #define STT_READ_STRUCT_BY(name, U, decl, ...) STT_TRY(decl name = __VA_ARGS__)
 #define STT_WRITE_STRUCT_BY(name, U, ...) STT_WRITE_STRUCT(name, U)
 
-#define STT_CLASS_NEXT PLAIN
+#define STT_CLASS_NEXT LINK
 #define STT_TYPE_NEXT(U) U *
-#define STT_READ_NEXT(name, U) STT_TRY(struct U * name = sttParseXmlNext(ptXmlNode, #U, #name, sttParseXml##U))
+#define STT_READ_NEXT(...)
+#define STT_LINK_NEXT(name, U) \
+  return newReading##U(nextElement(m_ptXmlNode, #U, #name));
+#define STT_LINKED_NEXT(name, U) "struct " #U " * " #name " = sttParseXmlNext(ptXmlNode, \"" #U "\", \"" #name "\", sttParseXml" #U ")"
 #define STT_WRITE_NEXT(name, U) STT_TRY(sttGenerateXmlNext(ptXmlNode, p->name, #name, #U, sttGenXml##U))
+
+#define STT_CLASS_LAST LINK
+#define STT_TYPE_LAST(U) U *
+#define STT_READ_LAST(...)
+#define STT_LINK_LAST(name, U) \
+  return newReading##U(structElement(m_ptXmlNode, #U, #name));
+#define STT_LINKED_LAST(name, U) #U " * " #name " = sttParseXmlStruct(ptXmlNode, \"" #U "\", \"" #name "\", sttParseXml" #U ")"
+#define STT_WRITE_LAST(name, U) STT_WRITE_STRUCT(name, U)
 
 #define STT_CLASS_SECTION PLAIN
 #define STT_TYPE_SECTION(...) void *
@@ -250,19 +326,52 @@ const Type *find(const Type (&types)[N], const char *psStructType) {
 // What is done with each field, by class.
 #define STT_PARAM_TEXT(kind, name, ...) , STT_TYPE_##kind(__VA_ARGS__) name
 #define STT_PARAM_PLAIN(kind, name, ...) , STT_TYPE_##kind(__VA_ARGS__) name
+#define STT_PARAM_LINK(kind, name, ...) , STT_TYPE_##kind(__VA_ARGS__) name
 #define STT_PARAM_DERIVED(...)
 #define STT_ARG_TEXT(kind, name, ...) , name
 #define STT_ARG_PLAIN(kind, name, ...) , name
+#define STT_ARG_LINK(kind, name, ...) , name
 #define STT_ARG_DERIVED(...)
 #define STT_INTERN_TEXT(kind, name, ...) p->name = name == nullptr ? nullptr : cvtStrDup(name);
 #define STT_INTERN_PLAIN(...)
+#define STT_INTERN_LINK(...)
 #define STT_INTERN_DERIVED(...)
 #define STT_DERIVE_TEXT(...)
 #define STT_DERIVE_PLAIN(...)
+#define STT_DERIVE_LINK(...)
 #define STT_DERIVE_DERIVED(kind, ...) STT_SET_##kind(__VA_ARGS__)
 #define STT_STORE_TEXT(...)
 #define STT_STORE_PLAIN(kind, name, ...) p->name = name;
+#define STT_STORE_LINK(kind, name, ...) p->name = name;
 #define STT_STORE_DERIVED(...)
+#define STT_MEMBER_TEXT(kind, name, ...) cvt::bind::Text name;
+#define STT_MEMBER_PLAIN(kind, name, ...) STT_TYPE_##kind(__VA_ARGS__) name{};
+#define STT_MEMBER_LINK(kind, name, ...) STT_TYPE_##kind(__VA_ARGS__) name{};
+#define STT_MEMBER_DERIVED(...)
+#define STT_KEEP_TEXT(kind, name, ...) kept.name.take(name##_owner);
+#define STT_KEEP_PLAIN(kind, name, ...) kept.name = name;
+#define STT_KEEP_LINK(...)
+#define STT_KEEP_DERIVED(...)
+#define STT_KEPT_TEXT(kind, name, ...) , m_kept.name.get()
+#define STT_KEPT_PLAIN(kind, name, ...) , m_kept.name
+#define STT_KEPT_LINK(kind, name, ...) , m_kept.name
+#define STT_KEPT_DERIVED(...)
+#define STT_AHEAD_TEXT(...)
+#define STT_AHEAD_PLAIN(...)
+#define STT_AHEAD_LINK(kind, name, U) static cvt::bind::ReadingPtr newReading##U(void *ptXmlNode);
+#define STT_AHEAD_DERIVED(...)
+#define STT_FOLLOW_TEXT(...)
+#define STT_FOLLOW_PLAIN(...)
+#define STT_FOLLOW_LINK(kind, ...) STT_LINK_##kind(__VA_ARGS__)
+#define STT_FOLLOW_DERIVED(...)
+#define STT_LINKED_TEXT(...)
+#define STT_LINKED_PLAIN(...)
+#define STT_LINKED_LINK(kind, ...) STT_FAILED(STT_LINKED_##kind(__VA_ARGS__));
+#define STT_LINKED_DERIVED(...)
+#define STT_SETLINK_TEXT(...)
+#define STT_SETLINK_PLAIN(...)
+#define STT_SETLINK_LINK(kind, name, U) m_kept.name = static_cast<U *>(ptLinked);
+#define STT_SETLINK_DERIVED(...)
 
 #define STT_CAT_(a, b) a##b
 #define STT_CAT(a, b) STT_CAT_(a, b)
@@ -271,6 +380,13 @@ const Type *find(const Type (&types)[N], const char *psStructType) {
 #define STT_INTERN(kind, ...) STT_CAT(STT_INTERN_, STT_CLASS_##kind)(kind, __VA_ARGS__)
 #define STT_DERIVE(kind, ...) STT_CAT(STT_DERIVE_, STT_CLASS_##kind)(kind, __VA_ARGS__)
 #define STT_STORE(kind, ...) STT_CAT(STT_STORE_, STT_CLASS_##kind)(kind, __VA_ARGS__)
+#define STT_MEMBER(kind, ...) STT_CAT(STT_MEMBER_, STT_CLASS_##kind)(kind, __VA_ARGS__)
+#define STT_KEEP(kind, ...) STT_CAT(STT_KEEP_, STT_CLASS_##kind)(kind, __VA_ARGS__)
+#define STT_KEPT(kind, ...) STT_CAT(STT_KEPT_, STT_CLASS_##kind)(kind, __VA_ARGS__)
+#define STT_AHEAD(kind, ...) STT_CAT(STT_AHEAD_, STT_CLASS_##kind)(kind, __VA_ARGS__)
+#define STT_FOLLOW(kind, ...) STT_CAT(STT_FOLLOW_, STT_CLASS_##kind)(kind, __VA_ARGS__)
+#define STT_LINKED(kind, ...) STT_CAT(STT_LINKED_, STT_CLASS_##kind)(kind, __VA_ARGS__)
+#define STT_SETLINK(kind, ...) STT_CAT(STT_SETLINK_, STT_CLASS_##kind)(kind, __VA_ARGS__)
 #define STT_READ(kind, ...) STT_READ_##kind(__VA_ARGS__)
 #define STT_WRITE(kind, ...) STT_WRITE_##kind(__VA_ARGS__)
 
@@ -282,6 +398,7 @@ const Type *find(const Type (&types)[N], const char *psStructType) {
   struct T *sttMake##T(struct T *p STT_TABLE_##T(STT_PARAM)) {                            \
     if (p == nullptr) return nullptr;                                                     \
     [[maybe_unused]] void *const ptPlace = nullptr;                                       \
+    [[maybe_unused]] const char *const psFunc = "sttMake" #T;                             \
     STT_TABLE_##T(STT_INTERN)                                                             \
     STT_TABLE_##T(STT_DERIVE)                                                             \
     STT_TABLE_##T(STT_STORE)                                                              \
@@ -295,17 +412,58 @@ const Type *find(const Type (&types)[N], const char *psStructType) {
     using namespace cvt::bind;                                                            \
     if (p == nullptr || ptXmlNode == nullptr) return nullptr;                             \
     void *const ptPlace = nullptr; /* a failed writer has freed the element */            \
+    const char *const psFunc = "sttGenXml" #T;                                            \
     STT_TABLE_##T(STT_WRITE)                                                              \
     return ptXmlNode;                                                                     \
   }                                                                                       \
-  struct T *sttParseXml##T(void *ptXmlNode, char *) {                                     \
+  namespace {                                                                             \
+  struct Kept##T {                                                                        \
+    STT_TABLE_##T(STT_MEMBER)                                                             \
+  };                                                                                      \
+  bool readFields([[maybe_unused]] void *ptXmlNode, Kept##T &kept) {                      \
     using namespace cvt::bind;                                                            \
-    if (ptXmlNode == nullptr) return nullptr;                                             \
     void *const ptPlace = ptXmlNode;                                                      \
+    const char *const psFunc = "sttParseXml" #T;                                          \
     STT_TABLE_##T(STT_READ)                                                               \
-    struct T *p = create(STT_TAIL(STT_TABLE_##T(STT_ARG)));                               \
-    if (p == nullptr && nGRet == -1) cvt::bind::place(ptXmlNode);                         \
-    return p;                                                                             \
+    STT_TABLE_##T(STT_KEEP)                                                               \
+    return true;                                                                          \
+  }                                                                                       \
+  }                                                                                       \
+  STT_TABLE_##T(STT_AHEAD)                                                                \
+  namespace {                                                                             \
+  class Reading##T final : public cvt::bind::Reading {                                    \
+   public:                                                                                \
+    using Reading::Reading;                                                               \
+    bool fields() override { return readFields(m_ptXmlNode, m_kept); }                    \
+    cvt::bind::ReadingPtr link() override {                                               \
+      using namespace cvt::bind;                                                          \
+      STT_TABLE_##T(STT_FOLLOW)                                                           \
+      return nullptr;                                                                     \
+    }                                                                                     \
+    void *linkFailed() override {                                                         \
+      [[maybe_unused]] void *const ptPlace = m_ptXmlNode;                                 \
+      [[maybe_unused]] const char *const psFunc = "sttParseXml" #T;                       \
+      STT_TABLE_##T(STT_LINKED)                                                           \
+      return nullptr;                                                                     \
+    }                                                                                     \
+    void *make([[maybe_unused]] void *ptLinked) override {                                \
+      STT_TABLE_##T(STT_SETLINK)                                                          \
+      struct T *const p = create(STT_TAIL(STT_TABLE_##T(STT_KEPT)));                      \
+      if (p == nullptr && nGRet == -1) cvt::bind::place(m_ptXmlNode);                     \
+      return p;                                                                           \
+    }                                                                                     \
+                                                                                          \
+   private:                                                                               \
+    Kept##T m_kept;                                                                       \
+  };                                                                                      \
+  }                                                                                       \
+  [[maybe_unused]] static cvt::bind::ReadingPtr newReading##T(void *ptXmlNode) {          \
+    return cvt::bind::newReading<Reading##T>(ptXmlNode);                                  \
+  }                                                                                       \
+  struct T *sttParseXml##T(void *ptXmlNode, char *) {                                     \
+    if (ptXmlNode == nullptr) return nullptr;                                             \
+    Reading##T first(ptXmlNode);                                                          \
+    return static_cast<struct T *>(cvt::bind::readChain(first));                          \
   }
 
 #define STT_BIND(T) STT_BIND_WITH(T, sttNew##T)
@@ -327,4 +485,5 @@ const Type *find(const Type (&types)[N], const char *psStructType) {
     return type == nullptr ? nullptr : type->fGen(ptSruct, ptNode, psStructType);                   \
   }
 
+// NOLINTEND(bugprone-macro-parentheses)
 // clang-format on

@@ -256,6 +256,13 @@ void *cvtSttInitMessage(char *psFileName, char *psType, void *ptRootNode) {
 
 // --- Bound records -----------------------------------------------------------------------------------------
 
+namespace {
+
+// What the other kinds keep in pInfo is a record of their format.
+bool repeats(int nType) { return nType == CVT_STRUCT_LOOP || nType == CVT_STRUCT_COUNTED; }
+
+}  // namespace
+
 // clang-format off
 #define STT_TABLE_Value(F) \
   F(STRING, psValue)       \
@@ -269,7 +276,7 @@ STT_BIND(FormatAttr)
 
 #define STT_TABLE_StructAttr(F)      \
   F(INT,    nType)                   \
-  F(VOID,   pInfo)                   \
+  F(VOID_OF, pInfo, repeats(nType) ? "LoopType" : nullptr) \
   F(STRUCT, ptOtherNode, Message)    \
   F(STRUCT, ptChildNode, Message)    \
   F(STRUCT, ptLoopNode,  Message)    \
@@ -281,7 +288,7 @@ STT_BIND(StructAttr)
   F(STRING,  psNodeName)             \
   F(INT,     nType)                  \
   F(STRUCT,  ptFormAttr,   FormatAttr) \
-  F(STRUCT,  ptStructAttr, StructAttr) \
+  F(LAST,    ptStructAttr, StructAttr) \
   F(DERIVED, nIndex, -1)
 STT_BIND_WITH(Message, cvtNewMessageByType)
 
@@ -291,7 +298,7 @@ STT_BIND_WITH(Message, cvtNewMessageByType)
   F(STRING, psType)               \
   F(STRUCT, ptHead, Message)      \
   F(VOID,   pInfo)                \
-  F(VOID,   pIdInfo)              \
+  F(VOID_FOR, pIdInfo, "IdCvtInfo") \
   F(DERIVED, nFieldNum, -1)       \
   F(DERIVED, nValueNum, -1)       \
   F(DERIVED_NULL, fGen)           \
