@@ -50,6 +50,8 @@ extern "C" __attribute__((visibility("default"))) int logInfo(int nLevel, const 
   va_start(args, psFormat);
   std::vsnprintf(f_ptReport->sLine, sizeof f_ptReport->sLine, psFormat, args);
   va_end(args);
+  const char *const psWanted = f_ptReport->psWanted;
+  if (psWanted != nullptr && std::strstr(f_ptReport->sLine, psWanted) != nullptr) f_ptReport->bSeen = true;
   return 0;
 }
 

@@ -8,11 +8,13 @@ namespace faults {
 
 // What the child says. It lies in memory that both processes see, since a child may end at any place.
 struct Report {
-  long nCalls;        // calls of the kind that fails
-  bool bRefused;      // a call returned its documented failure
-  int nLines;         // lines logged at level 1
-  char sLine[1024];   // the last one of them
-  char sWrong[1024];  // what must not be; empty: nothing
+  long nCalls;           // calls of the kind that fails
+  bool bRefused;         // a call returned its documented failure
+  int nLines;            // lines logged at level 1
+  char sLine[1024];      // the last one of them
+  const char *psWanted;  // what one of them must contain; null: nothing
+  bool bSeen;            // one did
+  char sWrong[1024];     // what must not be; empty: nothing
 
   void wrong(const char *psFormat, ...) __attribute__((format(printf, 2, 3)));  // the first one is kept
 };

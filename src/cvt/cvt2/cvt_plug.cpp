@@ -1,7 +1,13 @@
 // cvt_plug.cpp: the "Plug" section: format plug-ins, opened by the dynamic loader.
 #include <dlfcn.h>
+#include <fcntl.h>
+#include <link.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 
 #include "cvt.h"
@@ -24,6 +30,47 @@ struct DlClose {
   void operator()(void *pHandle) const { dlclose(pHandle); }
 };
 using Library = std::unique_ptr<void, DlClose>;
+
+class File {
+ public:
+  explicit File(const char *psFile) : m_nFile(open(psFile, O_RDONLY | O_CLOEXEC)) {}
+  ~File() {
+    if (m_nFile >= 0) close(m_nFile);
+  }
+  File(const File &) = delete;
+  File &operator=(const File &) = delete;
+
+  // Its size in bytes; -1 when it cannot be had.
+  long size() const {
+    struct stat tStat {};
+    return fstat(m_nFile, &tStat) == 0 ? static_cast<long>(tStat.st_size) : -1;
+  }
+  // Reads a record at an offset; false when the file does not reach that far.
+  template <class T>
+  bool read(ElfW(Off) nAt, T &record) const {
+    return pread(m_nFile, &record, sizeof record, static_cast<off_t>(nAt)) == static_cast<ssize_t>(sizeof record);
+  }
+
+ private:
+  int m_nFile;
+};
+
+// Whether a shared object has fewer bytes than its header tells, as one that is just being copied. The loader maps
+// it as told, and the process would end at the first byte that is not there. What is no shared object at all is left
+// to the loader, which says so.
+bool isCut(const char *psFile) {
+  const File file(psFile);
+  ElfW(Ehdr) header;
+  if (!file.read(0, header) || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0) return false;
+  if (header.e_ident[EI_CLASS] != (sizeof(void *) == 8 ? ELFCLASS64 : ELFCLASS32)) return false;
+  ElfW(Off) nEnd = 0;
+  for (ElfW(Off) i = 0; i < header.e_phnum; ++i) {
+    ElfW(Phdr) segment;
+    if (!file.read(header.e_phoff + i * sizeof segment, segment)) return true;
+    if (segment.p_type == PT_LOAD) nEnd = std::max<ElfW(Off)>(nEnd, segment.p_offset + segment.p_filesz);
+  }
+  return nEnd > static_cast<ElfW(Off)>(file.size());
+}
 
 // Keeps a plug-in's code in the process after it is closed: the registries may point into it until they are
 // released, which a load that failed leaves to the next start.
@@ -64,6 +111,10 @@ void *GetPlug(char *psName, char *psPath, char *psFunction, void *ptNode) {
     return refuse();
   }
   const cvt::String sFile = fileOf(psName, psPath);
+  if (isCut(sFile.c_str())) {
+    CVT_ERR("dlopen Err:%s: the file ends before its last segment: copy it anew!!", sFile.c_str());
+    return refuse();
+  }
   Library library(dlopen(sFile.c_str(), RTLD_NOW));
   if (library == nullptr) {
     CVT_ERR("dlopen Err:%s!!", dlerror());
