@@ -45,7 +45,10 @@ class Calls {
 
   std::string name() {
     const uint8_t choice = m_input.byte();
-    if (choice == 255) return m_input.string() + "." + m_input.string();
+    if (choice == 255) {
+      const std::string loop = m_input.string();
+      return loop + "." + m_input.string();
+    }
     return m_names.empty() || choice < 40 ? kFields[choice % kFields.size()]
                                           : m_names[choice % m_names.size()];
   }

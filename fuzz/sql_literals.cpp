@@ -20,7 +20,7 @@ std::optional<std::string> call(size_t function, const std::string &bytes) {
   Value result{};
   std::optional<std::string> text;
   if (cvt::functions::kSql.entries[function](&result, 1, arguments, memory) == 0) {
-    text.emplace(result.psValue, static_cast<size_t>(result.nLen));
+    text = std::string(result.psValue, static_cast<size_t>(result.nLen));
   }
   cvtMemDelNode(memory);
   return text;

@@ -27,7 +27,8 @@ class Input {
 
   // A length byte and as many bytes, as far as there are any.
   std::string string() {
-    const size_t length = std::min<size_t>(byte(), m_rest.size());
+    const size_t wanted = byte();
+    const size_t length = std::min(wanted, m_rest.size());
     std::string value(m_rest.substr(0, length));
     m_rest.remove_prefix(length);
     return value;
