@@ -232,6 +232,17 @@ TEST_F(SqlRule, BytesBelongToTheDestinationsNodeWhateverSlotTheyAreFor) {
   EXPECT_EQ(from.get("A"), "Oslo");
 }
 
+TEST_F(SqlRule, WithoutMemoryForAColumnFailsAndLeavesTheSlot) {
+  g_columns = {"Rome", "Oslo"};
+  EXPECT_EQ(runRules({sql({value("q")}, {dst("X"), dst("Y")})}), 0);
+  to.set("X", "x1");
+  EXPECT_EQ(run("C", from, {to.ptList, to.pptIdx, nullptr}), -1);
+  EXPECT_EQ(test::logTexts(1), trail({"[ptNode] is NULL"}));
+  EXPECT_EQ(to.get("X"), "x1");
+  EXPECT_EQ(to.get("Y"), "Oslo");
+  EXPECT_EQ(g_calls.back(), "close");
+}
+
 TEST_F(SqlRule, WhatAQueryFoundIsAPieceOfTheNextStatement) {
   g_columns = {"Rome"};
   EXPECT_EQ(runRules({sql({value("q")}, {dst("X")}), sql({value("note "), dst("X")})}), 0);

@@ -618,9 +618,11 @@ int TakeColumns(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Arg 
       CVT_ERR("CvtOraInq dbsGetField[%d] err!! sqlcode[%d:%s]", i, dbsSqlCode(), dbsErrStr());
       return -1;
     }
+    auto *const psCopy = static_cast<char *>(cvtMalloc(nLen, ptMemNode));  // null for no bytes
+    if (psCopy == nullptr && nLen > 0) return -1;                          // no pool node: already logged
+    if (psCopy != nullptr) std::memcpy(psCopy, psColumn, static_cast<size_t>(nLen));
+    ptValue->psValue = psCopy;
     ptValue->nLen = nLen;
-    ptValue->psValue = static_cast<char *>(cvtMalloc(nLen, ptMemNode));  // null for no bytes
-    if (ptValue->psValue != nullptr) std::memcpy(ptValue->psValue, psColumn, static_cast<size_t>(nLen));
     CVT_TRACE("  Field[%d][%.*s]", i, ptValue->nLen, ptValue->psValue);
   }
   return 0;
