@@ -100,6 +100,16 @@ TEST_F(ConverterFile, LargestArgumentCountIsThatOfAllFilesAndOfNestedCalls) {
   EXPECT_EQ(gptCvtGlobalInfo->nMaxArgs, 5);
 }
 
+TEST_F(ConverterFile, ThatIsNoXmlLeavesAWholeTrail) {
+  tree.file("Cvt/C.xml", "<Convert>\n<Converter></Convert>");
+  EXPECT_EQ(start(), -1);
+  Texts texts = test::logTexts();
+  ASSERT_GT(texts.size(), 1U);
+  EXPECT_EQ(texts[1].rfind("File[" + file("C") + "] line 2", 0), 0U) << texts[1];  // the rest is libxml2's
+  texts.erase(texts.begin() + 1);
+  EXPECT_EQ(texts, startTrail("C", {"[ptXmlDoc = xmlFileParse(psFileName)] is NULL"}));
+}
+
 TEST_F(ConverterFile, UnknownNameInALoopInALoopLeavesAWholeTrail) {
   convert("C", {copy(src("Id"), dst("Key")),
                 loopRule(src("Items"), dst("Rows"),

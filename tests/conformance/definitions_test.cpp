@@ -177,6 +177,19 @@ TEST_F(FailedReference, ToADefinitionThatItsFormatRefuses) {
                                      "A"));
 }
 
+TEST_F(FailedReference, ToItsOwnDefinition) {
+  m_definitions.add("A", {reference("A")});
+  EXPECT_EQ(m_definitions.load(), nullptr);
+  const std::string sFile = m_definitions.path("msg/A.xml");
+  EXPECT_EQ(logTexts(),
+            sectionTrail({"File[" + sFile + "] refers to [" + sFile +
+                              "], which is being read: take one of these references out",
+                          "Parse File[" + sFile + "] Err!!", "Message Parse [A] From[msg/A.xml] err!!",
+                          "File[" + sFile + "] Line[2] Element[Message]", kHeadFails,
+                          "Init Xml struct : Load file[" + sFile + "] err!!"},
+                         "A"));
+}
+
 TEST_F(FailedReference, InTheLetterCaseOfAnotherName) {
   m_definitions.file("one/Head.xml", definition("Head", {field("H")}));
   m_definitions.file("two/A.xml", definition("A", {reference("head")}));

@@ -104,6 +104,21 @@ TEST_F(Start, ThatEndsAtADefinitionLeavesAWholeTrail) {
   EXPECT_EQ(nGRet, -1);
 }
 
+TEST_F(Start, ThatEndsAtAFileThatIsNoXmlLeavesAWholeTrail) {
+  const std::string sFile = tree.file("Msg/Order.xml", "<plain>\n<Msg></plain>").path("Msg/Order.xml");
+  EXPECT_EQ(start(), -1);
+  Texts texts = test::logTexts();
+  ASSERT_GT(texts.size(), 1U);
+  EXPECT_EQ(texts[1].rfind("File[" + sFile + "] line 2", 0), 0U) << texts[1];  // the rest is libxml2's
+  texts.erase(texts.begin() + 1);
+  EXPECT_EQ(texts, rootTrail({"File[" + sFile + "] Parse err!!", "File[" + sFile + "] Parse Err!!",
+                              "Parse File[" + sFile + "] Err!!", "Init[Order.xml] err !!",
+                              "Message Parse Dir[Msg] err!!", "cvt Message Parse Err!!",
+                              "void * ptMessage = sttParseXmlStruct(ptXmlNode, \"Message\", \"ptMessage\", "
+                              "cvtFmtInit) is Err!!"},
+                             false));
+}
+
 TEST_F(Start, ThatEndsAtACapacityLeavesAWholeTrail) {
   tree.file("All/root.xml",
             "<AllInfo><AllInfo><Message __ID='ptMessage' gnMaxLoop='2000000000'>"
