@@ -113,7 +113,7 @@ std::string_view readDigits(const FieldPlan &field, std::string_view bytes, size
                             kit::Store &store) {
   if (field.blankAllowed && bytes[0] == field.blank &&
       kit::trimmedEnd(bytes.data(), bytes.size(), field.blank) == 0) {
-    return {store.take(0), 0};
+    return {store.take(0), 0};  // NOLINT(bugprone-string-constructor): empty, and not null
   }
   const char *in = bytes.data();
   char text[kNumberRoom];

@@ -104,7 +104,7 @@ bool parseWord(const Attribute &row, const std::string &value, int &position) {
 
 bool parseByte(const std::string &value, int &byte) {
   if (value.size() == 1 && value[0] >= 0x20 && value[0] < 0x7F) {
-    byte = value[0];
+    byte = static_cast<unsigned char>(value[0]);
     return true;
   }
   if (value.size() != 4 || !value.starts_with("0x") || value[2] == '-') return false;

@@ -72,7 +72,7 @@ class Builder {
   // What a node must have before anything of it is used; its path.
   std::string check(const Message *message, const std::string &outer, int depth) const {
     const char *name = message->psNodeName;
-    const std::string path = (outer.empty() ? "" : outer + ".") + (name == nullptr ? "?" : name);
+    std::string path = (outer.empty() ? "" : outer + ".") + (name == nullptr ? "?" : name);
     const void *record = message->ptFormAttr == nullptr ? nullptr : message->ptFormAttr->pInfo;
     if (name == nullptr || *name == '\0') {
       throw Misconfigured(path, record, "a node with a name", "none", "Write psNodeName");

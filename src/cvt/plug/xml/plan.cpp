@@ -65,7 +65,7 @@ std::string shownName(const Plan &plan, std::string_view expanded) {
     return std::string(expanded) + (plan.defaultSpaces.empty() ? "" : " of no namespace");
   }
   const std::string uri(expanded.substr(0, separator));
-  const std::string local(expanded.substr(separator + 1));
+  std::string local(expanded.substr(separator + 1));
   for (const std::string &known : plan.defaultSpaces) {
     if (known == uri) return local;
   }
