@@ -100,6 +100,20 @@ TEST_F(ConverterFile, LargestArgumentCountIsThatOfAllFilesAndOfNestedCalls) {
   EXPECT_EQ(gptCvtGlobalInfo->nMaxArgs, 5);
 }
 
+TEST_F(ConverterFile, EveryRuleInFrontOfTheFailingOneAddsItsLine) {
+  convert("C", {src("Id"), dst("Key"), level(), src("Nope"), src("Never")});
+  EXPECT_EQ(start(), -1);
+  const std::string sNext =
+      "struct Arg * ptNext = sttParseXmlNext(ptXmlNode, \"Arg\", \"ptNext\", sttParseXmlArg) is Err!!";
+  EXPECT_EQ(
+      test::logTexts(),
+      recordTrail("C", {"Get Message Field[0:Nope] err!!", "p->nIdx = GetNodeIdx(nType, psName) is Err!!",
+                        place("C", "Node"), "Type[Node] Not Define",
+                        "void * pInfo = sttParseXmlVoid(ptXmlNode, \"pInfo\") is Err!!", sNext, sNext, sNext,
+                        "struct Arg * ptArgs = ParseArg(psSrcStructName, psDstStructName, ptXmlNode) is "
+                        "Err!!"}));
+}
+
 TEST_F(ConverterFile, ThatIsNoXmlLeavesAWholeTrail) {
   tree.file("Cvt/C.xml", "<Convert>\n<Converter></Convert>");
   EXPECT_EQ(start(), -1);

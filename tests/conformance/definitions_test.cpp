@@ -198,6 +198,21 @@ TEST_F(FailedReference, InTheLetterCaseOfAnotherName) {
   EXPECT_NE(cvtGetMsg(cs("Head")), nullptr);
 }
 
+TEST_F(FailedReference, OfTheLastOfFourAddsTheLinesOfEveryNodeInFrontOfIt) {
+  const Element msg(msgXml("Order", {field("A"), field("B"), field("C"), reference("Gone")}));
+  clearLog();
+  EXPECT_EQ(sttParseXmlMsg(msg.get(), cs("Msg")), nullptr);
+  const std::string sNext =
+      "struct Message * ptNextNode = sttParseXmlNext(ptXmlNode, \"Message\", \"ptNextNode\", "
+      "sttParseXmlMessage) is Err!!";
+  const std::string sStruct =
+      "StructAttr * ptStructAttr = sttParseXmlStruct(ptXmlNode, \"StructAttr\", \"ptStructAttr\", "
+      "sttParseXmlStructAttr) is Err!!";
+  EXPECT_EQ(logTexts(),
+            (Names{"CurrentPath is NULL!!", sNext, sStruct, sNext, sStruct, sNext, sStruct, kHeadFails}));
+  EXPECT_EQ(nGRet, -1);
+}
+
 TEST_F(FailedReference, LaterInAListDropsTheNodesReadBefore) {
   m_definitions.add("A", {field("First"), group("G", {field("G1"), reference("Gone")}), field("Last")});
   EXPECT_EQ(m_definitions.load(), nullptr);
