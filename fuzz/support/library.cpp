@@ -38,11 +38,6 @@ fs::path inProject(const std::string &name) {
   return fs::path(CVT2_SOURCE_DIR) / name;
 }
 
-std::string contentOf(const fs::path &file) {
-  std::ifstream in(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
-
 // The FormatInfo elements of a file of pipelines.
 std::string pipelinesIn(const std::string &file) {
   const size_t start = file.find("<FormatInfo ");
@@ -62,7 +57,7 @@ Configuration::Configuration(const std::vector<std::string> &folders) {
     add(folder + "/Message", "Message").add(folder + "/Convert", "Convert");
     if (fs::exists(inProject(folder + "/IdInfo"))) {
       file("IdInfo/" + inProject(folder).filename().string() + ".xml",
-           contentOf(inProject(folder + "/IdInfo/choice.xml")));
+           contentOf(folder + "/IdInfo/choice.xml"));
     }
     addPipelines(folder);
   }
@@ -71,7 +66,7 @@ Configuration::Configuration(const std::vector<std::string> &folders) {
 // Of several files of pipelines the last one counts: all of them stand in one here.
 void Configuration::addPipelines(const std::string &folder) {
   constexpr std::string_view kElement = "<FormatInfo ";
-  std::string more = folder.empty() ? "" : pipelinesIn(contentOf(inProject(folder + "/Id/pipelines.xml")));
+  std::string more = folder.empty() ? "" : pipelinesIn(contentOf(folder + "/Id/pipelines.xml"));
   if (!more.empty()) more.insert(kElement.size(), "__ID=\"ptNext\" ");
   m_pipelines += more;
   file("Id/pipelines.xml", "<Id>" + m_pipelines + "</Id>");
@@ -88,6 +83,11 @@ Configuration &Configuration::add(const std::string &from, const std::string &to
 Configuration &Configuration::clear(const std::string &folder) {
   fs::remove_all(path(folder));
   return *this;
+}
+
+std::string contentOf(const std::string &file) {
+  std::ifstream in(inProject(file), std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
 }
 
 std::vector<std::string> definitions() {

@@ -41,6 +41,9 @@ class Configuration : public test::ConfigTree {
   std::string m_pipelines;
 };
 
+// What a file of the project holds.
+std::string contentOf(const std::string &file);
+
 // The names of all definitions that are loaded.
 std::vector<std::string> definitions();
 
