@@ -66,7 +66,7 @@ int generate(void *, ValueListInfo *ptInfo, Msg *ptMsg, char *psBuf, int *pnNowL
   if (fault("generate frees the library's memory")) std::free(ptMsg->psMsgName);
   const Value *const pt = cvtGetListValue(ptInfo->ptValueList, 0);
   if (pt == nullptr || pt->nLen > nLen - *pnNowLen) return -1;
-  std::memcpy(psBuf + *pnNowLen, pt->psValue, static_cast<size_t>(pt->nLen));
+  if (pt->nLen > 0) std::memcpy(psBuf + *pnNowLen, pt->psValue, static_cast<size_t>(pt->nLen));
   *pnNowLen += pt->nLen;
   return 0;
 }

@@ -4,7 +4,9 @@
 #include <spdlog/logger.h>
 #include <spdlog/sinks/basic_file_sink.h>
 #include <spdlog/sinks/stdout_sinks.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstdarg>
 #include <cstdio>
@@ -44,11 +46,14 @@ spdlog::level::level_enum spdlogLevel(int nLevel) {
   return nLevel <= kErrorLevel ? spdlog::level::err : spdlog::level::trace;
 }
 
+struct NotWritten {};
+
 std::unique_ptr<spdlog::logger> makeLogger(spdlog::sink_ptr sink) {
   auto logger = std::make_unique<spdlog::logger>("velutil", std::move(sink));
   logger->set_pattern("%Y-%m-%d %H:%M:%S.%e %v");
   logger->set_level(spdlog::level::trace);
   logger->flush_on(spdlogLevel(kErrorLevel));
+  logger->set_error_handler([](const std::string &) { throw NotWritten(); });
   return logger;
 }
 
@@ -128,6 +133,22 @@ const char *orDash(const char *ps) {
   return ps == nullptr ? "-" : ps;
 }
 
+// The last resort, for a line that the log cannot take: to standard error, without the heap, as far as it fits.
+void writeBare(int nLevel, const char *psModule, const char *psFile, int nLine, const char *psFunction,
+               const char *psFormat, va_list args) {
+  char sLine[1024];
+  const auto nRoom = static_cast<int>(sizeof sLine);
+  int nLen = std::snprintf(sLine, sizeof sLine, "[%d] [%s] [%s:%d] [%s] ", nLevel, orDash(psModule),
+                           orDash(psFile), nLine, orDash(psFunction));
+  nLen = std::clamp(nLen, 0, nRoom - 1);
+  nLen += std::max(std::vsnprintf(sLine + nLen, static_cast<size_t>(nRoom - nLen), orDash(psFormat), args), 0);
+  nLen = std::min(nLen, nRoom - 1);
+  while (nLen > 0 && sLine[nLen - 1] == '\n') --nLen;
+  std::replace_if(sLine, sLine + nLen, [](char c) { return static_cast<unsigned char>(c) < 0x20; }, '?');
+  sLine[nLen++] = '\n';
+  [[maybe_unused]] const ssize_t nWritten = write(STDERR_FILENO, sLine, static_cast<size_t>(nLen));
+}
+
 }  // namespace
 
 extern "C" __attribute__((visibility("default"))) int logInfo(int nLevel, const char *psModule,
@@ -136,12 +157,16 @@ extern "C" __attribute__((visibility("default"))) int logInfo(int nLevel, const 
                                                               ...) {
   if (nLevel > threshold()) return 0;
   va_list args;
+  va_list again;
   va_start(args, psFormat);
+  va_copy(again, args);
   try {
     log().log(spdlogLevel(nLevel), "[{}] [{}] [{}:{}] [{}] {}", nLevel, orDash(psModule), orDash(psFile),
               nLine, orDash(psFunction), oneLine(formatted(orDash(psFormat), args)));
-  } catch (...) {  // NOLINT: nobody to tell, and the caller is C
+  } catch (...) {
+    writeBare(nLevel, psModule, psFile, nLine, psFunction, psFormat, again);
   }
+  va_end(again);
   va_end(args);
   return 0;
 }
