@@ -200,6 +200,9 @@ TEST_F(Parsing, ThatFailsGivesListsAndPoolNodeBack) {
   EXPECT_EQ(init("Order", "01", "7,Ann,Rome,[A,1,[];B,2"), nullptr);
   EXPECT_EQ(lists(gptFreeValue), nOrdinary);
   EXPECT_EQ(lists(gptLoopValue), nLoops);
+  EXPECT_EQ(parse("02", "Order,Ann,Rome,[A,1,[];B,2"), nullptr);
+  EXPECT_EQ(lists(gptFreeValue), nOrdinary);
+  EXPECT_EQ(lists(gptLoopValue), nLoops);
   EXPECT_EQ(gptMemRoot->ptMemNodeList->cUsed, '0');
   EXPECT_EQ(gnMsgNum, 0);
 }

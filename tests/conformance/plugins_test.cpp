@@ -71,6 +71,21 @@ class PlugIns : public testing::Test {
   test::ToyConfig config;
 };
 
+// A "Plug" section by itself.
+class Section {
+ public:
+  explicit Section(const std::string &sText)
+      : m_pDoc(xmlFileParse(m_tree.file("section.xml", sText).arg("section.xml"))) {}
+  ~Section() { xmlDocFree(m_pDoc); }
+  Section(const Section &) = delete;
+  Section &operator=(const Section &) = delete;
+  void *element() const { return xmlGetHeadNode(m_pDoc); }
+
+ private:
+  test::ConfigTree m_tree;
+  void *m_pDoc;
+};
+
 using Refusal = PlugIns;
 using Opening = PlugIns;
 using Closing = PlugIns;
@@ -170,6 +185,16 @@ TEST_F(Opening, ReadsTheBasePathBeforeThePlugInsWhereverItStands) {
                                   kBase +
                                   "\"><Plug __ID=\"ptPlugs\" psName=\"first\"/></Plug></AllInfo></AllInfo>");
   EXPECT_EQ(config.start(), 0);
+}
+
+TEST_F(Opening, ForgetsTheBasePathOfTheSectionBefore) {
+  const Section with("<Plug psBasePlugPath=\"/opt/\"/>");
+  const Section without("<Plug/>");
+  EXPECT_NE(cvtPlugInit(with.element(), cs("Plug")), nullptr);
+  EXPECT_STREQ(gpsBasePlugPath, "/opt/");
+  EXPECT_NE(cvtPlugInit(without.element(), cs("Plug")), nullptr);
+  EXPECT_STREQ(gpsBasePlugPath, "");
+  EXPECT_EQ(gptPlugInfo->psBasePlugPath, nullptr);
 }
 
 TEST_F(Opening, OfASectionWithoutPlugInsSucceeds) {

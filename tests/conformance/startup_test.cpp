@@ -196,6 +196,12 @@ TEST_F(Root, DirectoryMayHaveDotsInItsName) {
   EXPECT_STREQ(cvtGetBasePath(), "dots");
 }
 
+TEST_F(Root, DirectoryMayEndInMoreThanXml) {
+  config.file("conf.xmlx/All/root.xml", "<AllInfo><AllInfo psBasePath=\"more\"/></AllInfo>");
+  EXPECT_EQ(cvtInit(config.arg("conf.xmlx")), 0);
+  EXPECT_STREQ(cvtGetBasePath(), "more");
+}
+
 TEST_F(Root, FileMayStandBesideOthersThatAreNotXml) {
   config.file("All/notes.txt", "").file("All/root.xml.bak", "<broken").file("All/README", "");
   EXPECT_EQ(start(), 0);
@@ -293,6 +299,27 @@ TEST_F(Reloading, FollowsTheRootFileThatWasNamed) {
   EXPECT_EQ(cvtInitReload(), 0);
   EXPECT_STREQ(cvtGetBasePath(), "new");
   EXPECT_EQ(std::string(gpsRootPath), config.path());
+}
+
+// Blocks of the pool that the configuration has taken.
+int configurationBlocks() {
+  int n = 0;
+  for (const MemBlock *ptList : {gptGlobalNode->ptHeadBlock, gptGlobalNode->ptNowBlock}) {
+    for (const MemBlock *pt = ptList; pt != nullptr; pt = pt->ptNext) ++n;
+  }
+  return n;
+}
+
+TEST_F(Reloading, TakesNoMoreOfThePoolThanTheGenerationBefore) {
+  started();
+  touch();
+  EXPECT_EQ(cvtInitReload(), 0);
+  const int nBlocks = configurationBlocks();
+  for (int i = 0; i < 5; ++i) {
+    touch();
+    EXPECT_EQ(cvtInitReload(), 0);
+    EXPECT_EQ(configurationBlocks(), nBlocks);
+  }
 }
 
 TEST_F(Reloading, ForgetsRecordsOfTheGenerationBefore) {
