@@ -1,6 +1,7 @@
 // The choice of a converter: whole trails, and what a reload makes of it.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 

@@ -240,6 +240,28 @@ TEST_F(IdSection, IsReadAsItselfWhateverTypeItsCallerNames) {
   xmlDocFree(ptDoc);
 }
 
+// What stood in gptFormatInfo while a step's argument was read.
+FormatInfo *g_duringRead = nullptr;
+void *watch(void *, char *psType) {
+  if (std::strcmp(psType, "Watch") == 0) g_duringRead = gptFormatInfo;
+  return nullptr;
+}
+
+TEST_F(IdSection, DropsThePipelinesOfAnEarlierFileBeforeItReadsTheNext) {
+  started({{"f", {{"note"}}, {}}});
+  g_duringRead = gptFormatInfo;
+  ASSERT_NE(g_duringRead, nullptr);
+  sttAddFuncVoid(watch, [](void *, void *, char *, char *) -> void * { return nullptr; });
+  config.file("id/pipelines.xml", pipelines({{"g", {{"note", "<Watch __ID='ptArg'/>"}}, {}}}));
+  config.file("section.xml", "<Id psIdPath='id'/>");
+  void *const ptDoc = xmlFileParse(config.arg("section.xml"));
+  EXPECT_NE(cvtIdInit(xmlGetHeadNode(ptDoc), cs("Id")), nullptr);
+  xmlDocFree(ptDoc);
+  EXPECT_EQ(g_duringRead, nullptr);
+  EXPECT_EQ(fucParse(cs("g"), &first, nullptr), 0);
+  EXPECT_EQ(fucParse(cs("f"), &first, nullptr), -1);
+}
+
 TEST_F(IdSection, DoesNotKnowTheRecordsOfTheRootFile) {
   started(
       {{"f", {{"note", "<AllInfo __ID='ptArg'/>"}, {"note", "<Plug __ID='ptArg' psName='nobody'/>"}}, {}}});
