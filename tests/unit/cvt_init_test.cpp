@@ -194,6 +194,33 @@ TEST_F(RootFile, InTheTopDirectoryIsRefusedWithWhatToWriteInstead) {
   EXPECT_EQ(logTexts().back(), "Init Path[/root.xml] err!!\n");
 }
 
+// A process whose current directory was removed cannot complete a name.
+TEST_F(RootFile, WithoutACurrentDirectoryIsRefusedWithWhatToWriteInstead) {
+  const std::string sGone = config.path("gone");
+  ASSERT_EQ(mkdir(sGone.c_str(), 0700), 0);
+  ASSERT_EQ(chdir(sGone.c_str()), 0);
+  ASSERT_EQ(rmdir(sGone.c_str()), 0);
+  EXPECT_EQ(cvtInit(cs("root.xml")), -1);
+  EXPECT_EQ(logTexts().front(),
+            "Root File[root.xml] has no directory above it: give its full name, ROOT/All/root.xml");
+  ASSERT_EQ(chdir("/"), 0);
+}
+
+TEST_F(RootFile, ThatIsGoneBeforeItsTimeIsTakenFailsTheStart) {
+  static std::string sFile;
+  sFile = config.path("All/root.xml");
+  cvtFmtAddPlug(
+      cs("flat"), [](void *, char *) -> void * { return nullptr; },
+      [](void *, void *, char *, char *) -> void * { return nullptr; },
+      [](Msg *) { return unlink(sFile.c_str()); });
+  config.root = {};
+  config.root.sMessage = test::messageSection({"flat"});
+  config.writeRoot();
+  config.file("flat/One.xml", test::definition("flat", "One", {test::field("A")}));
+  EXPECT_EQ(config.start(), -1);
+  EXPECT_TRUE(loggedInOrder({"Parse File[" + sFile + "] Err!!", "XmlFileInit [All] Init Err!!"}));
+}
+
 // --- The root record
 // ------------------------------------------------------------------------------------------------
 
