@@ -5,23 +5,34 @@
 
 namespace {
 
-void convert(std::string from, std::string to, std::string bytes) {
+void write(InnerMessage *source, std::string to) {
+  std::string buffer(64 * 1024, '\0');
+  int length = static_cast<int>(buffer.size());
+  int error = 0;
+  const fuzz::Message target(cvtGenerateMessasge(source, to.data(), buffer.data(), &length, &error));
+}
+
+void convert(std::string from, const std::string &to, std::string bytes) {
   int error = 0;
   const fuzz::Message source(
       cvtParseMessasge(from.data(), bytes.data(), static_cast<int>(bytes.size()), &error));
-  if (source == nullptr) return;
-  std::string buffer(16 * 1024, '\0');
-  int length = static_cast<int>(buffer.size());
-  const fuzz::Message target(cvtGenerateMessasge(source.get(), to.data(), buffer.data(), &length, &error));
+  if (source != nullptr) write(source.get(), to);
+}
+
+// A file of payments, which does not say its type.
+void convertPayments(std::string bytes) {
+  if (const fuzz::Message source = fuzz::parse("NachaFile", "nacha", bytes)) write(source.get(), "pain");
 }
 
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  static fuzz::Configuration config({"examples/envelope"});
+  static fuzz::Configuration config({"examples/envelope", "examples/nacha"});
   static const bool started = config.start();
   fuzz::require(started, "the library starts");
-  convert("line", "xml", std::string(fuzz::text(data, size)));
-  convert("xml", "line", std::string(fuzz::text(data, size)));
+  const std::string bytes(fuzz::text(data, size));
+  convert("line", "xml", bytes);
+  convert("xml", "line", bytes);
+  convertPayments(bytes);
   return 0;
 }

@@ -54,7 +54,7 @@ edges() { awk '/ cov: / { for (i = 1; i < NF; i++) if ($i == "cov:") n = $(i + 1
 # last_new LOG: the execution that last covered a new edge.
 last_new() { awk '/ cov: / { for (i = 1; i < NF; i++) if ($i == "cov:" && $(i + 1) + 0 > n) { n = $(i + 1) + 0; at = $1 } }
   END { print substr(at, 2) + 0 }' "$1"; }
-stat_of() { awk -v name="stat::$1:" '$1 == name { print $2 }' "$2"; }
+stat_of() { awk -v name="stat::$1:" '$1 == name { n = $2 } END { print n + 0 }' "$2"; }
 
 # run_once TARGET SECONDS LENGTH DICTIONARY SEED...: one run of libFuzzer into the log.
 run_once() {
@@ -71,40 +71,46 @@ run_once() {
 
 # fuzz TARGET LENGTH DICTIONARY SEED...
 fuzz() {
-  local target=$1 executions=0 passed=0 first=-1 started code=0 before after
+  local target=$1 executions=0 passed=0 first=-1 last=0 started code=0 before after
   shift
   local log=$work/$target.log
   while :; do
     started=$SECONDS
     run_once "$target" "$([ "$seconds" -gt 0 ] && echo "$seconds" || echo "$most_idle_seconds")" "$@" || code=$?
     passed=$((passed + SECONDS - started))
-    executions=$((executions + $(stat_of number_of_executed_units "$log")))
     read -r before after < <(edges "$log")
+    [ "$after" -le "$before" ] || last=$((executions + $(last_new "$log")))
+    executions=$((executions + $(stat_of number_of_executed_units "$log")))
     [ "$first" -ge 0 ] || first=$before
     [ "$code" -eq 0 ] && [ "$seconds" -eq 0 ] || break
     [ "$executions" -lt "$most_executions" ] && [ "$after" -gt "$before" ] || break
   done
   echo "RESULT fuzz.$target: $executions executions in $passed s, edges $first -> $after," \
-    "the last new one at $(last_new "$log"), $(stat_of peak_rss_mb "$log") MB," \
+    "the last new one at $last, $(stat_of peak_rss_mb "$log") MB," \
     "$([ "$code" -eq 0 ] && echo "nothing found" || echo "FOUND, see $log")"
   return "$code"
 }
 
-# minimise TARGET LENGTH DICTIONARY SEED...: the inputs that are kept, the smallest first as far as they fit.
+# minimise TARGET LENGTH DICTIONARY SEED...: the inputs that are kept, the smallest first as far as they fit. Those of
+# the project's folders are replayed from there.
 minimise() {
-  local target=$1 length=$2 seed file total=0
+  local target=$1 length=$2 seed size file total=0
   shift 3
   local fresh=$scratch/corpus folders=("$work/$target" "$here/corpus/$target")
-  for seed in "$@"; do folders+=("$project/$seed"); done
   mkdir "$fresh"
+  for seed in "$@"; do
+    folders+=("$project/$seed")
+    find "$project/$seed" -maxdepth 1 -type f -exec sha1sum {} + >>"$fresh.seeds"
+  done
   "$build/bin/fuzz_$target" -merge=1 -max_len="$length" -rss_limit_mb=512 "$fresh" "${folders[@]}" >/dev/null 2>&1
   find "$here/corpus/$target" -regextype egrep -regex '.*/[0-9a-f]{12}' -delete
   while read -r size file; do
+    ! grep -q "^$(sha1sum <"$file" | cut -c1-40)" "$fresh.seeds" 2>/dev/null || continue
     total=$((total + size))
     [ "$total" -le "$kept_bytes" ] || break
     mv "$file" "$here/corpus/$target/$(sha1sum <"$file" | cut -c1-12)"
   done < <(find "$fresh" -type f -printf '%s %p\n' | sort -n)
-  rm -rf "$fresh"
+  rm -rf "$fresh" "$fresh.seeds"
 }
 
 status=0
