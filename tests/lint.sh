@@ -26,9 +26,10 @@ for folder in src/cvt/cvt2 src/cvt/plug src/version src/framework/{velutil,vel_d
   includes+=(-I "$folder")
 done
 cppcheck -j "$(nproc)" --quiet --std=c++20 --library=posix --enable=warning,style,performance,portability \
-  --inline-suppr --suppressions-list=.cppcheck-suppressions --error-exitcode=1 "${includes[@]}" src 2>&1 |
+  --inline-suppr --suppressions-list=.cppcheck-suppressions --error-exitcode=1 '-DElfW(type)=Elf64_##type' \
+  --template='{file}:{line}: {severity}: {message} [{id}]' "${includes[@]}" src 2>&1 |
   tee "$work/cppcheck" || code=1
 
 echo "RESULT clang-tidy: $tidy findings in $(wc -l <"$work/files") files"
-echo "RESULT cppcheck: $(grep -cE '^[^ ]+:[0-9]+:[0-9]+: ' "$work/cppcheck" || :) findings in $(git ls-files src | grep -cE '\.(c|cpp|h)$') files"
+echo "RESULT cppcheck: $(grep -c . "$work/cppcheck" || :) findings in $(git ls-files src | grep -cE '\.(c|cpp|h)$') files"
 exit $code
