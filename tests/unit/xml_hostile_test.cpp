@@ -92,12 +92,32 @@ TEST_F(XmlHostile, AttributesAndNamespaceDeclarationsAreLimited) {
   for (int i = 0; i < 100000; ++i) sBomb += " a" + std::to_string(i) + "=''";
   test::clearLog();
   EXPECT_EQ(parse("Skip", sBomb + "/></M>"), nullptr);
-  EXPECT_TRUE(told("expected at most 64 attributes, found 100000.")) << told();
+  EXPECT_TRUE(told("expected at most 64 attributes, found ") && told(" before the end of the tag."))
+      << told();
   std::string sSpaces = "<M xmlns='urn:m' xmlns:p='urn:p' p:id='1'><x";
   for (int i = 0; i < 100000; ++i) sSpaces += " xmlns:a" + std::to_string(i) + "='u'";
   test::clearLog();
   EXPECT_EQ(parse("Skip", sSpaces + "/></M>"), nullptr);
-  EXPECT_TRUE(told("expected at most 64 attributes, found 100000.")) << told();
+  EXPECT_TRUE(told("expected at most 64 attributes, found ") && told(" before the end of the tag."))
+      << told();
+}
+
+// A document is parsed in pieces: tags, texts and characters of several bytes are cut at their ends.
+TEST_F(XmlHostile, LongDocumentsAreReadAlikeWhereverTheirPiecesEnd) {
+  const std::string sHead = "<M xmlns='urn:m' xmlns:p='urn:p' p:id='1'><p:g Ccy='";
+  for (size_t nPad = 65490; nPad < 65560; ++nPad) {
+    const std::string sText = std::string(nPad, 'x') + "\xE4\xB8\xAD=\"&amp;\xC3\xA9";
+    const Document document = parse("Strict", sHead + "USD'>" + sText + "</p:g><ls><L><A>a</A></L></ls></M>");
+    ASSERT_NE(document, nullptr) << nPad << told();
+    EXPECT_EQ(get(document, "Amt"), std::string(nPad, 'x') + "\xE4\xB8\xAD=\"&\xC3\xA9");
+    const Document attribute = parse("Strict", sHead + std::string(nPad, '=') + "'>1</p:g></M>");
+    ASSERT_NE(attribute, nullptr) << nPad << told();
+    EXPECT_EQ(get(attribute, "Ccy").size(), nPad);
+  }
+  EXPECT_EQ(parse("Strict", sHead + std::string(300000, 'x') + "'>1</p:g><no/></M>"), nullptr);
+  const size_t nOffset = sHead.size() + 300000 + std::string("'>1</p:g>").size();
+  EXPECT_TRUE(told("Offset[" + std::to_string(nOffset) + "]: expected p:g, ls in <M>, found element no."))
+      << told();
 }
 
 TEST_F(XmlHostile, WhatComesAfterTheDocumentIsRefused) {
@@ -171,6 +191,20 @@ TEST_F(XmlHostile, AnyEncodingMayBeDeclaredOverAnyBytes) {
       roundTrip("Skip", sDamaged);
     }
     test::clearLog();
+  }
+}
+
+// An encoding that is found too late would leave the document in the one that is assumed without it.
+TEST_F(XmlHostile, ADeclarationThatHidesItsEncodingIsRefused) {
+  for (const std::string &sHidden :
+       {"encoding=" + std::string(600, ' ') + "'GB18030'", "encoding='" + std::string(600, 'E') + "'",
+        std::string(600, '\n') + "encoding='UTF-32'"}) {
+    std::string s = kGood;
+    s.replace(s.find("encoding=\"UTF-8\""), std::string("encoding=\"UTF-8\"").size(), sHidden);
+    test::clearLog();
+    EXPECT_EQ(parse("Skip", s), nullptr) << sHidden;
+    EXPECT_TRUE(told("Offset[0]: expected an XML declaration of at most 512 bytes, found a longer one."))
+        << told();
   }
 }
 

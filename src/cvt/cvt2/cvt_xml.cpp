@@ -4,16 +4,22 @@
 // error stream either.
 #include "cvt_xml.h"
 
+#include <fcntl.h>
 #include <libxml/encoding.h>
 #include <libxml/parser.h>
+#include <libxml/parserInternals.h>
 #include <libxml/tree.h>
 #include <libxml/xmlschemas.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "stt.h"
 
@@ -74,6 +80,127 @@ class Quiet {
   bool m_bNoHeap = false;
 };
 
+// Gives a host that uses libxml2 itself its last error back.
+class LastError {
+ public:
+  LastError() {
+    if (xmlGetLastError() != nullptr) xmlCopyError(xmlGetLastError(), &m_saved);
+  }
+  ~LastError() {
+    xmlResetLastError();
+    if (m_saved.code != XML_ERR_OK) xmlCopyError(&m_saved, &xmlLastError);
+    xmlResetError(&m_saved);
+  }
+  LastError(const LastError &) = delete;
+  LastError &operator=(const LastError &) = delete;
+
+ private:
+  xmlError m_saved{};
+};
+
+struct ContextFree {
+  void operator()(xmlParserCtxtPtr pt) const { xmlFreeParserCtxt(pt); }
+};
+using Context = std::unique_ptr<xmlParserCtxt, ContextFree>;
+
+// What libxml2 would take long over, or much memory for, and no configuration needs. Its tables of attributes (five
+// entries each) and namespaces (two entries each) grow in steps, so these are the least that is refused.
+constexpr int kMostAttributeEntries = 5 * 414;
+constexpr int kMostNamespaceEntries = 2 * 320;
+constexpr size_t kMostInOnePiece = 1 << 20;
+
+// A file of the configuration while libxml2 reads it: as it lies there, never unpacked, without a DOCTYPE, and with
+// nothing opened but the file itself.
+class Source {
+ public:
+  Source(const char *psFileName, cvt::String &sReason) : m_reason(sReason) {
+    struct stat tStat {};
+    m_file = open(psFileName, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    if (m_file < 0 || fstat(m_file, &tStat) != 0) {
+      refuse(std::strerror(errno));
+    } else if (!S_ISREG(tStat.st_mode)) {
+      refuse("is no regular file");
+    }
+  }
+  ~Source() {
+    if (m_file >= 0) close(m_file);
+  }
+  Source(const Source &) = delete;
+  Source &operator=(const Source &) = delete;
+
+  // The document, or null, and the reason is set.
+  xmlDocPtr parse() {
+    if (m_bRefused) return nullptr;
+    m_context.reset(xmlNewParserCtxt());
+    if (m_context == nullptr) return nullptr;  // no heap: libxml2 has said so
+    m_context->_private = this;
+    m_context->sax->internalSubset = onDoctype;
+    const xmlDocPtr pt =
+        xmlCtxtReadIO(m_context.get(), onRead, nullptr, this, nullptr, nullptr, XML_PARSE_NOBLANKS);
+    if (!m_bRefused) return pt;
+    xmlFreeDoc(pt);
+    return nullptr;
+  }
+
+ private:
+  void refuse(const char *psReason) {
+    m_bRefused = true;
+    if (!m_reason.empty()) return;
+    if (m_context != nullptr && m_context->input != nullptr) {
+      m_reason.append("line ").append(std::to_string(m_context->input->line).c_str()).append(": ");
+    }
+    m_reason += psReason;
+  }
+
+  // The node that was read last.
+  const void *progress() const {
+    const xmlNode *const ptParent = m_context->node;
+    if (ptParent != nullptr) return ptParent->last == nullptr ? ptParent : ptParent->last;
+    return m_context->myDoc == nullptr ? nullptr : m_context->myDoc->last;
+  }
+
+  // What libxml2 has met by the time it wants more bytes.
+  const char *objection() {
+    if (m_context->maxatts > kMostAttributeEntries) return "an element has more than 400 attributes: take some out";
+    if (m_context->nsMax > kMostNamespaceEntries) return "more than 300 namespaces: take some out";
+    if (std::exchange(m_last, progress()) != m_last) m_nInOnePiece = 0;
+    if (m_nInOnePiece > kMostInOnePiece) return "a tag, text or comment has more than 1 MiB: make it shorter";
+    return nullptr;
+  }
+
+  static int onRead(void *pSource, char *psRoom, int nRoom) {
+    Source &self = *static_cast<Source *>(pSource);
+    if (const char *const psReason = self.objection()) {
+      self.refuse(psReason);
+      return -1;
+    }
+    const ssize_t nRead = read(self.m_file, psRoom, static_cast<size_t>(nRoom));
+    if (nRead < 0) self.refuse(std::strerror(errno));
+    if (self.m_bFirst && nRead > 1 && std::memcmp(psRoom, "\x1F\x8B", 2) == 0) {
+      self.refuse("the file is compressed: unpack it");
+      return -1;
+    }
+    self.m_bFirst = false;
+    self.m_nInOnePiece += nRead < 0 ? 0 : static_cast<size_t>(nRead);
+    return static_cast<int>(nRead);
+  }
+
+  static void onDoctype(void *pContext, const xmlChar *, const xmlChar *, const xmlChar *) {
+    const auto context = static_cast<xmlParserCtxtPtr>(pContext);
+    static_cast<Source *>(context->_private)
+        ->refuse("a DOCTYPE: remove it, and write out what its entities stand for");
+    xmlStopParser(context);
+  }
+
+  cvt::String &m_reason;
+  int m_file = -1;
+  bool m_bFirst = true;
+  bool m_bRefused = false;
+  const void *m_last = nullptr;
+  size_t m_nInOnePiece = 0;  // bytes since the last node
+  Context m_context;
+};
+
 // A namespace belongs to its element, which drops it.
 void leaveToNode(xmlNsPtr) {}
 
@@ -104,11 +231,11 @@ XmlPlace xmlPlaceOf(void *ptXmlNode) {
 
 void *xmlFileParse(char *psFileName, String &sReason) {
   sReason.clear();
+  const LastError last;
   const Quiet quiet(&sReason);
-  const xmlDocPtr pt = quiet.whole(xmlReadFile(psFileName, nullptr, XML_PARSE_NOBLANKS), xmlFreeDoc);
+  Source source(psFileName, sReason);
+  const xmlDocPtr pt = quiet.whole(source.parse(), xmlFreeDoc);
   if (pt == nullptr) return nullptr;
-  // The place of a failure names the file as the caller wrote it, not as the URL that libxml2 makes of it.
-  xmlFree(const_cast<xmlChar *>(pt->URL));
   pt->URL = xmlStrdup(text(psFileName));
   return quiet.whole(pt, xmlFreeDoc);
 }

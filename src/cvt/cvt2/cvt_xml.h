@@ -12,7 +12,8 @@ struct XmlPlace {
 };
 XmlPlace xmlPlaceOf(void *ptXmlNode);
 
-// xmlFileParse; for a file that libxml2 refuses, sReason says what it objected to first:
+// A file of the configuration, read as it lies there: no DOCTYPE, nothing unpacked, nothing opened beside it. For a
+// file that is refused sReason says what was objected to first:
 // "line 3: Opening and ending tag mismatch: b line 2 and a".
 void *xmlFileParse(char *psFileName, String &sReason);
 

@@ -30,10 +30,15 @@ bool tellsItself(std::string_view raw) {
 
 // The encoding that the XML declaration names; empty when it names none, or none that can be made out, which
 // the parser will complain about.
-std::string_view declared(std::string_view raw) {
+std::string_view declared(std::string_view raw, size_t from) {
   if (!raw.starts_with("<?xml")) return {};
   const std::string_view head = raw.substr(0, kLongestDeclaration);
-  const std::string_view declaration = head.substr(0, head.find("?>"));
+  const size_t length = head.find("?>");
+  if (length == std::string_view::npos && raw.size() > head.size()) {
+    throw kit::Fault(from, "an XML declaration of at most " + std::to_string(kLongestDeclaration) + " bytes",
+                     "a longer one", "Shorten it: what it says of the encoding must be known before all else");
+  }
+  const std::string_view declaration = head.substr(0, length);
   size_t at = declaration.find("encoding");
   if (at == std::string_view::npos || !blank(declaration[at - 1])) return {};
   at += std::string_view("encoding").size();
@@ -81,7 +86,7 @@ size_t Input::rawOffset(size_t offset) const {
 
 Input openInput(const Plan &plan, std::string_view raw, size_t from, std::string &room) {
   if (tellsItself(raw)) return {raw, nullptr, raw, nullptr};
-  const std::string_view said = declared(raw);
+  const std::string_view said = declared(raw, from);
   const std::string_view name = said.empty() ? std::string_view(plan.encoding) : said;
   const char *native = nativeName(name);
   if (native != nullptr) return {raw, said.empty() ? native : nullptr, raw, nullptr};

@@ -2,6 +2,7 @@
 
 #include <expat.h>
 
+#include <algorithm>
 #include <exception>
 #include <limits>
 #include <random>
@@ -33,6 +34,9 @@ struct Release {
     }
   }
 };
+
+// The parser gets a document in pieces, each as large as all before it.
+constexpr size_t kFirstPiece = 64 * 1024;
 
 // Seeds the parser's hash tables, so that no input can be made to collide in them.
 unsigned long hashSalt() {
@@ -68,7 +72,15 @@ class Document {
     if (bytes.size() > static_cast<size_t>(std::numeric_limits<int>::max())) {
       throw Fault(Fault::kHere, "a document of less than 2 GiB", std::to_string(bytes.size()) + " bytes");
     }
-    const XML_Status status = XML_Parse(m_parser, bytes.data(), static_cast<int>(bytes.size()), XML_TRUE);
+    XML_Status status = XML_STATUS_OK;
+    for (size_t fed = 0, piece = kFirstPiece; status == XML_STATUS_OK; piece = fed) {
+      piece = std::min(piece, bytes.size() - fed);
+      const bool last = fed + piece == bytes.size();
+      status = XML_Parse(m_parser, bytes.data() + fed, static_cast<int>(piece), last ? XML_TRUE : XML_FALSE);
+      fed += piece;
+      if (last) break;
+      if (status == XML_STATUS_OK) checkOpenTag(bytes.substr(0, fed));
+    }
     if (m_fault != nullptr) {
       m_call.end = offset(m_stoppedAt);  // where faults without an offset are reported
       std::rethrow_exception(m_fault);
@@ -118,6 +130,32 @@ class Document {
     const auto end = static_cast<size_t>(XML_GetCurrentByteIndex(m_parser));
     const size_t start = m_input.bytes.substr(0, end).rfind("<!DOCTYPE");
     return offset(static_cast<XML_Index>(start == std::string_view::npos ? end : start));
+  }
+
+  // The parser takes a tag apart as a whole: one whose end has not come yet is counted before it gets large.
+  void checkOpenTag(std::string_view fed) const {
+    const XML_Index index = XML_GetCurrentByteIndex(m_parser);
+    const size_t at = index < 0 ? fed.size() : static_cast<size_t>(index);
+    if (fed.size() - std::min(at, fed.size()) < kFirstPiece / 2 || isWide(fed)) return;
+    const std::string_view tag = fed.substr(at);
+    if (tag[0] != '<' || tag[1] == '!' || tag[1] == '?') return;
+    size_t attributes = 0;
+    char quote = 0;
+    for (const char c : tag) {
+      if (quote != 0) {
+        if (c == quote) quote = 0;
+      } else if (c == '"' || c == '\'') {
+        quote = c;
+      } else if (c == '=') {
+        ++attributes;
+      }
+    }
+    m_reader.limitAttributes(attributes, offset(index), " before the end of the tag");
+  }
+
+  // UTF-16: its bytes are no characters.
+  static bool isWide(std::string_view bytes) {
+    return bytes[0] == '\0' || bytes[1] == '\0' || bytes[0] == '\xFE' || bytes[0] == '\xFF';
   }
 
   // A place of the parser, from the start of the buffer.

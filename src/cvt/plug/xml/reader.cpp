@@ -81,6 +81,12 @@ std::string_view Reader::innermost() const {
   return m_skipped > 0 || m_room.frames.empty() ? std::string_view() : m_room.frames.back().element->name;
 }
 
+void Reader::limitAttributes(size_t count, size_t offset, const char *soFar) const {
+  if (count <= m_plan.maxAttributes) return;
+  throw Fault(offset, "at most " + std::to_string(m_plan.maxAttributes) + " attributes",
+              std::to_string(count) + soFar, "Raise nMaxAttributes of XmlMsg");
+}
+
 void Reader::limit(const char *const *attributes, size_t declarations) const {
   if (m_depth > m_plan.maxDepth) {
     throw Fault(Fault::kHere, "at most " + std::to_string(m_plan.maxDepth) + " open elements", "one more",
@@ -88,10 +94,7 @@ void Reader::limit(const char *const *attributes, size_t declarations) const {
   }
   size_t count = declarations;
   for (; *attributes != nullptr; attributes += 2) ++count;
-  if (count > m_plan.maxAttributes) {
-    throw Fault(Fault::kHere, "at most " + std::to_string(m_plan.maxAttributes) + " attributes",
-                std::to_string(count), "Raise nMaxAttributes of XmlMsg");
-  }
+  limitAttributes(count, Fault::kHere, "");
 }
 
 void Reader::open(std::string_view name, const char *const *attributes, size_t declarations) {

@@ -41,6 +41,9 @@ class Reader {
   void text(std::string_view bytes);
   void close();
 
+  // Refuses an element with too many attributes; soFar stands behind the number in the message.
+  void limitAttributes(size_t count, size_t offset, const char *soFar) const;
+
   // The name of the innermost open element; empty when it is skipped or none is open.
   std::string_view innermost() const;
 
