@@ -28,6 +28,14 @@ __attribute__((weak)) void *__interceptor_memalign(size_t, size_t);
 }
 #define REAL(function) (__interceptor_##function != nullptr ? __interceptor_##function : __libc_##function)
 
+bool faults::countsHeap() {
+  g_heap.arm(0, false);
+  void *volatile p = std::malloc(1);  // which the compiler must not leave out
+  std::free(p);
+  g_heap.disarm();
+  return g_heap.calls() > 0;
+}
+
 namespace {
 
 template <class Allocate>

@@ -131,7 +131,8 @@ bool Host::invoice(const Handle &order, const Work::Sample &sample) {
   const Handle made(cvtGenerateMessasge(order.get(), cs("xml"), m_sRoom, &m_nLen, &m_nError));
   if (!went("cvtGenerateMessasge", made != nullptr, m_nError == -1)) return false;
   const std::string_view bytes(m_sRoom, static_cast<size_t>(m_nLen));
-  if (!right("cvtGenerateMessasge", bytes == sample.sInvoice) || !fields(made, sample.nCents)) return false;
+  if (bytes != sample.sInvoice) m_report.wrong("an invoice that is another: %.*s", m_nLen, m_sRoom);
+  if (bytes != sample.sInvoice || !fields(made, sample.nCents)) return false;
   const Handle back = parse("Invoice", "xml", bytes);
   if (!went("cvtInitMessasge", back != nullptr, m_nError == -1)) return false;
   return written("an invoice", back, bytes);

@@ -21,6 +21,7 @@ long wanted(long nCalls) {
 Ending life(Work &work, Trigger &trigger, long nFirst, bool bForEver) {
   return inChild([&](Report &report) {
     Host host(work, report);
+    report.psWanted = ": out of memory.";  // what a plug-in on the kit says
     trigger.arm(nFirst, bForEver);
     host.live();
     trigger.disarm();
@@ -31,10 +32,12 @@ Ending life(Work &work, Trigger &trigger, long nFirst, bool bForEver) {
 
 struct Tally {
   long nPoints = 0;
+  long nByPlugIns = 0;
   long nOf[4] = {};
 
   void add(long nPoint, const Ending &ending) {
     ++nPoints;
+    if (ending.report.bSeen) ++nByPlugIns;
     constexpr long kShown = 20;
     if (++nOf[static_cast<int>(ending.outcome)] <= kShown && ending.outcome == Outcome::kBad) {
       ADD_FAILURE() << "call " << nPoint << ":" << ending.sText;
@@ -58,8 +61,8 @@ void sweep(const char *psName, Trigger &trigger, Work &work, bool bForEver) {
   }
   std::cout << "RESULT faults_" << psName << ": " << tally.nPoints << " of " << nCalls
             << " calls failed: " << tally.of(Outcome::kRight) << " right, " << tally.of(Outcome::kRefused)
-            << " refused, " << tally.of(Outcome::kEnded) << " ended with a line, " << tally.of(Outcome::kBad)
-            << " bad\n";
+            << " refused (" << tally.nByPlugIns << " by plug-ins), " << tally.of(Outcome::kEnded)
+            << " ended with a line, " << tally.of(Outcome::kBad) << " bad\n";
 }
 
 }  // namespace faults

@@ -229,7 +229,8 @@ void *readChain(Reading &first) {
     others.push_back(std::move(next));
     bRead = ptLast->fields();
   }
-  void *ptRecord = bRead ? ptLast->make(nullptr) : nullptr;
+  void *ptRecord = nullptr;
+  if (bRead) ptRecord = nGRet == -1 ? ptLast->linkFailed() : ptLast->make(nullptr);
   while (!others.empty()) {
     others.pop_back();
     ptLast = others.empty() ? &first : others.back().get();
@@ -401,16 +402,20 @@ int sttGenXmlFile(char *psFileName, void *ptStruct, char *psTagName, char *psTyp
   CVT_NOT_NULL(pfGen, -1);
   CVT_NOT_NULL(psTagName, -1);
   CVT_NOT_NULL(psType, -1);
+  const XmlDoc doc(xmlInit());
   XmlNode root(xmlMadeNode(psTagName));
-  void *const ptNode = xmlMadeNode(psType);
-  xmlPutChileNode(root.get(), ptNode);
-  const auto fGen = reinterpret_cast<FncGenRecord>(pfGen);
-  answerOf(psType, [&] { return fGen(ptStruct, ptNode, psTagName, psType); });
-  if (nGRet == -1) {
+  XmlNode record(xmlMadeNode(psType));
+  const bool bMade = doc != nullptr && root != nullptr && record != nullptr;
+  if (bMade) {
+    void *const ptNode = record.release();
+    xmlPutChileNode(root.get(), ptNode);
+    const auto fGen = reinterpret_cast<FncGenRecord>(pfGen);
+    answerOf(psType, [&] { return fGen(ptStruct, ptNode, psTagName, psType); });
+  }
+  if (!bMade || nGRet == -1) {
     CVT_ERR("Make [%s)%s] Xml err!", psTagName, psFileName);
     return -1;
   }
-  const XmlDoc doc(xmlInit());
   xmlPutRootNode(doc.get(), root.release());
   if (xmlFileGenerate(psFileName, doc.get()) < 0) {
     CVT_ERR("Generate Xml File[%s] err!", psFileName);
