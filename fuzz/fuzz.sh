@@ -52,7 +52,8 @@ export ASAN_OPTIONS=quarantine_size_mb=16:detect_odr_violation=0
 edges() { awk '/ cov: / { for (i = 1; i < NF; i++) if ($i == "cov:") n = $(i + 1); if ($2 == "INITED") f = n }
   END { print f + 0, n + 0 }' "$1"; }
 # last_new LOG: the execution that last covered a new edge.
-last_new() { awk '/ cov: / { for (i = 1; i < NF; i++) if ($i == "cov:" && $(i + 1) + 0 > n) { n = $(i + 1) + 0; at = $1 } }
+last_new() { awk '/ cov: / { for (i = 1; i < NF; i++)
+    if ($i == "cov:" && $(i + 1) + 0 > n) { n = $(i + 1) + 0; at = $1 } }
   END { print substr(at, 2) + 0 }' "$1"; }
 stat_of() { awk -v name="stat::$1:" '$1 == name { n = $2 } END { print n + 0 }' "$2"; }
 
@@ -86,7 +87,8 @@ fuzz() {
     [ "$executions" -lt "$most_executions" ] && [ "$after" -gt "$before" ] || break
   done
   echo "RESULT fuzz.$target: $executions executions in $passed s, edges $first -> $after," \
-    "the last new one at $last, $(stat_of peak_rss_mb "$log") MB," \
+    "the last new one at $last, at most $(stat_of slowest_unit_time_sec "$log") s" \
+    "and $(stat_of peak_rss_mb "$log") MB," \
     "$([ "$code" -eq 0 ] && echo "nothing found" || echo "FOUND, see $log")"
   return "$code"
 }

@@ -27,7 +27,8 @@ void walk(void *node, std::string &names) {
 
 // A name, a value: what the writer cannot take shows here.
 void add(void *node, fuzz::Input &input) {
-  std::string name = "n" + std::to_string(input.byte());
+  std::string name(1, 'n');
+  name += std::to_string(input.byte());
   std::string value = input.string();
   const int length = static_cast<int>(value.size());
   xmlPutNodeAttr(node, name.data(), value.data(), length);
