@@ -13,4 +13,6 @@ of() { sed -n '/<testsuite /,/>/s/.*[ \t]'"$1"'="\([^"]*\)".*/\1/p' "$junit" | h
 compiler=$(sed -n 's/^CMAKE_CXX_COMPILER:[A-Z]*=//p' "$build/CMakeCache.txt")
 echo "RESULT compiler: $("$compiler" --version | head -n 1)"
 echo "RESULT tests: $(of tests) run, $(of failures) failed, $(of skipped) skipped, $(of time) seconds"
+skipped=$(sed -n 's/.*<testcase name="\([^"]*\)".* status="notrun".*/\1/p' "$junit" | paste -sd ' ')
+[ -z "$skipped" ] || echo "RESULT skipped tests: $skipped"
 grep -a '^RESULT ' "$log" | sort -u || :
