@@ -95,8 +95,7 @@ using Generating = Messages;
 using Values = Messages;
 using Release = Messages;
 
-// --- Handles
-// --------------------------------------------------------------------------------------------------
+// --- Handles ------------------------------------------------------------------------------------------
 
 void expectFresh(const InnerMessage &seen, const char *psName, const char *psFormat, const char *psBuf,
                  int nLen) {
@@ -150,8 +149,7 @@ TEST_F(Handle, HasRoomForExactly60And20Characters) {
   EXPECT_EQ(cvtFreeMessage(pt), 0);
 }
 
-// --- Parsing
-// --------------------------------------------------------------------------------------------------
+// --- Parsing ------------------------------------------------------------------------------------------
 
 TEST_F(Parsing, ChecksTheErrorPointerBeforeItReloads) {
   EXPECT_EQ(cvtInitMessasge(cs("Order"), cs("01"), sOut, 0, nullptr), nullptr);
@@ -226,8 +224,7 @@ TEST_F(Parsing, OfANamedMessageDoesNotCompareLengths) {
   EXPECT_EQ(cvtFreeMessage(pt), 0);
 }
 
-// --- Generating
-// -----------------------------------------------------------------------------------------------
+// --- Generating ---------------------------------------------------------------------------------------
 
 TEST_F(Generating, ThatFailsInARuleEndsWithAWholeTrail) {
   start();
@@ -356,8 +353,7 @@ TEST_F(Generating, InTheOwnFormatHasNoSourceForAConversion) {
   EXPECT_EQ(cvtFreeMessage(pt), 0);
 }
 
-// --- Values by name
-// -------------------------------------------------------------------------------------------
+// --- Values by name -----------------------------------------------------------------------------------
 
 TEST_F(Values, ErrorIsLeftAloneWhateverArgumentIsMissing) {
   start();
@@ -408,8 +404,25 @@ TEST_F(Values, OfUnknownNamesAreReportedFromTheInsideOut) {
   EXPECT_EQ(cvtFreeMessage(pt), 0);
 }
 
-// --- Release
-// --------------------------------------------------------------------------------------------------
+TEST_F(Values, OfAFormatThatThrowsAreReportedUnderTheDefinitionsName) {
+  start();
+  InnerMessage *const pt = order();
+  std::memset(pt->sMsgName, 'n', sizeof pt->sMsgName);  // as a converter's long destination leaves it
+  pt->ptMsgInfo->fGetValue = [](Msg *, ValueListInfo *, char *, int *) -> Value * {
+    throw std::runtime_error("no such name");
+  };
+  pt->ptMsgInfo->fSetValue = [](Msg *, ValueListInfo *, char *, char *, int) -> int {
+    throw std::runtime_error("read only");
+  };
+  EXPECT_EQ(cvtGetNameValue(pt, cs("Id"), &nError), nullptr);
+  EXPECT_EQ(nError, -1);
+  EXPECT_EQ(cvtSetNameValue(pt, cs("Id"), cs("8"), 1), -1);
+  EXPECT_EQ(test::logTexts(), (Texts{"Msg[Order] let an exception out: no such name",
+                                     "Msg[Order] let an exception out: read only"}));
+  EXPECT_EQ(cvtFreeMessage(pt), 0);
+}
+
+// --- Release ------------------------------------------------------------------------------------------
 
 TEST_F(Release, OfAMessageWithoutADefinitionGivesItsPoolNodeBack) {
   start();

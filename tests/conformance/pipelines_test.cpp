@@ -67,8 +67,7 @@ using IdSection = PipelineRun;
 using Standard = PipelineRun;
 using Buffer = PipelineRun;
 
-// --- The runners
-// ----------------------------------------------------------------------------------------------
+// --- The runners --------------------------------------------------------------------------------------
 
 TEST_F(Runner, SaysByItsFunctionWhetherParsingOrGeneratingFailed) {
   started({{"f", {{"fail"}}, {{"fail"}}}});
@@ -124,8 +123,7 @@ TEST_F(Runner, DoesNotRunTheOtherChain) {
   EXPECT_EQ(g_nCalls, 0);
 }
 
-// --- Names of steps
-// -------------------------------------------------------------------------------------------
+// --- Names of steps -----------------------------------------------------------------------------------
 
 TEST_F(StepNames, OfAllNineBuiltInStepsAreKnownAndCannotBeTaken) {
   for (const char *psName : kBuiltIn) {
@@ -179,8 +177,7 @@ TEST_F(StepNames, RegisteredByAHostBetweenTwoStartsAreForgottenByTheSecond) {
   EXPECT_EQ(test::logTexts().front(), "IdFunc[note] Not Find!!");
 }
 
-// --- The "Id" section
-// -----------------------------------------------------------------------------------------
+// --- The "Id" section ---------------------------------------------------------------------------------
 
 TEST_F(IdSection, ThatFailsIsReportedByItsInitialiser) {
   EXPECT_EQ(start({{"f", {{"nobody"}}, {}}}), -1);
@@ -271,8 +268,7 @@ TEST_F(IdSection, DoesNotKnowTheRecordsOfTheRootFile) {
   EXPECT_EQ(test::trail(), Texts{"stt.cpp sttParseVoid: Type[AllInfo] Not Define"});
 }
 
-// --- Standard steps
-// -------------------------------------------------------------------------------------------
+// --- Standard steps -----------------------------------------------------------------------------------
 
 TEST_F(Standard, AMessageThatCannotBeBoundIsReportedByTheStepThatBinds) {
   started({{"f", {{"pubParse"}}, {}}});
@@ -327,8 +323,7 @@ TEST_F(Standard, AFormatGoesOnWhereTheStepBeforeItHasMovedThePosition) {
   EXPECT_EQ(cvtFreeMessage(pt), 0);
 }
 
-// --- Buffer steps
-// ---------------------------------------------------------------------------------------------
+// --- Buffer steps -------------------------------------------------------------------------------------
 
 std::string record(const std::string &sType, const std::string &sAttributes) {
   return "<" + sType + " __ID='ptArg' " + sAttributes + "/>";

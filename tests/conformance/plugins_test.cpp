@@ -90,8 +90,7 @@ using Refusal = PlugIns;
 using Opening = PlugIns;
 using Closing = PlugIns;
 
-// --- Refusals
-// -------------------------------------------------------------------------------------------------
+// --- Refusals -----------------------------------------------------------------------------------------
 
 TEST_F(Refusal, WithoutAName) {
   EXPECT_EQ(start({"psPath=\"" + kFirst + "\""}), -1);
@@ -157,8 +156,15 @@ TEST_F(Refusal, OfANullSectionLeavesTheLoadedPlugInsAlone) {
   EXPECT_TRUE(probes().empty());
 }
 
-// --- Opening
-// --------------------------------------------------------------------------------------------------
+TEST_F(Refusal, OfASectionThatIsReadInThePlaceOfAnotherHasClosedThatOne) {
+  ASSERT_EQ(start({"psName=\"first\""}), 0);
+  const Section none("<Plug><Plug __ID=\"ptPlugs\"/></Plug>");
+  EXPECT_EQ(cvtPlugInit(none.element(), cs("Plug")), nullptr);
+  EXPECT_EQ(nGRet, -1);
+  EXPECT_EQ(gptPlugInfo, nullptr);
+}
+
+// --- Opening ------------------------------------------------------------------------------------------
 
 TEST_F(Opening, KeepsThePlugInsSymbolsToThemselves) {
   ASSERT_EQ(start({"psName=\"first\"", "psName=\"second\""}), 0);
@@ -220,8 +226,7 @@ TEST_F(Opening, GivesEachRecordItsOwnHandle) {
   EXPECT_EQ(gptPlugInfo->ptPlugs->psName, cvtStrDup(cs("first")));
 }
 
-// --- Closing
-// --------------------------------------------------------------------------------------------------
+// --- Closing ------------------------------------------------------------------------------------------
 
 TEST_F(Closing, AloneUnregistersNothing) {
   ASSERT_EQ(config.start(), 0);

@@ -71,8 +71,7 @@ const Texts kNotSet = {"cvt.cpp GetLoopValueListByMessage: Loop Node [Trucks] In
                        "cvt.cpp GetLoopValueInfoStruct: Get Message[Trucks] Loop Vlaue List err!!",
                        "cvt.cpp GetValueInLoopNodeListByNodeName: Node [Trucks] was not define!!"};
 
-// --- Failures, line by line
-// ------------------------------------------------------------------------------------
+// --- Failures, line by line ---------------------------------------------------------------------------
 
 TEST_F(Failure, OfANameThatIsTooLongIsReportedByTheFunctionThatWasCalled) {
   const std::string sText = ": Loop Field Name[" + kTooLong + "] is too long";
@@ -186,8 +185,7 @@ TEST_F(Failure, LeavesTheListsAsTheyWere) {
   EXPECT_EQ(cvtGetLoopCurrentTime(node("Pallets")), 0);
 }
 
-// --- Views of inner loops
-// --------------------------------------------------------------------------------------
+// --- Views of inner loops -----------------------------------------------------------------------------
 
 TEST_F(View, OfALoopThreeLevelsDeepIsReachedThroughItsTwoLastNames) {
   add("Trucks");
@@ -247,8 +245,7 @@ TEST_F(View, OfAFullInnerLoopStaysFullAndTheNextOuterRepetitionStartsEmpty) {
   EXPECT_EQ(count("Trucks.Pallets"), 1);
 }
 
-// --- The cursor
-// ------------------------------------------------------------------------------------------------
+// --- The cursor ---------------------------------------------------------------------------------------
 
 TEST_F(Cursor, IsMinus1UntilARepetitionIsAddedOrSet) {
   for (const char *ps : {"Trucks", "Pallets", "Boxes"}) EXPECT_EQ(cvtGetLoopCurrentTime(node(ps)), -1) << ps;

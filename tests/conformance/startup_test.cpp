@@ -72,8 +72,7 @@ using Running = StartUp;
 using Reloading = StartUp;
 using Ending = StartUp;
 
-// --- Whole trails
-// ---------------------------------------------------------------------------------------------
+// --- Whole trails -------------------------------------------------------------------------------------
 
 TEST_F(Trail, OfADefinitionOfAnUnknownFormat) {
   config.file("msg/Order.xml", "<nobody/>");
@@ -163,8 +162,42 @@ TEST_F(Trail, OfTraceLinesTellsWhatWasLoadedInItsOrder) {
   EXPECT_TRUE(trail().empty());
 }
 
-// --- Where the root is
-// ----------------------------------------------------------------------------------------
+// --- Loading of files ------------------------------------------------------------------------------------
+
+Texts g_given;
+int take(char *psFileName) {
+  g_given.emplace_back(psFileName);
+  return 0;
+}
+
+TEST_F(Loading, OfADirectoryNeedsTheRootPathAlsoWhenItIsListedElsewhere) {
+  config.file("files/a.xml", "");
+  EXPECT_EQ(cvtIniParseDirXml(config.arg(), cs("files"), take), -1);
+  EXPECT_EQ(trail(), (Texts{"cvt_init.cpp cvtIniParseFileXml: [gpsRootPath] is NULL",
+                            "cvt_init.cpp locParseDirXmlLimit: Init[a.xml] err !!"}));
+  EXPECT_TRUE(g_given.empty());
+}
+
+TEST_F(Loading, OfADirectoryListedElsewhereDoesNotLookWhetherTheRootHasItsFiles) {
+  started();
+  test::ConfigTree other;
+  other.file("only/there.xml", "");
+  EXPECT_EQ(cvtIniParseDirXml(other.arg(), cs("only"), take), 0);
+  EXPECT_EQ(g_given, Texts{config.path("only/there.xml")});
+  EXPECT_EQ(trail(5), (Texts{"cvt_init.cpp locParseDirXmlLimit: Enter [only] ... ",
+                             "cvt_init.cpp cvtIniParseFileXml: Load File [there.xml] ok"}));
+}
+
+TEST_F(Loading, OfAPathThatIsTooLongOpensWhatIsLeftOfIt) {
+  started();
+  const std::string sLong(3000, 'd');
+  EXPECT_EQ(cvtIniParseDirXml(nullptr, cs(sLong.c_str()), take), 0);
+  const std::string sCut = config.path(sLong).substr(0, 2047);
+  EXPECT_EQ(trail(),
+            Texts{"cvt_init.cpp locParseDirXmlLimit: Open Dir [" + sCut + "] err:[File name too long]!!"});
+}
+
+// --- Where the root is --------------------------------------------------------------------------------
 
 TEST_F(Root, OfAFailedStartFromAFileIsStillAboveItsDirectory) {
   config.file("All/root.xml", "<AllInfo/>");
@@ -221,8 +254,7 @@ TEST_F(Root, FileMayHaveAnyNameAndAnyDirectoryWhenItIsNamed) {
   EXPECT_NE(cvtGetMsg(cs("Order")), nullptr);  // sections are found from the root path
 }
 
-// --- A running library
-// ----------------------------------------------------------------------------------------
+// --- A running library --------------------------------------------------------------------------------
 
 TEST_F(Running, IsLeftAloneByAStartWithoutAPath) {
   started("psBasePath=\"here\"");
@@ -241,8 +273,7 @@ TEST_F(Running, HasTheRootPathOfTheLastStart) {
   EXPECT_EQ(std::string(gpsRootFile), other.path("All/root.xml"));
 }
 
-// --- Reload
-// ---------------------------------------------------------------------------------------------------
+// --- Reload -------------------------------------------------------------------------------------------
 
 TEST_F(Reloading, BeforeAStartIsReportedByTheReload) {
   EXPECT_EQ(cvtInitReload(), -1);
@@ -336,8 +367,7 @@ TEST_F(Reloading, ForgetsRecordsOfTheGenerationBefore) {
   EXPECT_NE(cvtGetMsg(cs("Order")), nullptr);
 }
 
-// --- End
-// ------------------------------------------------------------------------------------------------------
+// --- End ----------------------------------------------------------------------------------------------
 
 TEST_F(Ending, SaysNothingAndAnswersZero) {
   started();
