@@ -34,7 +34,7 @@ class LastError {
 template <class T>
 union Lasting {
   Lasting() : object() {}
-  ~Lasting() {}
+  ~Lasting() {}  // NOLINT(modernize-use-equals-default): a defaulted one would be deleted
   Lasting(const Lasting &) = delete;
   Lasting &operator=(const Lasting &) = delete;
   T object;
