@@ -19,7 +19,9 @@ fi
 # a part of the summary as a figure
 figure() { sed -n "s/^$1: \(.*\)% (\(.*\) out of \(.*\))/RESULT $1: \1 % (\2 of \3), at least $2/p"; }
 code=0
-summary=$(gcovr "${options[@]}" --output /dev/null --print-summary --fail-under-line $least_lines \
+report=$(mktemp -d)  # not /dev/null: gcovr removes the file first, to see whether it may
+trap 'rm -rf "$report"' EXIT
+summary=$(gcovr "${options[@]}" --output "$report/text" --print-summary --fail-under-line $least_lines \
   --fail-under-branch $least_branches "$build/src/cvt/cvt2") || code=$?
 figure lines $least_lines <<<"$summary"
 figure branches $least_branches <<<"$summary"
