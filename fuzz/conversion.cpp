@@ -6,7 +6,7 @@
 namespace {
 
 void write(InnerMessage *source, std::string to) {
-  std::string buffer(64 * 1024, '\0');
+  std::string buffer(size_t{64} * 1024, '\0');
   int length = static_cast<int>(buffer.size());
   int error = 0;
   const fuzz::Message target(cvtGenerateMessasge(source, to.data(), buffer.data(), &length, &error));

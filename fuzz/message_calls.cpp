@@ -151,7 +151,7 @@ class Calls {
   }
 
   void write(const fuzz::Message &message) {
-    if (message != nullptr) fuzz::generate(*message, 16 * m_input.byte());
+    if (message != nullptr) fuzz::generate(*message, size_t{16} * m_input.byte());
   }
 
   // The new message may share bytes with the first, so it goes before it.
