@@ -3,6 +3,7 @@
 
 #include <climits>
 #include <cstring>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -140,6 +141,27 @@ TEST_F(GlobalNode, PrintsTheBlocksThatHaveRoom) {
   EXPECT_EQ(printed(gptGlobalNode), "Node[0]:[2048] -- Used[1900]");
   cvtMemMalloc(2000);  // exhausted at once: in the other list
   EXPECT_EQ(printed(gptGlobalNode), "Node[0]:[2048] -- Used[1900]");
+}
+
+// Blocks that a clean-up has left go to the next start, each of them to one taker only.
+TEST_F(GlobalNode, WhatACleanUpHasLeftIsHandedOutOnceEach) {
+  std::mt19937 random(1);
+  for (int nRound = 0; nRound < 200; ++nRound) {
+    std::vector<std::string> expected;
+    std::vector<char *> pieces;
+    for (auto nPieces = random() % 12; nPieces > 0; --nPieces) {
+      const size_t nSize = 2000 + random() % 3 * 1008;
+      auto *const ps = static_cast<char *>(cvtMemMalloc(static_cast<int>(nSize)));
+      ASSERT_EQ(std::string(ps, nSize), std::string(nSize, '\0')) << nRound;
+      expected.emplace_back(nSize, static_cast<char>('a' + pieces.size()));
+      std::memset(ps, expected.back()[0], nSize);
+      pieces.push_back(ps);
+    }
+    for (size_t i = 0; i < pieces.size(); ++i) {
+      ASSERT_EQ(std::string(pieces[i], expected[i].size()), expected[i]) << nRound;
+    }
+    if (random() % 3 != 0) cvtMemCleanUp();
+  }
 }
 
 TEST_F(GlobalNode, NeverLogs) {

@@ -6,6 +6,7 @@
 #include <climits>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -315,6 +316,38 @@ TEST_F(Limits, NoNegativeOrMissingLengthIsRead) {
   EXPECT_EQ(cvtStrToUp(text, INT_MIN), 0);
   EXPECT_EQ(cvtStrAntoi(text, INT_MIN), 0);
   EXPECT_STREQ(text, "abc");
+}
+
+// A copy of the bytes and nothing behind them: a sanitizer sees who reads further.
+class Exactly {
+ public:
+  explicit Exactly(const std::string &s) : m_nLen(static_cast<int>(s.size())), m_bytes(new char[s.size()]) {
+    std::memcpy(m_bytes.get(), s.data(), s.size());
+  }
+  char *bytes() const { return m_bytes.get(); }
+  int length() const { return m_nLen; }
+
+ private:
+  int m_nLen;
+  std::unique_ptr<char[]> m_bytes;
+};
+
+TEST_F(Limits, NothingBehindTheInputIsRead) {
+  for (const char *const psText : {"", "QUJD", "QUJD\n", "\r\n", "QUJD\r\nREVG\n\n"}) {
+    const Exactly in(psText);
+    char sOut[16];
+    int nOut = sizeof sOut;
+    EXPECT_EQ(cvtStrDecodeBase64(in.bytes(), in.length(), sOut, &nOut), 0);
+  }
+  for (const char *const psText : {"", "a", "\xe4\xb8\xad", "\xe4\xb8"}) {
+    const Exactly in(psText);
+    const Exactly out("12");  // room for exactly one character of two bytes
+    int nOut = out.length();
+    cvtStrU2G(in.bytes(), in.length(), out.bytes(), &nOut);
+  }
+  const Exactly letters("abc");
+  cvtStrToUp(letters.bytes(), letters.length());
+  EXPECT_EQ(std::string(letters.bytes(), 3), "ABC");
 }
 
 TEST_F(Limits, ALargeBase64TextIsDecoded) {
