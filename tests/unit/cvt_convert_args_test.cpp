@@ -125,6 +125,15 @@ class Arguments : public test::ConvertTest {
   Level to{};
 };
 
+TEST_F(Arguments, AConstantWithANegativeLengthIsNoLoop) {
+  const ArgXml constant = {3, "<Value __ID='pInfo' psValue='not a list of repetitions' nLen='-1'/>"};
+  EXPECT_EQ(runOnly({copy(constant, dst("Rows"))}), -1);
+  EXPECT_EQ(test::logTexts(1),
+            (Texts{"Value nLen[-1] is no length: write that of psValue, in bytes", "CvtCopy Err!!",
+                   "Do Convert Rule [1] err!!", "Convert [C] From struct[In] tp Struct[Out] err!!"}));
+  EXPECT_EQ(to.slot("Rows")->nLen, 0);
+}
+
 using FunctionCall = Arguments;
 using RepetitionCount = Arguments;
 using Temporaries = Arguments;

@@ -497,6 +497,10 @@ int CvtCopy(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Copy *pt
   const Value *ptSrc = nullptr;
   CVT_NOT_NULL(ptDst = GetValue(ptSrcValueList, ptDstValueList, ptCopy->ptDstArgs, ptMemNode), -1);
   CVT_NOT_NULL(ptSrc = GetValue(ptSrcValueList, ptDstValueList, ptCopy->ptSrcArgs, ptMemNode), -1);
+  if (ptCopy->ptSrcArgs->nType == CVT_TYPE_VALUE && ptSrc->nLen < 0) {  // would be taken for a loop's list
+    CVT_ERR("Value nLen[%d] is no length: write that of psValue, in bytes", ptSrc->nLen);
+    return -1;
+  }
   ptDst->psValue = ptSrc->psValue;
   ptDst->nLen = ptSrc->nLen;
   PushTempValue(nullptr);
