@@ -39,7 +39,7 @@ void add(void *node, fuzz::Input &input) {
 }
 
 void writeAndReadAgain(void *document) {
-  std::string buffer(256 * 1024, '\0');
+  std::string buffer(size_t{256} * 1024, '\0');
   int length = static_cast<int>(buffer.size());
   if (xmlGenerate(document, buffer.data(), &length) != 0) return;
   fuzz::require(length <= static_cast<int>(buffer.size()), "the written document fits");

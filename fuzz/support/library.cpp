@@ -25,6 +25,7 @@ void keepPlugins() {
 
 std::string rootFile() {
   std::vector<std::string> plugins;
+  plugins.reserve(std::size(kPlugins));
   for (const std::string &name : kPlugins) plugins.push_back("psName=\"" + name + "\"");
   test::RootFile root;
   root.sPlug = test::plugSection(plugins);
