@@ -165,7 +165,7 @@ TEST_F(Arguments, SlotOutsideTheDestinationListIsReportedByName) {
 class NoValueCode : public Arguments, public testing::WithParamInterface<int> {};
 
 TEST_P(NoValueCode, IsReported) {
-  EXPECT_EQ(evaluate({GetParam(), value("v").sRecord}), -1);
+  EXPECT_EQ(evaluate({GetParam(), ""}), -1);
   EXPECT_EQ(test::logTexts(1), trail({"No Defined Arg Type [" + std::to_string(GetParam()) + "] err!!"}));
 }
 
