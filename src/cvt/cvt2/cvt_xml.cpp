@@ -105,7 +105,7 @@ using Context = std::unique_ptr<xmlParserCtxt, ContextFree>;
 
 // What libxml2 would take long over, or much memory for, and no configuration needs. Its tables of attributes (five
 // entries each) and namespaces (two entries each) grow in steps, so these are the least that is refused.
-constexpr int kMostAttributeEntries = 5 * 414;
+constexpr int kMostAttributeEntries = 5 * 476;
 constexpr int kMostNamespaceEntries = 2 * 320;
 constexpr size_t kMostInOnePiece = 1 << 20;
 
