@@ -79,7 +79,8 @@ std::string joined(const Lines &lines) {
 }
 
 Lines outputOf(const std::string &command) {
-  const std::string whole = "cd '" CVT2_SOURCE_DIR "' && export PATH='" CVT2_BUILD_DIR "/bin':$PATH && " + command;
+  const std::string whole =
+      "cd '" CVT2_SOURCE_DIR "' && export PATH='" CVT2_BUILD_DIR "/bin':$PATH && " + command;
   std::string quoted = "'";
   for (const char c : whole) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
   FILE *pipe = popen(("bash -c " + quoted + "' 2>&1").c_str(), "r");
@@ -93,7 +94,8 @@ Lines outputOf(const std::string &command) {
 
 void checkSession(const fs::path &file, const Block &block) {
   for (size_t i = 0; i < block.lines.size();) {
-    ASSERT_EQ(block.lines[i].rfind("$ ", 0), 0U) << file << ":" << block.line << ": a session starts with \"$ \"";
+    ASSERT_EQ(block.lines[i].rfind("$ ", 0), 0U)
+        << file << ":" << block.line << ": a session starts with \"$ \"";
     std::string command = block.lines[i++].substr(2);
     while (!command.empty() && command.back() == '\\' && i < block.lines.size()) {
       command += "\n" + block.lines[i++];
@@ -101,9 +103,10 @@ void checkSession(const fs::path &file, const Block &block) {
     Lines expected;
     while (i < block.lines.size() && block.lines[i].rfind("$ ", 0) != 0) expected.push_back(block.lines[i++]);
     const Lines seen = outputOf(command);
-    EXPECT_TRUE(matches(expected, 0, seen, 0)) << file << ":" << block.line << ": " << command << "\nexpected:\n"
-                                               << joined(expected) << "seen:\n"
-                                               << joined(seen);
+    EXPECT_TRUE(matches(expected, 0, seen, 0))
+        << file << ":" << block.line << ": " << command << "\nexpected:\n"
+        << joined(expected) << "seen:\n"
+        << joined(seen);
   }
 }
 

@@ -8,4 +8,4 @@ extern Trigger g_heap;  // malloc, calloc, realloc, aligned memory, operator new
 
 // Whether it counts: a checker may have put a heap of its own in its place.
 bool countsHeap();
-}
+}  // namespace faults

@@ -161,7 +161,8 @@ class Writer : Cursor {
     if (slot->nLen <= 0) return true;
     const std::string_view bytes(slot->psValue, static_cast<size_t>(slot->nLen));
     if (bytes.find_first_of(kDelimiters) == bytes.npos) return put(place, node, bytes);
-    return fail(place, node, "a value without , ; [ ] and line feed", std::string(1, '"').append(bytes).append(1, '"'));
+    return fail(place, node, "a value without , ; [ ] and line feed",
+                std::string(1, '"').append(bytes).append(1, '"'));
   }
 };
 

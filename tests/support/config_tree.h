@@ -28,6 +28,8 @@ class ConfigTree {
 };
 
 // A writable char * of a literal, for functions that take char * but do not write.
-inline char *cs(const char *ps) { return const_cast<char *>(ps); }
+inline char *cs(const char *ps) {
+  return const_cast<char *>(ps);
+}
 
 }  // namespace test

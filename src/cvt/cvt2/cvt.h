@@ -30,10 +30,10 @@ typedef struct CVT_RECORD AllInfo {
   void *ptId;
 } AllInfo;
 
-extern AllInfo *gptAllInfo;    /* null before a successful start */
-extern char *gpsRootPath;      /* the configuration root */
-extern char *gpsRootFile;      /* full name of the root file that was loaded */
-extern time_t gtLastLoadTime;  /* its modification time then, in seconds */
+extern AllInfo *gptAllInfo;   /* null before a successful start */
+extern char *gpsRootPath;     /* the configuration root */
+extern char *gpsRootFile;     /* full name of the root file that was loaded */
+extern time_t gtLastLoadTime; /* its modification time then, in seconds */
 
 /* Starts or restarts the library.
  *   psPath  the configuration root, a directory whose "All" directory holds one .xml file, or the full name

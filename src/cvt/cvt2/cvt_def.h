@@ -14,7 +14,9 @@
 /* What stands between these two is C and exported, also where the rest of a program is hidden by default. */
 #ifdef __cplusplus
 #define CVT_C_BEGIN _Pragma("GCC visibility push(default)") extern "C" {
-#define CVT_C_END } _Pragma("GCC visibility pop")
+#define CVT_C_END \
+  }               \
+  _Pragma("GCC visibility pop")
 #else
 #define CVT_C_BEGIN _Pragma("GCC visibility push(default)")
 #define CVT_C_END _Pragma("GCC visibility pop")

@@ -50,9 +50,9 @@ constexpr BuiltInStep kBuiltInSteps[] = {
 };
 
 const BuiltInStep *builtIn(const char *psFunctName) {
-  const auto *const pt = std::find_if(std::begin(kBuiltInSteps), std::end(kBuiltInSteps), [&](const auto &step) {
-    return psFunctName != nullptr && std::strcmp(step.psName, psFunctName) == 0;
-  });
+  const auto *const pt = std::find_if(
+      std::begin(kBuiltInSteps), std::end(kBuiltInSteps),
+      [&](const auto &step) { return psFunctName != nullptr && std::strcmp(step.psName, psFunctName) == 0; });
   return pt == std::end(kBuiltInSteps) ? nullptr : pt;
 }
 
@@ -283,8 +283,8 @@ namespace {
 bool endedInside(const InnerMessage *ptMsg, int nBefore) {
   const int nNow = ptMsg->nNowLen;
   if (nNow == nBefore || (nNow >= 0 && nNow <= ptMsg->nLen)) return true;
-  CVT_ERR("Message[%s]: its format ended at [%d] of [%d] bytes: mend the plug-in", cvt::NameOf(ptMsg).text(), nNow,
-          ptMsg->nLen);
+  CVT_ERR("Message[%s]: its format ended at [%d] of [%d] bytes: mend the plug-in", cvt::NameOf(ptMsg).text(),
+          nNow, ptMsg->nLen);
   return false;
 }
 
@@ -312,7 +312,7 @@ namespace {
 // The answers of a walk over one message's pair list, for the lists that the identification files gave.
 struct Choices {
   cvt::HashMap<std::string_view, Converter *> byFormat;  // the first pair of a format wins
-  Converter *ptDefault = nullptr;                              // the last pair with an empty format id
+  Converter *ptDefault = nullptr;                        // the last pair with an empty format id
 };
 
 Choices choicesOf(const IdCvtInfo *ptList) {
@@ -358,10 +358,11 @@ Converter *cvtGetConvert(InnerMessage *ptInSrcMsg, InnerMessage *ptInDstMsg) {
   CVT_NOT_NULL(ptInSrcMsg->ptMsgInfo, nullptr);
   const void *const pIdInfo = ptInSrcMsg->ptMsgInfo->pIdInfo;
   const auto known = f_choices.find(pIdInfo);
-  Converter *const pt = known != f_choices.end()
-                            ? choose(known->second, ptInDstMsg->sMsgFormat)
-                            : choose(cvt::bind::isMisfit(pIdInfo) ? nullptr : static_cast<const IdCvtInfo *>(pIdInfo),
-                                     ptInDstMsg->sMsgFormat);
+  Converter *const pt =
+      known != f_choices.end()
+          ? choose(known->second, ptInDstMsg->sMsgFormat)
+          : choose(cvt::bind::isMisfit(pIdInfo) ? nullptr : static_cast<const IdCvtInfo *>(pIdInfo),
+                   ptInDstMsg->sMsgFormat);
   if (pt == nullptr) CVT_ERR("Message Convert Format id [%s] not fond!!", ptInDstMsg->sMsgFormat);
   return pt;
 }

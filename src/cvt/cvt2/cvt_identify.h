@@ -8,13 +8,13 @@ CVT_C_BEGIN
 
 /* The message handle. It lies at the start of its own pool node, so it is aligned. */
 typedef struct InnerMessage {
-  int nMsgId;         /* 0 */
-  char sMsgName[61];  /* message type name, at most 60 characters */
+  int nMsgId;          /* 0 */
+  char sMsgName[61];   /* message type name, at most 60 characters */
   char sMsgFormat[21]; /* format id the handle was created with, at most 20 characters */
-  char *psBuf;        /* input buffer (borrowed), or output buffer of the caller */
-  int nNowLen;        /* bytes consumed or produced so far */
-  int nLen;           /* length of the input, or capacity of the output */
-  Msg *ptMsgInfo;     /* the definition, null until known */
+  char *psBuf;         /* input buffer (borrowed), or output buffer of the caller */
+  int nNowLen;         /* bytes consumed or produced so far */
+  int nLen;            /* length of the input, or capacity of the output */
+  Msg *ptMsgInfo;      /* the definition, null until known */
   ValueListInfo tValueListInfo;
   void *ptInfo; /* free pointer for the pipeline steps */
 } InnerMessage;

@@ -11,10 +11,10 @@
 
 // Leaves the function with `result` when the expression, or the assignment, yields null. What is logged is
 // the text of the expression itself: "[ptMsg] is NULL".
-#define CVT_NOT_NULL(expression, result)      \
-  do {                                        \
-    if ((expression) == nullptr) {            \
-      CVT_ERR("[%s] is NULL", #expression);   \
-      return result;                          \
-    }                                         \
+#define CVT_NOT_NULL(expression, result)    \
+  do {                                      \
+    if ((expression) == nullptr) {          \
+      CVT_ERR("[%s] is NULL", #expression); \
+      return result;                        \
+    }                                       \
   } while (0)

@@ -30,9 +30,9 @@ typedef struct CVT_RECORD Value {
 
 /* The values of one message, of one repetition, or (a loop list) the repetitions of one loop. */
 typedef struct CVT_RECORD ValueList {
-  int nNow;       /* slots in use: every bound test is made against it */
-  int nMax;       /* capacity of ptValue */
-  Value *ptValue; /* the slots */
+  int nNow;                 /* slots in use: every bound test is made against it */
+  int nMax;                 /* capacity of ptValue */
+  Value *ptValue;           /* the slots */
   struct ValueList *ptNext; /* free list, or the chain of all lists of one message */
 } ValueList;
 
@@ -70,8 +70,8 @@ typedef Value *(*FncGetNameValue)(struct Msg *ptMsg, ValueListInfo *ptValueListI
                                   int *pnError);
 
 /* Sets a named field to a copy of nLen bytes. 0 = success. */
-typedef int (*FncSetNameValue)(struct Msg *ptMsg, ValueListInfo *ptValueListInfo, char *psName,
-                               char *psValue, int nLen);
+typedef int (*FncSetNameValue)(struct Msg *ptMsg, ValueListInfo *ptValueListInfo, char *psName, char *psValue,
+                               int nLen);
 
 /* Prepares a definition that has been read and indexed: fills fGen, fParse, fGetValue and fSetValue.
  * 0 = success. */
@@ -225,10 +225,10 @@ int cvtFreeValue(ValueList *ptValueList);
 
 /* --- Loop structure ------------------------------------------------------------------------------------------ */
 
-Message **cvtLoopGetIdx(Message *ptMessage);  /* loop body index, null (logged) without a LoopType */
-void *cvtLoopGetStruct(Message *ptMessage);   /* LoopType.ptInfo, null (logged) without a LoopType */
-int cvtLoopCreateIndex(Message *ptMessage);   /* builds the loop body index; 0, -1 */
-int cvtLoopGetFieldNum(Message *ptMessage);   /* nodes of the body, -1 for another kind */
+Message **cvtLoopGetIdx(Message *ptMessage); /* loop body index, null (logged) without a LoopType */
+void *cvtLoopGetStruct(Message *ptMessage);  /* LoopType.ptInfo, null (logged) without a LoopType */
+int cvtLoopCreateIndex(Message *ptMessage);  /* builds the loop body index; 0, -1 */
+int cvtLoopGetFieldNum(Message *ptMessage);  /* nodes of the body, -1 for another kind */
 int cvtSetLoopCurrentTime(Message *ptMessage, int nTime); /* moves the cursor; 0, -1 for another kind */
 int cvtGetLoopCurrentTime(Message *ptMessage);            /* the cursor, -1 for another kind */
 

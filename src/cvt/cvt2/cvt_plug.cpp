@@ -48,7 +48,8 @@ class File {
   // Reads a record at an offset; false when the file does not reach that far.
   template <class T>
   bool read(ElfW(Off) nAt, T &record) const {
-    return pread(m_nFile, &record, sizeof record, static_cast<off_t>(nAt)) == static_cast<ssize_t>(sizeof record);
+    return pread(m_nFile, &record, sizeof record, static_cast<off_t>(nAt)) ==
+           static_cast<ssize_t>(sizeof record);
   }
 
  private:

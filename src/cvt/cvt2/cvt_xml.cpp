@@ -25,11 +25,21 @@
 
 namespace {
 
-xmlNodePtr node(void *p) { return static_cast<xmlNodePtr>(p); }
-xmlDocPtr document(void *p) { return static_cast<xmlDocPtr>(p); }
-xmlNsPtr nameSpace(void *p) { return static_cast<xmlNsPtr>(p); }
-const xmlChar *text(const char *ps) { return reinterpret_cast<const xmlChar *>(ps); }
-char *plain(const xmlChar *ps) { return reinterpret_cast<char *>(const_cast<xmlChar *>(ps)); }
+xmlNodePtr node(void *p) {
+  return static_cast<xmlNodePtr>(p);
+}
+xmlDocPtr document(void *p) {
+  return static_cast<xmlDocPtr>(p);
+}
+xmlNsPtr nameSpace(void *p) {
+  return static_cast<xmlNsPtr>(p);
+}
+const xmlChar *text(const char *ps) {
+  return reinterpret_cast<const xmlChar *>(ps);
+}
+char *plain(const xmlChar *ps) {
+  return reinterpret_cast<char *>(const_cast<xmlChar *>(ps));
+}
 
 struct XmlFree {
   void operator()(xmlChar *ps) const { xmlFree(ps); }
@@ -114,6 +124,10 @@ constexpr size_t kMostInOnePiece = 1 << 20;
 class Source {
  public:
   Source(const char *psFileName, cvt::String &sReason) : m_reason(sReason) {
+    if (psFileName == nullptr) {
+      refuse("no file is named");
+      return;
+    }
     struct stat tStat {};
     m_file = open(psFileName, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
     if (m_file < 0 || fstat(m_file, &tStat) != 0) {
@@ -161,7 +175,8 @@ class Source {
 
   // What libxml2 has met by the time it wants more bytes.
   const char *objection() {
-    if (m_context->maxatts > kMostAttributeEntries) return "an element has more than 400 attributes: take some out";
+    if (m_context->maxatts > kMostAttributeEntries)
+      return "an element has more than 400 attributes: take some out";
     if (m_context->nsMax > kMostNamespaceEntries) return "more than 300 namespaces: take some out";
     if (std::exchange(m_last, progress()) != m_last) m_nInOnePiece = 0;
     if (m_nInOnePiece > kMostInOnePiece) return "a tag, text or comment has more than 1 MiB: make it shorter";
@@ -249,14 +264,20 @@ void xmlDropNode(void *ptXmlNode) {
   xmlFreeNode(node(ptXmlNode));
 }
 
-void XmlDocFree::operator()(void *ptXmlDoc) const { xmlDocFree(ptXmlDoc); }
-void XmlNodeFree::operator()(void *ptXmlNode) const { xmlNodeFree(ptXmlNode); }
+void XmlDocFree::operator()(void *ptXmlDoc) const {
+  xmlDocFree(ptXmlDoc);
+}
+void XmlNodeFree::operator()(void *ptXmlNode) const {
+  xmlNodeFree(ptXmlNode);
+}
 
 }  // namespace cvt
 
 // --- Building -------------------------------------------------------------------------------------------------
 
-void *xmlInit() { return xmlInitEncoding(const_cast<char *>("UTF-8")); }
+void *xmlInit() {
+  return xmlInitEncoding(const_cast<char *>("UTF-8"));
+}
 
 void *xmlInitEncoding(char *psEncoding) {
   const Quiet quiet;
@@ -265,7 +286,9 @@ void *xmlInitEncoding(char *psEncoding) {
   return quiet.whole(pt, xmlFreeDoc);
 }
 
-void *xmlMadeNode(char *psNodeName) { return xmlMadeNsNode(nullptr, psNodeName); }
+void *xmlMadeNode(char *psNodeName) {
+  return xmlMadeNsNode(nullptr, psNodeName);
+}
 
 void *xmlMadeNsNode(void *ptXmlNs, char *psNodeName) {
   const Quiet quiet;
@@ -278,12 +301,15 @@ void *xmlMadeNameSpace(void *ptXmlNode, char *psNameSpace) {
 
 void *xmlMadeNameSpaceShortCut(void *ptXmlNode, char *psShortCut, char *psNameSpace, int nFlag) {
   const Quiet quiet;
-  const xmlNsPtr pt = quiet.whole(xmlNewNs(node(ptXmlNode), text(psNameSpace), text(psShortCut)), leaveToNode);
+  const xmlNsPtr pt =
+      quiet.whole(xmlNewNs(node(ptXmlNode), text(psNameSpace), text(psShortCut)), leaveToNode);
   if (pt != nullptr && nFlag == 1) xmlSetNs(node(ptXmlNode), pt);
   return pt;
 }
 
-void xmlNodeAddNameSapce(void *ptNode, void *ptNameSpace) { xmlSetNs(node(ptNode), nameSpace(ptNameSpace)); }
+void xmlNodeAddNameSapce(void *ptNode, void *ptNameSpace) {
+  xmlSetNs(node(ptNode), nameSpace(ptNameSpace));
+}
 
 int xmlPutRootNode(void *ptXmlDoc, void *ptXmlNode) {
   xmlDocSetRootElement(document(ptXmlDoc), node(ptXmlNode));
@@ -302,7 +328,8 @@ void *xmlPutNsNodeValue(void *ptXmlFatherNode, void *ptXmlNs, char *psName, char
   const char cSaved = psVaule[nLen];
   psVaule[nLen] = 0;
   const Quiet quiet;
-  const xmlNodePtr pt = xmlNewTextChild(node(ptXmlFatherNode), nameSpace(ptXmlNs), text(psName), text(psVaule));
+  const xmlNodePtr pt =
+      xmlNewTextChild(node(ptXmlFatherNode), nameSpace(ptXmlNs), text(psName), text(psVaule));
   psVaule[nLen] = cSaved;
   return quiet.whole(pt, cvt::xmlDropNode);
 }
@@ -322,7 +349,8 @@ void *xmlPutNsNodeAttr(void *ptXmlNode, void *ptXmlNs, char *psAttrName, char *p
   const Quiet quiet;
   const XmlText value = firstBytes(psAttrVaule, nAttrLen);
   if (value == nullptr) return nullptr;
-  return quiet.whole(xmlSetNsProp(node(ptXmlNode), nameSpace(ptXmlNs), text(psAttrName), value.get()), xmlRemoveProp);
+  return quiet.whole(xmlSetNsProp(node(ptXmlNode), nameSpace(ptXmlNs), text(psAttrName), value.get()),
+                     xmlRemoveProp);
 }
 
 // --- Writing and reading ----------------------------------------------------------------------------------------
@@ -375,17 +403,33 @@ int xmlNodeFree(void *ptXmlNode) {
   return 0;
 }
 
-void xmlFreeString(char *psString) { xmlFree(psString); }
+void xmlFreeString(char *psString) {
+  xmlFree(psString);
+}
 
 // --- Navigation: nodes of every kind, comments and text included --------------------------------------------
 
-void *xmlGetHeadNode(void *ptXmlDoc) { return xmlDocGetRootElement(document(ptXmlDoc)); }
-void *xmlGetChileNode(void *ptXmlNode) { return node(ptXmlNode)->children; }
-void *xmlGetFatherNode(void *ptXmlNode) { return node(ptXmlNode)->parent; }
-void *xmlGetLastChildNode(void *ptXmlNode) { return node(ptXmlNode)->last; }
-void *xmlGetPrevNode(void *ptXmlNode) { return node(ptXmlNode)->prev; }
-void *xmlGetNextNode(void *ptXmlNode) { return node(ptXmlNode)->next; }
-char *xmlGetNodeName(void *ptXmlNode) { return plain(node(ptXmlNode)->name); }
+void *xmlGetHeadNode(void *ptXmlDoc) {
+  return xmlDocGetRootElement(document(ptXmlDoc));
+}
+void *xmlGetChileNode(void *ptXmlNode) {
+  return node(ptXmlNode)->children;
+}
+void *xmlGetFatherNode(void *ptXmlNode) {
+  return node(ptXmlNode)->parent;
+}
+void *xmlGetLastChildNode(void *ptXmlNode) {
+  return node(ptXmlNode)->last;
+}
+void *xmlGetPrevNode(void *ptXmlNode) {
+  return node(ptXmlNode)->prev;
+}
+void *xmlGetNextNode(void *ptXmlNode) {
+  return node(ptXmlNode)->next;
+}
+char *xmlGetNodeName(void *ptXmlNode) {
+  return plain(node(ptXmlNode)->name);
+}
 
 char *xmlGetNodeVaule(void *ptXmlNode) {
   // Only the first child counts: text behind an element child is never seen.
@@ -419,4 +463,6 @@ int xmlCheckSchema(void *ptSchema, void *ptXmlDoc) {
   return xmlSchemaValidateDoc(context.get(), document(ptXmlDoc));
 }
 
-void xmlEncodeAlias(char *psEncoding, char *psAlias) { xmlAddEncodingAlias(psEncoding, psAlias); }
+void xmlEncodeAlias(char *psEncoding, char *psAlias) {
+  xmlAddEncodingAlias(psEncoding, psAlias);
+}

@@ -12,8 +12,8 @@
 #include <new>
 #include <utility>
 
-#include "cvt_heap.h"
 #include "cvt_guard.h"
+#include "cvt_heap.h"
 #include "cvt_log.h"
 #include "cvt_xml.h"
 #include "stt_bind.h"
@@ -49,14 +49,17 @@ bool f_bPlaced = false;
 // Records in fields whose users expect others.
 cvt::HashSet<const void *> f_misfits;
 
-int length(const char *ps) { return ps == nullptr ? 0 : static_cast<int>(std::strlen(ps)); }
+int length(const char *ps) {
+  return ps == nullptr ? 0 : static_cast<int>(std::strlen(ps));
+}
 
 // The attribute's text. Null without one; also, with the flag raised, where the heap has no room for it.
 XmlString attribute(void *ptXmlNode, char *psName) {
   XmlString value(xmlGetNodeAttr(ptXmlNode, psName));
   if (value == nullptr && cvt::xmlHasAttr(ptXmlNode, psName)) {
     nGRet = -1;
-    CVT_ERR("Attribute[%s]: the heap has no room for its value; raise the memory limit of the process", psName);
+    CVT_ERR("Attribute[%s]: the heap has no room for its value; raise the memory limit of the process",
+            psName);
   }
   return value;
 }
@@ -151,7 +154,9 @@ void *answerOf(const char *psType, F &&call) {
   return pt;
 }
 
-bool isBaseType(const char *psType) { return psType != nullptr && std::strcmp(psType, f_sBaseType) == 0; }
+bool isBaseType(const char *psType) {
+  return psType != nullptr && std::strcmp(psType, f_sBaseType) == 0;
+}
 
 // What the first dispatcher of the current chain that knows the type reads, or writes; null when none does.
 void *readByChain(void *ptXmlNode, char *psType) {
@@ -166,8 +171,7 @@ void *readByChain(void *ptXmlNode, char *psType) {
 void *writeByChain(void *ptStruct, void *ptNode, char *psNodeName, char *psType) {
   for (const FuncList *pt = *f_pptChain; pt != nullptr; pt = pt->ptNext) {
     CVT_NOT_NULL(pt->fpGen, nullptr);
-    void *const ptWritten =
-        answerOf(psType, [&] { return pt->fpGen(ptStruct, ptNode, psNodeName, psType); });
+    void *const ptWritten = answerOf(psType, [&] { return pt->fpGen(ptStruct, ptNode, psNodeName, psType); });
     if (ptWritten != nullptr) return ptWritten;
   }
   return nullptr;
@@ -192,7 +196,8 @@ void failed(const char *psFile, int nLine, const char *psFunction, const char *p
 void place(void *ptXmlNode) {
   if (std::exchange(f_bPlaced, true)) return;
   const XmlPlace at = xmlPlaceOf(ptXmlNode);
-  if (*at.psFile != 0) CVT_ERR("File[%s] Line[%ld] Element[%s]", at.psFile, at.nLine, xmlGetNodeName(ptXmlNode));
+  if (*at.psFile != 0)
+    CVT_ERR("File[%s] Line[%ld] Element[%s]", at.psFile, at.nLine, xmlGetNodeName(ptXmlNode));
 }
 
 bool mayDescend(void *ptXmlNode) {
@@ -214,8 +219,12 @@ bool isWanted(void *ptXmlNode, const char *psName, const void *ptRecord, const c
   return false;
 }
 
-void markMisfit(const void *ptRecord) { f_misfits.insert(ptRecord); }
-bool isMisfit(const void *ptRecord) { return !f_misfits.empty() && f_misfits.count(ptRecord) != 0; }
+void markMisfit(const void *ptRecord) {
+  f_misfits.insert(ptRecord);
+}
+bool isMisfit(const void *ptRecord) {
+  return !f_misfits.empty() && f_misfits.count(ptRecord) != 0;
+}
 
 void *readChain(Reading &first) {
   Vector<ReadingPtr> others;
@@ -457,13 +466,17 @@ void sttGenerateXmlChar(void *ptXmlNode, char caChar, char *psName) {
   putNumber<2>(ptXmlNode, psName, "%c", caChar);
 }
 
-char *sttParseXmlString(void *ptXmlNode, char *psName) { return attribute(ptXmlNode, psName).release(); }
+char *sttParseXmlString(void *ptXmlNode, char *psName) {
+  return attribute(ptXmlNode, psName).release();
+}
 
 void sttGenerateXmlString(void *ptXmlNode, char *psString, char *psName) {
   if (psString != nullptr) putAttribute(ptXmlNode, psName, psString);
 }
 
-void sttFreeXmlString(char *psString) { xmlFreeString(psString); }
+void sttFreeXmlString(char *psString) {
+  xmlFreeString(psString);
+}
 
 int sttParseXmlInt(void *ptXmlNode, char *psName) {
   const XmlString value = attribute(ptXmlNode, psName);
@@ -485,13 +498,17 @@ void sttGenerateXmlLong(void *ptXmlNode, long lLong, char *psName) {
 
 // Kept as it is: an attribute that is present reads as 0.0 without being converted. An absent one has no text
 // to convert and reads as 0.0, too, so callers see 0.0 always. No record of the library uses these two kinds.
-float sttParseXmlFloat(void *, char *) { return 0.0F; }
+float sttParseXmlFloat(void *, char *) {
+  return 0.0F;
+}
 
 void sttGenerateXmlFloat(void *ptXmlNode, float fFloat, char *psName) {
   putNumber<60>(ptXmlNode, psName, "%f", static_cast<double>(fFloat));
 }
 
-float sttParseXmlDouble(void *, char *) { return 0.0F; }
+float sttParseXmlDouble(void *, char *) {
+  return 0.0F;
+}
 
 void sttGenerateXmlDouble(void *ptXmlNode, double dDouble, char *psName) {
   putNumber<60>(ptXmlNode, psName, "%lf", dDouble);

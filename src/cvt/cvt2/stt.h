@@ -135,14 +135,14 @@ void sttGenerateXmlVoid(void *ptXmlNode, void *ptVoid, char *psName);
  *   sttMakeT      fills p (strings are interned); null when p is null or a derived field fails
  *   sttGenXmlT    writes the fields into the element; returns it, or null on a null argument or a failure
  *   sttParseXmlT  reads a record; null for a null element (not logged) or, with nGRet -1, on a failure */
-#define STT_BOUND(T, ...)                                                         \
-  struct T *sttNew##T(__VA_ARGS__);                                               \
-  struct T *sttMake##T(struct T *p, __VA_ARGS__);                                 \
-  void *sttGenXml##T(struct T *p, void *ptXmlNode, char *psStructType);           \
+#define STT_BOUND(T, ...)                                               \
+  struct T *sttNew##T(__VA_ARGS__);                                     \
+  struct T *sttMake##T(struct T *p, __VA_ARGS__);                       \
+  void *sttGenXml##T(struct T *p, void *ptXmlNode, char *psStructType); \
   struct T *sttParseXml##T(void *ptXmlNode, char *psStructType)
 
 /* Declares a module's dispatcher pair: the record of the named type, null (not logged) for any other name. */
-#define STT_BOUND_MODULE(module)                                \
+#define STT_BOUND_MODULE(module)                                   \
   void *sttParseVoid##module(void *ptXmlNode, char *psStructType); \
   void *sttGenVoid##module(void *ptSruct, void *ptNode, char *psNodeName, char *psStructType)
 
@@ -150,9 +150,9 @@ void sttGenerateXmlVoid(void *ptXmlNode, void *ptVoid, char *psName);
  * Documents, nodes, namespaces and schemas are libxml2's, passed as void *. Nothing here logs; null arguments
  * are not checked. Navigation returns nodes of every kind. */
 
-void *xmlInit(void);                       /* new document 1.0, encoding UTF-8; free with xmlDocFree */
-void *xmlInitEncoding(char *psEncoding);   /* new document 1.0 of that encoding */
-void *xmlMadeNode(char *psNodeName);       /* new unattached element; free with xmlNodeFree or attach it */
+void *xmlInit(void);                     /* new document 1.0, encoding UTF-8; free with xmlDocFree */
+void *xmlInitEncoding(char *psEncoding); /* new document 1.0 of that encoding */
+void *xmlMadeNode(char *psNodeName);     /* new unattached element; free with xmlNodeFree or attach it */
 void *xmlMadeNsNode(void *ptXmlNs, char *psNodeName);
 
 /* Declares the default namespace psNameSpace on the node and puts the node into it; null when refused. */

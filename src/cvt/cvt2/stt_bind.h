@@ -121,7 +121,9 @@ ReadingPtr newReading(void *ptXmlNode) {
 // the last, records made from the last to the first.
 void *readChain(Reading &first);
 
-inline char *name(const char *ps) { return const_cast<char *>(ps); }
+inline char *name(const char *ps) {
+  return const_cast<char *>(ps);
+}
 
 // The element from which a Struct or Next field is read; null when there is none.
 void *structElement(void *ptXmlNode, const char *psType, const char *psName);
@@ -151,7 +153,8 @@ AnyRecord readRecord(void *ptElement, const char *psType, T *(*fFunc)(void *, ch
   return {fFunc(ptElement, name(psType))};
 }
 template <class T>
-AnyRecord sttParseXmlStruct(void *ptXmlNode, const char *psType, const char *psName, T *(*fFunc)(void *, char *)) {
+AnyRecord sttParseXmlStruct(void *ptXmlNode, const char *psType, const char *psName,
+                            T *(*fFunc)(void *, char *)) {
   return readRecord(structElement(ptXmlNode, psType, psName), psType, fFunc);
 }
 inline void sttGenerateXmlString(void *ptXmlNode, char *psString, const char *psName) {
@@ -175,7 +178,8 @@ void sttGenerateXmlStruct(void *ptXmlNode, T *ptStruct, const char *psName, cons
 }
 inline void sttGenerateXmlStruct(void *ptXmlNode, void *ptStruct, const char *psName, const char *psTypeName,
                                  void *(*fFunc)(void *, void *, char *, char *)) {
-  ::sttGenerateXmlStruct(ptXmlNode, ptStruct, name(psName), name(psTypeName), reinterpret_cast<void *>(fFunc));
+  ::sttGenerateXmlStruct(ptXmlNode, ptStruct, name(psName), name(psTypeName),
+                         reinterpret_cast<void *>(fFunc));
 }
 template <class T>
 void sttGenerateXmlNext(void *ptXmlNode, T *ptStruct, const char *psName, const char *psTypeName,

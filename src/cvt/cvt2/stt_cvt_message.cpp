@@ -259,7 +259,9 @@ void *cvtSttInitMessage(char *psFileName, char *psType, void *ptRootNode) {
 namespace {
 
 // What the other kinds keep in pInfo is a record of their format.
-bool repeats(int nType) { return nType == CVT_STRUCT_LOOP || nType == CVT_STRUCT_COUNTED; }
+bool repeats(int nType) {
+  return nType == CVT_STRUCT_LOOP || nType == CVT_STRUCT_COUNTED;
+}
 
 }  // namespace
 

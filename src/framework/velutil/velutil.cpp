@@ -141,10 +141,12 @@ void writeBare(int nLevel, const char *psModule, const char *psFile, int nLine, 
   int nLen = std::snprintf(sLine, sizeof sLine, "[%d] [%s] [%s:%d] [%s] ", nLevel, orDash(psModule),
                            orDash(psFile), nLine, orDash(psFunction));
   nLen = std::clamp(nLen, 0, nRoom - 1);
-  nLen += std::max(std::vsnprintf(sLine + nLen, static_cast<size_t>(nRoom - nLen), orDash(psFormat), args), 0);
+  nLen +=
+      std::max(std::vsnprintf(sLine + nLen, static_cast<size_t>(nRoom - nLen), orDash(psFormat), args), 0);
   nLen = std::min(nLen, nRoom - 1);
   while (nLen > 0 && sLine[nLen - 1] == '\n') --nLen;
-  std::replace_if(sLine, sLine + nLen, [](char c) { return static_cast<unsigned char>(c) < 0x20; }, '?');
+  std::replace_if(
+      sLine, sLine + nLen, [](char c) { return static_cast<unsigned char>(c) < 0x20; }, '?');
   sLine[nLen++] = '\n';
   [[maybe_unused]] const ssize_t nWritten = write(STDERR_FILENO, sLine, static_cast<size_t>(nLen));
 }

@@ -36,7 +36,8 @@ std::string_view declared(std::string_view raw, size_t from) {
   const size_t length = head.find("?>");
   if (length == std::string_view::npos && raw.size() > head.size()) {
     throw kit::Fault(from, "an XML declaration of at most " + std::to_string(kLongestDeclaration) + " bytes",
-                     "a longer one", "Shorten it: what it says of the encoding must be known before all else");
+                     "a longer one",
+                     "Shorten it: what it says of the encoding must be known before all else");
   }
   const std::string_view declaration = head.substr(0, length);
   size_t at = declaration.find("encoding");
