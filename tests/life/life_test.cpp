@@ -33,7 +33,7 @@ int share(int nWhole) {
 // What a process may grow by in the second half of a phase. Pieces are not all of the size that was asked for
 // (and freed ones in the caches of threads count as used: CMakeLists.txt turns these off), and the system gives
 // memory in pages.
-constexpr long kHeapBound = 1024;
+constexpr long kHeapBound = 4 * 1024;
 constexpr long kResidentBound = 256 * 1024;
 
 // An order in whose invoice the configuration's generation can be seen.
