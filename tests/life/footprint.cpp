@@ -54,6 +54,10 @@ int descriptors() {
 
 }  // namespace
 
+long heapBound() {
+  return LIFE_SANITIZED == 0 ? 1024 : 64 * 1024;
+}
+
 bool measuresHeap() {
   return !isWatched();
 }

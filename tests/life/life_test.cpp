@@ -30,12 +30,6 @@ int share(int nWhole) {
   return psShare == nullptr ? nWhole : nWhole / std::atoi(psShare);
 }
 
-// What a process may grow by in the second half of a phase. Pieces are not all of the size that was asked for
-// (and freed ones in the caches of threads count as used: CMakeLists.txt turns these off), and the system gives
-// memory in pages.
-constexpr long kHeapBound = 4 * 1024;
-constexpr long kResidentBound = 256 * 1024;
-
 // An order in whose invoice the configuration's generation can be seen.
 constexpr int kSample = 6;
 
@@ -124,8 +118,8 @@ void LongLife::flat(const char *psWhat, int nWhole, const std::function<void(int
   const Footprint whole = footprint();
   std::cout << psWhat << ": after " << nWhole / 2 << ": " << half.text() << "\n"
             << psWhat << ": after " << nWhole << ": " << whole.text() << "\n";
-  EXPECT_LE(whole.nHeap - half.nHeap, kHeapBound) << psWhat;
-  EXPECT_LE(whole.nResident - half.nResident, kResidentBound) << psWhat;
+  EXPECT_LE(whole.nHeap - half.nHeap, life::heapBound()) << psWhat;
+  EXPECT_LE(whole.nResident - half.nResident, life::kResidentBound) << psWhat;
   EXPECT_EQ(whole.nDescriptors, half.nDescriptors) << psWhat;
 }
 
