@@ -7,14 +7,8 @@ using namespace test::xml;
 using test::cs;
 using test::Level;
 using test::newMessage;
+using test::temporariesTaken;
 using Texts = std::vector<std::string>;
-
-// Temporary values handed out.
-int taken() {
-  int n = 0;
-  for (const ::Stack *pt = gptCvtGlobalInfo->ptStack; pt->ptNext != nullptr; pt = pt->ptNext) ++n;
-  return n;
-}
 
 struct Call {
   int nArgs;
@@ -24,7 +18,7 @@ struct Call {
 std::vector<Call> g_calls;
 
 int note(Value *, int nArgs, Value **pptArgs, MemPort) {
-  g_calls.push_back({nArgs, {pptArgs, pptArgs + nArgs}, taken()});
+  g_calls.push_back({nArgs, {pptArgs, pptArgs + nArgs}, temporariesTaken()});
   return 0;
 }
 
@@ -86,7 +80,7 @@ TEST_F(Argument, ResultOfAFailedFunctionStaysTakenAndIsPassedAsNull) {
   EXPECT_EQ(g_calls[0].nTaken, 3);  // the outer call's result, the failed one's, and its own
   EXPECT_EQ(g_calls[1].args.at(0), nullptr);
   EXPECT_NE(g_calls[1].args.at(1), nullptr);
-  EXPECT_EQ(taken(), 0);
+  EXPECT_EQ(temporariesTaken(), 0);
   EXPECT_EQ(test::logTexts(), Texts{"Do Func[refuse] err!!"});
 }
 

@@ -11,24 +11,18 @@
 #include "config_tree.h"
 #include "log_capture.h"
 #include "stt.h"
+#include "xml_layer.h"
 #include "xml_text.h"
 
 namespace {
 
 using test::ConfigTree;
 using test::cs;
+using test::Doc;
 using test::taken;
 using test::textOf;
 using test::Xml;
-
-class XmlLayer : public testing::Test {
- protected:
-  void SetUp() override { testing::internal::CaptureStderr(); }
-  void TearDown() override {
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-    EXPECT_TRUE(test::logLines().empty());
-  }
-};
+using test::XmlLayer;
 
 using Build = XmlLayer;
 using NodeText = XmlLayer;
@@ -36,11 +30,6 @@ using Write = XmlLayer;
 using Read = XmlLayer;
 using Schema = XmlLayer;
 using Limits = XmlLayer;
-
-struct DocFree {
-  void operator()(void *pt) const { xmlDocFree(pt); }
-};
-using Doc = std::unique_ptr<void, DocFree>;
 
 Doc parsed(std::string sText) {
   return Doc(xmlParse(sText.data(), static_cast<int>(sText.size())));

@@ -22,6 +22,13 @@ inline void registerPlainFormat() {
       [](void *, void *, char *, char *) -> void * { return nullptr; }, [](Msg *) { return 0; });
 }
 
+// Entries of the temporary-value stack up to and with the current one, without the bottom entry.
+inline int temporariesTaken() {
+  int n = 0;
+  for (const ::Stack *pt = gptCvtGlobalInfo->ptStack; pt->ptNext != nullptr; pt = pt->ptNext) ++n;
+  return n;
+}
+
 class ConvertTest : public testing::Test {
  protected:
   using Texts = std::vector<std::string>;

@@ -10,16 +10,10 @@ using namespace test::xml;
 using test::cs;
 using test::Level;
 using test::newMessage;
+using test::temporariesTaken;
 using Texts = std::vector<std::string>;
 
 // --- Functions that keep what they were given ------------------------------------------------------------
-
-// Entries of the temporary-value stack up to and with the current one, without the bottom entry.
-int taken() {
-  int n = 0;
-  for (const ::Stack *pt = gptCvtGlobalInfo->ptStack; pt->ptNext != nullptr; pt = pt->ptNext) ++n;
-  return n;
-}
 
 // All entries of the stack, the bottom entry too.
 int stackSize() {
@@ -47,7 +41,7 @@ std::string textOf(const Value *pt) {
 
 // The arguments joined by "+", in bytes of the message.
 int join(Value *ptResult, int nArgs, Value **pptArgs, MemPort ptNode) {
-  Call call{ptResult, *ptResult, {pptArgs, pptArgs + nArgs}, ptNode, taken(), {}};
+  Call call{ptResult, *ptResult, {pptArgs, pptArgs + nArgs}, ptNode, temporariesTaken(), {}};
   std::string sJoined;
   for (const Value *pt : call.args) {
     call.texts.push_back(textOf(pt));
@@ -410,7 +404,7 @@ TEST_F(RepetitionCount, InsideALoopIsThatRepetitionsOwn) {
 TEST_F(Temporaries, TenAreReadyAndNoneIsTaken) {
   load({});
   EXPECT_EQ(stackSize(), 11);  // the bottom entry is never handed out
-  EXPECT_EQ(taken(), 0);
+  EXPECT_EQ(temporariesTaken(), 0);
 }
 
 TEST_F(Temporaries, InnerResultsAreValidTogetherAndOnlyTheOuterOneStays) {
@@ -445,18 +439,18 @@ TEST_F(Temporaries, StackGrowsWhereTheNestingIsDeeperThanEver) {
   EXPECT_EQ(stackSize(), 13);  // the bottom entry, and twelve results at once
   EXPECT_EQ(run("C", from, to), 0);
   EXPECT_EQ(stackSize(), 13);  // the new entries are used again
-  EXPECT_EQ(taken(), 0);
+  EXPECT_EQ(temporariesTaken(), 0);
 }
 
 TEST_F(Temporaries, AreReleasedAfterEveryRule) {
   EXPECT_EQ(runOnly({copy(func("F", {func("G")}), dst("X")), copy(func("F"), dst("Y"))}), 0);
   EXPECT_EQ(g_calls.at(2).nTaken, 1);
-  EXPECT_EQ(taken(), 0);
+  EXPECT_EQ(temporariesTaken(), 0);
 }
 
 TEST_F(Temporaries, AreReleasedAfterAFailingRule) {
   EXPECT_EQ(runOnly({copy(level(), func("F", {func("G")}))}), -1);
-  EXPECT_EQ(taken(), 0);
+  EXPECT_EQ(temporariesTaken(), 0);
 }
 
 TEST_F(Temporaries, AreReleasedAfterEachJudgeThatDoesNotHold) {
@@ -466,7 +460,7 @@ TEST_F(Temporaries, AreReleasedAfterEachJudgeThatDoesNotHold) {
   for (size_t i = 0; i < g_calls.size(); ++i) {
     EXPECT_EQ(g_calls[i].nTaken, i % 2 == 0 ? 1 : 2) << i;  // each judge: destination H, then its source
   }
-  EXPECT_EQ(taken(), 0);
+  EXPECT_EQ(temporariesTaken(), 0);
 }
 
 TEST_F(Temporaries, AreKeptBetweenTheEntriesOfAMapping) {
@@ -477,7 +471,7 @@ TEST_F(Temporaries, AreKeptBetweenTheEntriesOfAMapping) {
   ASSERT_EQ(g_calls.size(), 4U);
   for (int i = 0; i < 4; ++i) EXPECT_EQ(g_calls[static_cast<size_t>(i)].nTaken, i + 1);
   EXPECT_EQ(to.get("X"), "hit");
-  EXPECT_EQ(taken(), 0);
+  EXPECT_EQ(temporariesTaken(), 0);
 }
 
 TEST_F(Temporaries, AreReleasedByANestedRuleList) {
@@ -492,7 +486,7 @@ TEST_F(Temporaries, OfAFailedCountStaysTakenUntilTheNextRelease) {
   ASSERT_EQ(g_calls.size(), 2U);
   EXPECT_EQ(g_calls[0].nTaken, 3);  // F's, the failed count's, and G's own
   EXPECT_EQ(g_calls[1].args.at(0), nullptr);
-  EXPECT_EQ(taken(), 0);
+  EXPECT_EQ(temporariesTaken(), 0);
 }
 
 TEST_F(Temporaries, SectionThatIsReadAgainGetsAFreshStack) {
