@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# fuzz.sh BUILD [--seconds N] [--keep] [TARGET...]: fuzzes the targets of a build with libFuzzer, all without a name.
+# fuzz.sh BUILD [--seconds N] [--keep] [TARGET...]: fuzzes the targets of a build with libFuzzer, all without a name,
+# as many at a time as there are processors.
 #
 # Without --seconds a target runs until it has had 10 million inputs, or found nothing new for 10 minutes. --keep
 # then puts the smallest inputs that cover what was covered into corpus/. Ends with 1 when an input was found that
@@ -98,7 +99,7 @@ fuzz() {
 minimise() {
   local target=$1 length=$2 seed size file total=0
   shift 3
-  local fresh=$scratch/corpus folders=("$work/$target" "$here/corpus/$target")
+  local fresh=$scratch/corpus-$target folders=("$work/$target" "$here/corpus/$target")
   mkdir "$fresh"
   for seed in "$@"; do
     folders+=("$project/$seed")
@@ -115,14 +116,33 @@ minimise() {
   rm -rf "$fresh" "$fresh.seeds"
 }
 
-status=0
-for name in "${names[@]}"; do
-  line=$(grep "^$name|" "$build/fuzz/targets.txt") ||
-    fail "expected one of $(cut -d'|' -f1 "$build/fuzz/targets.txt" | paste -sd' '), found '$name'"
-  IFS='|' read -r _ length dictionary seeds <<<"$line"
+# run_target TARGET
+run_target() {
+  local length dictionary seeds code=0
+  IFS='|' read -r _ length dictionary seeds < <(grep "^$1|" "$build/fuzz/targets.txt")
   # shellcheck disable=SC2086 # the seeds are words
-  fuzz "$name" "$length" "$dictionary" $seeds || status=1
+  fuzz "$1" "$length" "$dictionary" $seeds || code=1
   # shellcheck disable=SC2086
-  if $keep; then minimise "$name" "$length" "$dictionary" $seeds; fi
+  if $keep; then minimise "$1" "$length" "$dictionary" $seeds; fi
+  return $code
+}
+
+for name in "${names[@]}"; do
+  grep -q "^$name|" "$build/fuzz/targets.txt" ||
+    fail "expected one of $(cut -d'|' -f1 "$build/fuzz/targets.txt" | paste -sd' '), found '$name'"
+done
+status=0
+running=0
+for name in "${names[@]}"; do
+  if [ "$running" -ge "$(nproc)" ]; then
+    wait -n || status=1
+    running=$((running - 1))
+  fi
+  run_target "$name" &
+  running=$((running + 1))
+done
+while [ "$running" -gt 0 ]; do
+  wait -n || status=1
+  running=$((running - 1))
 done
 exit $status
