@@ -17,7 +17,9 @@
 #include <string>
 #include <vector>
 
+#include "attributes.h"
 #include "cvt_message.h"
+#include "fault.h"
 
 namespace cvt::kit {
 
@@ -54,5 +56,16 @@ Level compileShape(const Msg &msg);
 
 // Node pos of a level and its groups as a path, for messages: "Batches.Entries.Amount" needs the outer path.
 std::string nodePath(const std::string &outer, const Node &node);
+
+// A node's record, or what a node without one means. Throws Misconfigured when it is one of another type;
+// member says where it stands: "FormatAttr.pInfo".
+template <class T>
+const T &recordOr(const void *record, const RecordType &type, const T &plain, const char *member,
+                  const std::string &path) {
+  if (record == nullptr) return plain;
+  const T *found = recordAs<T>(record, type);
+  if (found != nullptr) return *found;
+  throw Misconfigured(path, record, std::string(type.name) + " as " + member, recordName(record));
+}
 
 }  // namespace cvt::kit

@@ -70,23 +70,6 @@ struct Scope {
   size_t depth;              // open elements
 };
 
-// A level and, for each of its nodes, the slot of the loop that the node counts.
-struct Body {
-  static constexpr int kNone = -1;
-  static constexpr int kTwo = -2;
-
-  explicit Body(const Level &of) : level(of), counted(of.nodes.size(), kNone) {
-    for (const Node &node : level.nodes) {
-      if (node.kind != NodeKind::Loop || node.countNode < 0) continue;
-      int &loop = counted[static_cast<size_t>(node.countNode)];
-      loop = loop == kNone ? node.slot : kTwo;
-    }
-  }
-
-  const Level &level;
-  std::vector<int> counted;
-};
-
 class Compiler {
  public:
   Compiler(const Msg &msg, const XmlMsg &document)
@@ -101,10 +84,10 @@ class Compiler {
   void prefixes();
   void root(const Level &level);
 
-  void children(Element &parent, const Body &body, size_t from, size_t to, const Scope &scope);
-  void addField(Element &parent, const Body &body, size_t at, const Scope &scope);
-  void addGroup(Element &parent, const Body &body, size_t at, const Scope &scope);
-  void addLoop(Element &parent, const Body &body, size_t at, const Scope &scope);
+  void children(Element &parent, const kit::Rules &rules, size_t from, size_t to, const Scope &scope);
+  void addField(Element &parent, const kit::Rules &rules, size_t at, const Scope &scope);
+  void addGroup(Element &parent, const kit::Rules &rules, size_t at, const Scope &scope);
+  void addLoop(Element &parent, const kit::Rules &rules, size_t at, const Scope &scope);
   void addAttribute(Element &parent, Text text, const std::string &name, const Scope &scope);
   void addChild(Element &parent, Element child, const Scope &scope);
   Element repeatedField(const Node &node, const Scope &scope);
@@ -112,15 +95,10 @@ class Compiler {
   Element wrapped(Element repeated, const XmlLoop &loop, const Scope &scope);
 
   Element element(const char *node, const std::string &name, const Scope &scope, const char *space = nullptr);
-  Text textOf(const Node &node, const XmlField &field, const Body &body, size_t at, const Scope &scope);
-  std::vector<Count> countsOf(const Level &level);
+  Text textOf(const XmlField &field, const kit::Rules &rules, size_t at, const Scope &scope) const;
   std::string expand(const std::string &name, const std::string &defaultSpace, const Scope &scope) const;
   std::string encoded(const std::string &markup, const Scope &scope) const;
   Scope inside(const Scope &scope, const Node &node) const;
-
-  template <class T>
-  const T &recordOf(const void *record, const kit::RecordType &type, const T &plain, const char *member,
-                    const Scope &scope) const;
 
   const Msg &m_msg;
   const XmlMsg &m_document;
@@ -226,16 +204,17 @@ void Compiler::root(const Level &level) {
   }
   root.open += encoded(declared, outside);
   root.mandatory = true;
-  root.counts = countsOf(level);
+  root.counts = kit::countsOf(level);
   m_plan->slots = level.slots;
   const Scope inner{"", &m_document, text(m_document.psNamespace), 1};
-  children(root, Body(level), 0, level.nodes.size(), inner);
+  children(root, kit::Rules(level), 0, level.nodes.size(), inner);
   m_plan->root = std::move(root);
 }
 
-void Compiler::children(Element &parent, const Body &body, size_t from, size_t to, const Scope &scope) {
-  for (size_t at = from; at < to; at = static_cast<size_t>(body.level.nodes[at].next)) {
-    const Node &node = body.level.nodes[at];
+void Compiler::children(Element &parent, const kit::Rules &rules, size_t from, size_t to,
+                        const Scope &scope) {
+  for (size_t at = from; at < to; at = static_cast<size_t>(rules.level().nodes[at].next)) {
+    const Node &node = rules.level().nodes[at];
     if (node.counted || node.structRecord != nullptr) {
       const void *nearest = node.structRecord != nullptr ? node.structRecord : node.record;
       if (nearest == nullptr) nearest = &m_document;
@@ -244,20 +223,10 @@ void Compiler::children(Element &parent, const Body &body, size_t from, size_t t
                           "Write the XmlField or XmlGroup into FormatAttr, the LoopType of a loop into "
                           "StructAttr nType=\"1\"");
     }
-    if (node.kind == NodeKind::Field) addField(parent, body, at, scope);
-    if (node.kind == NodeKind::Group) addGroup(parent, body, at, scope);
-    if (node.kind == NodeKind::Loop) addLoop(parent, body, at, scope);
+    if (node.kind == NodeKind::Field) addField(parent, rules, at, scope);
+    if (node.kind == NodeKind::Group) addGroup(parent, rules, at, scope);
+    if (node.kind == NodeKind::Loop) addLoop(parent, rules, at, scope);
   }
-}
-
-// The node's record, or what a node without one means.
-template <class T>
-const T &Compiler::recordOf(const void *record, const kit::RecordType &type, const T &plain,
-                            const char *member, const Scope &scope) const {
-  if (record == nullptr) return plain;
-  const T *found = kit::recordAs<T>(record, type);
-  if (found != nullptr) return *found;
-  throw Misconfigured(scope.path, record, std::string(type.name) + " as " + member, kit::recordName(record));
 }
 
 Scope Compiler::inside(const Scope &scope, const Node &node) const {
@@ -265,11 +234,11 @@ Scope Compiler::inside(const Scope &scope, const Node &node) const {
           scope.defaultSpace, scope.depth};
 }
 
-void Compiler::addField(Element &parent, const Body &body, size_t at, const Scope &scope) {
-  const Node &node = body.level.nodes[at];
+void Compiler::addField(Element &parent, const kit::Rules &rules, size_t at, const Scope &scope) {
+  const Node &node = rules.level().nodes[at];
   const Scope here = inside(scope, node);
-  const XmlField &field = recordOf(node.record, kXmlField, kPlainField, "FormatAttr.pInfo", here);
-  Text value = textOf(node, field, body, at, here);
+  const XmlField &field = kit::recordOr(node.record, kXmlField, kPlainField, "FormatAttr.pInfo", here.path);
+  Text value = textOf(field, rules, at, here);
   const auto kind = static_cast<FieldKind>(field.nKind);
   if (kind == FieldKind::Text) {
     if (parent.text.has_value() || field.psName != nullptr) {
@@ -305,24 +274,24 @@ void Compiler::addAttribute(Element &parent, Text value, const std::string &name
   }
 }
 
-void Compiler::addGroup(Element &parent, const Body &body, size_t at, const Scope &scope) {
-  const Node &node = body.level.nodes[at];
+void Compiler::addGroup(Element &parent, const kit::Rules &rules, size_t at, const Scope &scope) {
+  const Node &node = rules.level().nodes[at];
   Scope here = inside(scope, node);
-  const XmlGroup &group = recordOf(node.record, kXmlGroup, kPlainGroup, "FormatAttr.pInfo", here);
+  const XmlGroup &group = kit::recordOr(node.record, kXmlGroup, kPlainGroup, "FormatAttr.pInfo", here.path);
   const std::string name = group.psName == nullptr ? node.name : text(group.psName);
   Element child = element(node.name, name, here, group.psNamespace);
   child.mandatory = group.nMandatory != 0;
   child.keepEmpty = group.nKeepEmpty != 0;
   if (group.psNamespace != nullptr) here.defaultSpace = group.psNamespace;
   ++here.depth;
-  children(child, body, at + 1, static_cast<size_t>(node.next), here);
+  children(child, rules, at + 1, static_cast<size_t>(node.next), here);
   addChild(parent, std::move(child), scope);
 }
 
-void Compiler::addLoop(Element &parent, const Body &body, size_t at, const Scope &scope) {
-  const Node &node = body.level.nodes[at];
+void Compiler::addLoop(Element &parent, const kit::Rules &rules, size_t at, const Scope &scope) {
+  const Node &node = rules.level().nodes[at];
   const Scope here = inside(scope, node);
-  const XmlLoop &loop = recordOf(node.loopRecord, kXmlLoop, kPlainLoop, "LoopType.ptInfo", here);
+  const XmlLoop &loop = kit::recordOr(node.loopRecord, kXmlLoop, kPlainLoop, "LoopType.ptInfo", here.path);
   if (loop.nMax != kNoLimit && loop.nMax < loop.nMin) {
     throw Misconfigured(here.path, node.loopRecord, "nMax at least nMin",
                         std::to_string(loop.nMax) + " and " + std::to_string(loop.nMin));
@@ -342,13 +311,13 @@ void Compiler::addLoop(Element &parent, const Body &body, size_t at, const Scope
 // A loop without children: the one field of its body is the repeated element.
 Element Compiler::repeatedField(const Node &node, const Scope &scope) {
   const Scope here = inside(scope, node);
-  const XmlField &field = recordOf(node.record, kXmlField, kPlainField, "FormatAttr.pInfo", here);
+  const XmlField &field = kit::recordOr(node.record, kXmlField, kPlainField, "FormatAttr.pInfo", here.path);
   if (field.nKind != static_cast<int>(FieldKind::Element) || field.nKeepEmpty != 0) {
     throw Misconfigured(here.path, here.record, "psKind=\"element\" without nKeepEmpty in a loop",
                         "another kind", "A repetition is always written, also when it is empty");
   }
   Element holder;
-  addField(holder, Body(*node.body), 0, scope);
+  addField(holder, kit::Rules(*node.body), 0, scope);
   Element repeated = std::move(holder.children[0]);
   repeated.mandatory = false;  // said of the value of each repetition
   return repeated;
@@ -356,7 +325,7 @@ Element Compiler::repeatedField(const Node &node, const Scope &scope) {
 
 Element Compiler::repeatedGroup(const Node &node, const Scope &scope) {
   Scope here = inside(scope, node);
-  const XmlGroup &group = recordOf(node.record, kXmlGroup, kPlainGroup, "FormatAttr.pInfo", here);
+  const XmlGroup &group = kit::recordOr(node.record, kXmlGroup, kPlainGroup, "FormatAttr.pInfo", here.path);
   if (group.nMandatory != 0 || group.nKeepEmpty != 0) {
     throw Misconfigured(here.path, here.record, "psName and psNamespace alone in the XmlGroup of a loop",
                         "nMandatory or nKeepEmpty", "Write nMin=\"1\" into its XmlLoop");
@@ -365,8 +334,8 @@ Element Compiler::repeatedGroup(const Node &node, const Scope &scope) {
   Element repeated = element(node.name, name, here, group.psNamespace);
   if (group.psNamespace != nullptr) here.defaultSpace = group.psNamespace;
   ++here.depth;
-  repeated.counts = countsOf(*node.body);
-  children(repeated, Body(*node.body), 0, node.body->nodes.size(), here);
+  repeated.counts = kit::countsOf(*node.body);
+  children(repeated, kit::Rules(*node.body), 0, node.body->nodes.size(), here);
   return repeated;
 }
 
@@ -414,38 +383,10 @@ Element Compiler::element(const char *node, const std::string &name, const Scope
   return made;
 }
 
-Text Compiler::textOf(const Node &node, const XmlField &field, const Body &body, size_t at,
-                      const Scope &scope) {
-  if (field.psDefault != nullptr && field.psConst != nullptr) {
-    throw Misconfigured(scope.path, scope.record, "psDefault or psConst", "both",
-                        "A constant needs no default");
-  }
-  Text made{};
-  made.slot = node.slot;
-  made.node = node.name;
-  made.mandatory = field.nMandatory != 0;
-  made.keepEmpty = field.nKeepEmpty != 0;
-  made.maxLength = static_cast<size_t>(field.nMaxLen);
-  made.space = static_cast<Space>(field.nSpace < 0 ? m_document.nSpace : field.nSpace);
-  made.fallback = field.psDefault;
-  made.constant = field.psConst;
-  made.countedLoop = body.counted[at];
-  const bool supplied = made.constant != nullptr || made.fallback != nullptr;
-  if (made.countedLoop == Body::kTwo || (made.countedLoop != Body::kNone && supplied)) {
-    throw Misconfigured(scope.path, scope.record, "a count field of one loop, without psDefault or psConst",
-                        supplied ? "one with such an attribute" : "one of two loops");
-  }
-  return made;
-}
-
-std::vector<Count> Compiler::countsOf(const Level &level) {
-  std::vector<Count> counts;
-  for (const Node &node : level.nodes) {
-    if (node.kind != NodeKind::Loop || node.countNode < 0) continue;
-    const Node &field = level.nodes[static_cast<size_t>(node.countNode)];
-    counts.push_back({field.slot, node.slot, field.name, node.name});
-  }
-  return counts;
+Text Compiler::textOf(const XmlField &field, const kit::Rules &rules, size_t at, const Scope &scope) const {
+  const kit::RuleText text{field.nMandatory, field.nKeepEmpty, field.nMaxLen, field.psDefault, field.psConst};
+  const int space = field.nSpace < 0 ? m_document.nSpace : field.nSpace;
+  return {rules.make(at, text, scope.path, scope.record), static_cast<Space>(space)};
 }
 
 std::string Compiler::expand(const std::string &name, const std::string &defaultSpace,

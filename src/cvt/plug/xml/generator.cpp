@@ -1,9 +1,6 @@
 #include "generator.h"
 
-#include <charconv>
-
 #include "escape.h"
-#include "kit/log.h"
 
 namespace cvt::xml {
 
@@ -34,8 +31,6 @@ class Generator {
   void empty(const Element &element);
   void newLine();
 
-  std::string_view value(const Text &text, const List &list);
-  std::string_view constant(const Text &text, std::string_view value) const;
   bool hasValue(const Element &element, const List &list) const;
 
   const Plan &m_plan;
@@ -43,7 +38,7 @@ class Generator {
   kit::Path &m_path;
   bool m_pretty;  // children stand on lines of their own
   size_t m_depth = 0;
-  char m_digits[16] = {};  // a count being written
+  kit::Digits m_digits;  // a count being written
 };
 
 void Generator::newLine() {
@@ -51,38 +46,13 @@ void Generator::newLine() {
   m_out.fill(' ', m_depth * m_plan.indent);
 }
 
-// The text to be written. Throws when it must not be empty but is.
-std::string_view Generator::value(const Text &text, const List &list) {
-  std::string_view found;
-  if (text.countedLoop >= 0) {
-    const int times = list.repetitions(text.countedLoop);
-    const auto end = std::to_chars(m_digits, m_digits + sizeof m_digits, times).ptr;
-    found = {m_digits, static_cast<size_t>(end - m_digits)};
-  } else {
-    found = list.get(text.slot);
-    if (text.constant != nullptr) found = constant(text, found);
-    if (found.empty() && text.fallback != nullptr) found = text.fallback;
-  }
-  checkValue(text, found);
-  return found;
-}
-
-std::string_view Generator::constant(const Text &text, std::string_view value) const {
-  if (value.empty() || value == text.constant) return text.constant;
-  throw Fault(Fault::kHere, kit::quoted(text.constant), kit::quoted(value.data(), value.size()),
-              "Leave the value empty or equal to psConst");
-}
-
 // Whether anything inside an element has a value. Constants and defaults that were not asked for do not make
 // an optional group appear.
 bool Generator::hasValue(const Element &element, const List &list) const {
-  const auto given = [&](const Text &text) {
-    return !list.empty(text.slot) || (text.countedLoop >= 0 && list.repetitions(text.countedLoop) > 0);
-  };
   if (element.loop()) return list.repetitions(element.loopSlot) > 0;
-  if (element.text.has_value() && given(*element.text)) return true;
+  if (element.text.has_value() && kit::given(*element.text, list)) return true;
   for (const Attribute &attribute : element.attributes) {
-    if (given(attribute.text)) return true;
+    if (kit::given(attribute.text, list)) return true;
   }
   for (const Element &child : element.children) {
     if (hasValue(child, list)) return true;
@@ -104,7 +74,7 @@ void Generator::child(const Element &child, const List &list) {
 
 void Generator::field(const Element &child, const List &list) {
   m_path.field(child.node);
-  const std::string_view text = value(*child.text, list);
+  const std::string_view text = textToWrite(*child.text, list, m_digits);
   if (!text.empty() || child.keepEmpty) leaf(child, text);
   m_path.field(nullptr);
 }
@@ -123,7 +93,7 @@ void Generator::repetitions(const Element &child, const List &list) {
     m_path.repetition(i);
     const List body = list.repetition(child.loopSlot, i, child.bodySlots);
     if (child.field) {
-      leaf(child, value(*child.text, body));
+      leaf(child, textToWrite(*child.text, body, m_digits));
     } else {
       element(child, body);
     }
@@ -162,7 +132,7 @@ void Generator::element(const Element &element, const List &list) {
   if (element.text.has_value()) {
     m_pretty = false;  // line breaks would become part of the text
     m_path.field(element.text->node);
-    putEscaped(m_out, *m_plan.charset, value(*element.text, list), Place::Content);
+    putEscaped(m_out, *m_plan.charset, textToWrite(*element.text, list, m_digits), Place::Content);
     m_path.field(nullptr);
   }
   children(element, list);
@@ -185,7 +155,7 @@ void Generator::children(const Element &element, const List &list) {
 void Generator::attributes(const Element &element, const List &list) {
   for (const Attribute &attribute : element.attributes) {
     m_path.field(attribute.text.node);
-    const std::string_view text = value(attribute.text, list);
+    const std::string_view text = textToWrite(attribute.text, list, m_digits);
     if (!text.empty() || attribute.text.keepEmpty) {
       m_out.put(attribute.open);
       putEscaped(m_out, *m_plan.charset, text, Place::AttributeValue);

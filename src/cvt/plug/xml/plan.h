@@ -20,44 +20,15 @@
 
 #include "cvt_message.h"
 #include "kit/charset.h"
+#include "kit/name_table.h"
+#include "kit/rule.h"
 #include "records.h"
 
 namespace cvt::xml {
 
-// Names of one level to their positions. Built once; looked up without allocation.
-class NameTable {
- public:
-  // False when the name is there already.
-  bool add(std::string_view name, int position);
-
-  // The position, or -1.
-  int find(std::string_view name) const;
-
- private:
-  struct Entry {
-    std::string name;
-    int position = -1;
-  };
-
-  static size_t hash(std::string_view name);
-  size_t slotOf(std::string_view name) const;  // where it is, or the free entry where it belongs
-  void grow();
-
-  std::vector<Entry> m_entries;  // a power of two; open addressing
-  size_t m_used = 0;
-};
-
 // A text of the document and the value it belongs to.
-struct Text {
-  int slot;
-  const char *node;  // the field's name
-  bool mandatory;
-  bool keepEmpty;
-  size_t maxLength;  // in characters; 0: no limit
-  Space space;
-  const char *fallback;  // psDefault, or null
-  const char *constant;  // psConst, or null
-  int countedLoop;       // slot of the loop whose repetitions it counts; -1: an ordinary value
+struct Text : kit::Rule {
+  Space space = Space::Preserve;
 };
 
 struct Attribute {
@@ -65,14 +36,6 @@ struct Attribute {
   std::string name;      // as the definition writes it
   std::string expanded;  // as the parser tells it
   std::string open;      // ` name="`, in the output encoding
-};
-
-// A count field that a parsed value list must agree with.
-struct Count {
-  int slot;
-  int loop;
-  const char *node;
-  const char *loopNode;
 };
 
 struct Element {
@@ -87,17 +50,17 @@ struct Element {
 
   std::optional<Text> text;
   std::vector<Attribute> attributes;
-  NameTable attributeNames;
+  kit::NameTable attributeNames;
   std::vector<Element> children;
-  NameTable childNames;
+  kit::NameTable childNames;
   std::vector<size_t> requiredAttributes;  // positions of the mandatory ones
   std::vector<size_t> requiredChildren;    // of the mandatory ones and of loops with a least number
 
   int loopSlot = -1;  // in the value list around it; -1: the element occurs once and shares that list
   int bodySlots = 0;  // loops: slots of a repetition
   int minTimes = 0;
-  int maxTimes = 0;           // 0: no limit
-  std::vector<Count> counts;  // loops and the root: the count fields of their value list
+  int maxTimes = 0;                // 0: no limit
+  std::vector<kit::Count> counts;  // loops and the root: the count fields of their value list
 
   bool loop() const { return loopSlot >= 0; }
   bool wrapper() const { return node == nullptr; }
@@ -134,10 +97,6 @@ struct Plan {
 
 // Throws Misconfigured.
 std::unique_ptr<Plan> compilePlan(const Msg &msg, const XmlMsg &document);
-
-// What holds for a value in both directions: it is there when it is mandatory, and not too long. Throws
-// Fault.
-void checkValue(const Text &text, std::string_view value);
 
 // An expanded name for messages: as the definition writes it, and with words about its namespace where the
 // definition knows none of that name.

@@ -1,7 +1,5 @@
 #include "reader.h"
 
-#include <charconv>
-
 #include "kit/log.h"
 #include "names.h"
 
@@ -220,10 +218,7 @@ void Reader::text(std::string_view bytes) {
 
 void Reader::store(const Text &text, kit::List list, std::string_view bytes) {
   const std::string_view value = spaced(bytes, text.space, m_room.collapsed);
-  if (text.constant != nullptr && value != text.constant) {
-    throw Fault(Fault::kHere, quoted(text.constant), quoted(value), "The field is a constant");
-  }
-  checkValue(text, value);
+  checkRead(text, value);
   if (value.empty()) return;
   list.put(text.slot, m_call.store.copy(value.data(), value.size()), value.size());
 }
@@ -263,28 +258,7 @@ void Reader::complete(const Frame &frame) {
     if (!child.wrapper()) m_call.path.field(child.node);
     throw Fault(Fault::kHere, "<" + child.name + "> in <" + element.name + ">", "its end", "It is mandatory");
   }
-  for (const Count &each : element.counts) count(each, frame.list);
-}
-
-// A count field that is there must be right; one that is not is filled in when there is something to count.
-void Reader::count(const Count &count, kit::List list) {
-  const int times = list.repetitions(count.loop);
-  const std::string_view value = list.get(count.slot);
-  if (value.empty()) {
-    if (times == 0) return;
-    char digits[16];
-    const auto end = std::to_chars(digits, digits + sizeof digits, times).ptr;
-    const auto length = static_cast<size_t>(end - digits);
-    list.put(count.slot, m_call.store.copy(digits, length), length);
-    return;
-  }
-  int told = -1;
-  const std::string_view inner = trimmed(value);
-  const auto [end, error] = std::from_chars(inner.data(), inner.data() + inner.size(), told);
-  if (error == std::errc() && end == inner.data() + inner.size() && told == times) return;
-  m_call.path.field(count.node);
-  throw Fault(Fault::kHere, std::to_string(times) + ", the number of repetitions of " + count.loopNode,
-              quoted(value), "Correct the count");
+  for (const kit::Count &each : element.counts) checkCount(each, frame.list, m_call.store, m_call.path);
 }
 
 void Reader::leave(const Element &element) {

@@ -56,7 +56,6 @@ class Reader {
   void attribute(const Frame &frame, std::string_view name, std::string_view value);
   void store(const Text &text, kit::List list, std::string_view value);
   void complete(const Frame &frame);
-  void count(const Count &count, kit::List list);
   void leave(const Element &element);
 
   [[noreturn]] void unknown(const Frame &top, std::string_view name) const;

@@ -1,0 +1,86 @@
+// rule.h: what a definition says of a value whatever its format: whether it must be there, how long it may
+// be, what stands in for it, and which loop it counts. The same in every format, with the same attributes:
+//
+//   nMandatory   the value must be there, in both directions
+//   nKeepEmpty   an empty value is written, and allowed although the field is mandatory
+//   nMaxLen      in characters
+//   psDefault    written when the value is empty
+//   psConst      written always; nothing else may be read or converted into it
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "path.h"
+#include "shape.h"
+#include "values.h"
+
+namespace cvt::kit {
+
+struct Rule {
+  int slot;
+  const char *node;  // the field's name
+  bool mandatory;
+  bool keepEmpty;
+  size_t maxLength;      // in characters; 0: no limit
+  const char *fallback;  // psDefault, or null
+  const char *constant;  // psConst, or null
+  int countedLoop;       // slot of the loop whose repetitions it counts; -1: an ordinary value
+};
+
+// What a record says, for Rules::make.
+struct RuleText {
+  int nMandatory;
+  int nKeepEmpty;
+  int nMaxLen;
+  const char *psDefault;
+  const char *psConst;
+};
+
+// The rules of one level's fields.
+class Rules {
+ public:
+  explicit Rules(const Level &level);
+
+  // The rule of the field at that position of the level. path and record say where it is written. Throws
+  // Misconfigured for a constant with a default, and for a count field with either or of two loops.
+  Rule make(size_t position, const RuleText &text, const std::string &path, const void *record) const;
+
+  const Level &level() const { return m_level; }
+
+ private:
+  const Level &m_level;
+  std::vector<int> m_counted;  // for each node, the slot of the loop that it counts
+};
+
+// A value that was read: the constant, mandatory and not too long. Throws Fault.
+void checkRead(const Rule &rule, std::string_view value);
+
+// The digits of a count while it is written.
+struct Digits {
+  char bytes[16];
+};
+
+// The text to be written for a field: its count, constant, value or default. Throws Fault when it must not
+// be empty but is, is too long, or contradicts the constant.
+std::string_view textToWrite(const Rule &rule, const List &list, Digits &digits);
+
+// Whether the message gives the field a value. A constant or a default is none.
+bool given(const Rule &rule, const List &list);
+
+// A count field that a parsed list must agree with.
+struct Count {
+  int slot;
+  int loop;
+  const char *node;
+  const char *loopNode;
+};
+
+std::vector<Count> countsOf(const Level &level);
+
+// After all of the list was read: a count that is there must be right; one that is not is filled in when
+// there is something to count. Throws Fault with the path at the count field.
+void checkCount(const Count &count, List list, Store &store, Path &path);
+
+}  // namespace cvt::kit
