@@ -1,4 +1,4 @@
-#include "kit/function.h"
+#include "kit/catalogue.h"
 
 #include <gtest/gtest.h>
 
@@ -37,14 +37,29 @@ void reserve(Call &call) {
   call.result(f_length);
 }
 
+void readUtf8(Call &call) {
+  call.answer(call.utf8(0));
+}
+void readNumber(Call &call) {
+  call.answer(std::to_string(call.number(0, -7, 100)));
+}
+
+// clang-format off
 constexpr FunctionRow kFunctions[] = {
-    {"one", "text", 1, 1, join, "the text"},
-    {"some", "text, more, most", 2, 3, join, "the texts, joined"},
-    {"misbehave", "text, more", 2, 2, misbehave, "nothing"},
-    {"reserve", "", 0, 0, reserve, "zero bytes"},
+    {"one", {{"text", "any"}}, 1, 1, join, "the text", {{{"a|b"}, "a|b"}}},
+    {"some",
+     {{"text", "any"}, {"more", "any"}, {"most", "any"}}, 2, 3, join, "the texts, joined",
+     {{{"\n", "`"}, "\n+`"}, {{"\"", "\\", "\xFF"}, "#+#", Match::Shape}},
+     {{{"a"}, "expected X"}}},
+    {"misbehave", {{"text", "any"}, {"more", "any"}}, 2, 2, misbehave, "nothing", {{{"", ""}, ""}}},
+    {"reserve", {}, 0, 0, reserve, "zero bytes", {{{}, ""}}},
+    {"readUtf8", {{"text", "any"}}, 1, 1, readUtf8, "the text", {{{""}, ""}}},
+    {"readNumber", {{"number", "any"}}, 1, 1, readNumber, "the number", {{{"1"}, "1"}}},
+    {"all", {{"text", "any"}}, 1, 9, join, "the texts", {{{""}, ""}}},
 };
-constexpr Topic kTopic = topic<kFunctions>("Tests");
-enum { kOne, kSome, kMisbehave, kReserve };
+// clang-format on
+constexpr Topic kTopic = topic<kFunctions>("Tests", "All of them are for tests.");
+enum { kOne, kSome, kMisbehave, kReserve, kUtf8, kNumber };
 
 Value valueOf(const char *bytes, int length) {
   Value value{};
@@ -99,7 +114,7 @@ TEST(KitFunction, AWrongNumberOfArgumentsSaysWhatToWrite) {
   EXPECT_EQ(run(kOne, {}).lines, Texts{"Func[one]: expected 1 argument, found 0. Write one(text)."});
   EXPECT_EQ(run(kOne, {&a, &a}).lines, Texts{"Func[one]: expected 1 argument, found 2. Write one(text)."});
   EXPECT_EQ(run(kSome, {&a}).lines,
-            Texts{"Func[some]: expected 2 to 3 arguments, found 1. Write some(text, more, most)."});
+            Texts{"Func[some]: expected 2 to 3 arguments, found 1. Write some(text, more[, most])."});
   EXPECT_EQ(run(kSome, {&a, &a, &a, &a}).status, -1);
   EXPECT_EQ(run(kSome, {&a, &a}).status, 0);
   EXPECT_EQ(run(kReserve, {&a}).lines,
@@ -168,6 +183,48 @@ TEST(KitFunction, AResultThatNoLengthCanTellIsRefused) {
   }
 }
 
+TEST(KitFunction, AResultIsNoLongerThanTheLimit) {
+  limitResults(3);
+  f_length = 3;
+  EXPECT_EQ(run(kReserve, {}).status, 0);
+  f_length = 4;
+  EXPECT_EQ(
+      run(kReserve, {}).lines,
+      Texts{"Func[reserve]: expected a result of at most 3 bytes, found 4 bytes. Shorten the arguments."});
+}
+
+TEST(KitFunction, TextIsRefusedAtTheByteThatIsNoUtf8) {
+  Value good = valueOf("h\xc3\xa9", 3);
+  Value cut = valueOf("h\xc3", 2);
+  Value bad = valueOf("h\xa9y", 3);
+  EXPECT_EQ(run(kUtf8, {&good}).result, "h\xc3\xa9");
+  EXPECT_EQ(run(kUtf8, {&cut}).lines,
+            Texts{"Func[readUtf8] Arg[1] Len[2] Offset[1]: expected UTF-8, found the end inside a character. "
+                  "Take the text in UTF-8, as formats deliver it."});
+  EXPECT_EQ(run(kUtf8, {&bad}).lines,
+            Texts{"Func[readUtf8] Arg[1] Len[3] Offset[1]: expected UTF-8, found a byte that is none. "
+                  "Take the text in UTF-8, as formats deliver it."});
+}
+
+TEST(KitFunction, NumbersAreWholeAndInsideTheirRange) {
+  const auto of = [](const std::string &text) {
+    Value value = valueOf(text.data(), static_cast<int>(text.size()));
+    const Outcome outcome = run(kNumber, {&value});
+    return outcome.status == 0 ? outcome.result : outcome.lines.at(0).substr(24);
+  };
+  EXPECT_EQ(of("7"), "7");
+  EXPECT_EQ(of(" -007 "), "-7");
+  EXPECT_EQ(of("+100"), "100");
+  const std::string expected = "expected a whole number from -7 to 100, found ";
+  EXPECT_EQ(of("101"), "Len[3]: " + expected + "one outside.");
+  EXPECT_EQ(of("-8"), "Len[2]: " + expected + "one outside.");
+  EXPECT_EQ(of("99999999999"), "Len[11]: " + expected + "one outside.");
+  EXPECT_EQ(of(" "), "Len[1]: " + expected + "no digits.");
+  for (const std::string text : {"1x", "x", "+-1", "--1", "1 1", "1.0", "+", "0x1"}) {
+    EXPECT_EQ(of(text), "Len[" + std::to_string(text.size()) + "]: " + expected + "something else.") << text;
+  }
+}
+
 TEST(KitFunction, RegistersEveryRowUnderItsName) {
   addFunctions(kTopic);
   for (size_t i = 0; i < std::size(kFunctions); ++i) {
@@ -176,9 +233,38 @@ TEST(KitFunction, RegistersEveryRowUnderItsName) {
   }
 }
 
-TEST(KitFunction, TheManualsTableComesFromTheTable) {
-  EXPECT_EQ(
-      markdownTable(kTopic),
-      "| function | result |\n|---|---|\n| `one(text)` | the text |\n| `some(text, more, most)` | the texts, "
-      "joined |\n| `misbehave(text, more)` | nothing |\n| `reserve()` | zero bytes |\n");
+TEST(KitFunction, SignaturesTellWhatMayBeLeftOutAndRepeated) {
+  EXPECT_EQ(signature(kFunctions[kOne]), "one(text)");
+  EXPECT_EQ(signature(kFunctions[kSome]), "some(text, more[, most])");
+  EXPECT_EQ(signature(kFunctions[kReserve]), "reserve()");
+  EXPECT_EQ(signature(kFunctions[kNumber + 1]), "all(text, ...)");
+}
+
+TEST(KitFunction, TheCatalogueComesFromTheTable) {
+  const Topic *topics[] = {&kTopic};
+  const std::string text = catalogue(topics);
+  EXPECT_EQ(text.find("\n## Tests\n\nAll of them are for tests.\n\n### one(text)\n\nResult: the text.\n"),
+            0U);
+  EXPECT_NE(text.find("| example | result |\n|---|---|\n| `one(\"a\\|b\")` | `\"a\\|b\"` |\n"), text.npos);
+  const std::string some =
+      "\n### some(text, more[, most])\n\nResult: the texts, joined.\n\n| argument | meaning "
+      "|\n|---|---|\n| `text` | any |\n| `more` | any |\n| `most` | any |\n\n| example | result "
+      "|\n|---|---|\n| `` some(\"\\x0A\", \"`\") `` | `` \"\\x0A+`\" `` |\n| `some(\"\\\"\", \"\\\\\", "
+      "\"\\xFF\")` | like "
+      "`\"#+#\"` |\n\n| refused | error |\n|---|---|\n| `some(\"a\")` | `expected X` |\n";
+  EXPECT_NE(text.find(some), text.npos) << text;
+  EXPECT_NE(text.find("\n### reserve()\n\nResult: zero bytes.\n\n| example"), text.npos);
+}
+
+constexpr FunctionRow kNoExample[] = {{"one", {{"text", "any"}}, 1, 1, join, "the text", {}}};
+constexpr FunctionRow kTooFew[] = {{"one", {{"text", "any"}}, 1, 1, join, "the text", {{{}, ""}}}};
+constexpr FunctionRow kTooMany[] = {{"one", {{"text", "any"}}, 1, 1, join, "the text", {{{"", ""}, ""}}}};
+constexpr FunctionRow kNoParameter[] = {{"one", {}, 0, 1, join, "the text", {{{}, ""}}}};
+
+TEST(KitFunction, ARowThatDoesNotDocumentItsFunctionIsNone) {
+  EXPECT_TRUE(isCatalogue(kFunctions));
+  EXPECT_FALSE(isCatalogue(kNoExample));
+  EXPECT_FALSE(isCatalogue(kTooFew));
+  EXPECT_FALSE(isCatalogue(kTooMany));
+  EXPECT_FALSE(isCatalogue(kNoParameter));
 }

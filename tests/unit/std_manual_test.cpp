@@ -1,9 +1,8 @@
-// The function library's manual says what the functions do, and its statements do to a database what it says.
+// The function library's manual says what its settings are, and its statements do to a database what it says.
 #include <fstream>
 #include <iterator>
-#include <regex>
 
-#include "std/topics.h"
+#include "std/settings.h"
 #include "std_config.h"
 
 namespace {
@@ -21,78 +20,22 @@ const std::string &manual() {
   return s;
 }
 
-// What stands in a cell of the manual: bytes between `...`, words for what cannot be shown.
-std::string bytesOf(std::string sCell) {
-  const std::pair<std::string, std::string> words[] = {
-      {"empty", ""}, {"three blanks", "   "}, {", zero byte, ", std::string(1, '\0')}};
-  for (const auto &[sWord, sBytes] : words) {
-    if (const size_t n = sCell.find(sWord); n != std::string::npos) sCell.replace(n, sWord.size(), sBytes);
-  }
-  std::erase(sCell, '`');
-  return sCell;
-}
-
 ArgXml constant(const std::string &sText) {
   return {3, "<Value __ID='pInfo' psValue=\"" + sText + "\" nLen='" + std::to_string(sText.size()) + "'/>"};
 }
 
-class StdManual : public test::StdTest {
- protected:
-  // Each row `function` | argument | result of the manual that fits.
-  static std::vector<std::smatch> rows(const std::string &sResult) {
-    static std::vector<std::regex> kept;
-    kept.emplace_back("\n\\| `(sql\\w+)` \\| ([^|]*) \\| " + sResult + " \\|(?=\n)");
-    return {std::sregex_iterator(manual().begin(), manual().end(), kept.back()), {}};
-  }
-
-  int call(const std::string &sFunction, const std::string &sArgument) {
-    load({copy(func(sFunction, {src("A")}), dst("X"))});
-    from.set("A", sArgument);
-    return run();
-  }
-  void again() {
-    cvtEnd();
-    test::registerPlainFormat();
-  }
-};
-
-TEST_F(StdManual, HasTheTableOfEveryTopic) {
-  for (const cvt::kit::Topic *topic : cvt::functions::kTopics) {
-    const std::string sChapter =
-        "## " + std::string(topic->title) + "\n\n" + cvt::kit::markdownTable(*topic) + "\n";
-    EXPECT_NE(manual().find(sChapter), std::string::npos) << "should read:\n" << sChapter;
-  }
-}
-
-TEST_F(StdManual, ResultsHold) {
-  const auto examples = rows("`(['0-9 +][^`]*)`");
-  for (const std::smatch &row : examples) {
-    EXPECT_EQ(call(row[1], bytesOf(row[2])), 0) << row[0];
-    EXPECT_EQ(to.get("X"), row[3].str()) << row[0];
-    again();
-  }
-  EXPECT_EQ(examples.size(), 11U);
-}
-
-TEST_F(StdManual, ErrorsHold) {
-  const auto examples = rows("`(Arg[^`]*)`");
-  for (const std::smatch &row : examples) {
-    EXPECT_EQ(call(row[1], bytesOf(row[2])), -1) << row[0];
-    EXPECT_EQ(test::logTexts().at(0).rfind("Func[" + row[1].str() + "] " + row[3].str() + ". ", 0), 0U)
-        << row[0] << "\n"
-        << test::logTexts().at(0);
-    again();
-  }
-  EXPECT_EQ(examples.size(), 6U);
+TEST(StdManual, HasTheTableOfItsSettings) {
+  const std::string sTable = cvt::kit::markdownTable(cvt::functions::kSettings);
+  EXPECT_NE(manual().find(sTable), std::string::npos) << "should read:\n" << sTable;
 }
 
 // --- Joining a statement ---------------------------------------------------------------------------------
 
 // The rule of the manual, with the field in quotes of the configuration, or in sqlQuote.
-class Joining : public StdManual {
+class Joining : public test::StdTest {
  protected:
   void SetUp() override {
-    StdManual::SetUp();
+    StdTest::SetUp();
     ASSERT_EQ(dbsConnect(cs("sqlite::memory:")), 0);
     for (const char *ps :
          {"CREATE TABLE customer (code TEXT, discount TEXT)", "CREATE TABLE staff (password TEXT)",

@@ -15,7 +15,7 @@ using Texts = std::vector<std::string>;
 class SqlFunctions : public test::StdTest {
  protected:
   // Loads a converter that puts FUNCTION(A) into X.
-  void loadCall(const std::string &sFunction) { load({copy(func(sFunction, {src("A")}), dst("X"))}); }
+  void loadCall(const std::string &sFunction) { load({callRule(sFunction, 1)}); }
 
   // What the loaded function makes of a value; "refused" when it fails.
   std::string of(const std::string &sValue) {
@@ -35,6 +35,8 @@ std::string between(const std::string &sEnds, const std::string &sText) {
   std::string s = sEnds;
   return s.append(sText).append(sEnds);
 }
+
+constexpr const char *kAnyLength = "nMaxResult=\"2147483646\"";
 
 using SqlQuote = SqlFunctions;
 using SqlNumber = SqlFunctions;
@@ -125,6 +127,7 @@ TEST_F(SqlQuote, TheDatabaseReadsTheLiteralAsTheText) {
 }
 
 TEST_F(SqlQuote, AHugeTextComesWhole) {
+  plugAttributes(kAnyLength);
   loadCall("sqlQuote");
   std::string sHuge;
   std::string sDoubled;
@@ -148,6 +151,7 @@ TEST_F(SqlQuote, ATextWhoseLiteralHasNoLengthIsRefused) {
   for (size_t i = 0; i < kPieces; ++i) {
     ASSERT_NE(mmap(ps + i * kPiece, kPiece, PROT_READ, MAP_SHARED | MAP_FIXED, fd, 0), MAP_FAILED);
   }
+  plugAttributes(kAnyLength);
   loadCall("sqlQuote");
   from.slot("A")->psValue = ps;
   from.slot("A")->nLen = static_cast<int>(kPiece * kPieces);
@@ -163,6 +167,7 @@ TEST_F(SqlQuote, ATextWhoseLiteralHasNoLengthIsRefused) {
 // --- sqlNumber -------------------------------------------------------------------------------------------
 
 TEST_F(SqlNumber, GivesANumberAsItIs) {
+  plugAttributes(kAnyLength);
   loadCall("sqlNumber");
   for (const std::string sNumber :
        {"0", "7", "42", "0000001050", "000", "0.0", "12.50", "007.500", "1e5", "1E5", "1.5e-3", "1e+05",
@@ -264,8 +269,7 @@ TEST_F(SqlFunctions, TakeOneArgument) {
       EXPECT_EQ(run(), -1);
       EXPECT_EQ(firstLine(), "Func[" + sName + "]: expected 1 argument, found " +
                                  std::to_string(list.size()) + ". Write " + sFunction + ".");
-      cvtEnd();
-      test::registerPlainFormat();
+      again();
     }
   }
 }
@@ -281,8 +285,7 @@ TEST_F(SqlFunctions, ArgumentsThatCannotBeResolvedAreRefused) {
                   "] Arg[1]: expected a value, found none. The lines before say why it was "
                   "not to be had.");
     EXPECT_EQ(test::logTexts()[2], "Do Func[" + sName + "] err!!");
-    cvtEnd();
-    test::registerPlainFormat();
+    again();
   }
 }
 
@@ -317,8 +320,7 @@ TEST_F(SqlFunctions, ErrorsNeverShowTheValue) {
       EXPECT_EQ(sLine.find("4111"), std::string::npos) << sLine;
       EXPECT_EQ(sLine.find("secret"), std::string::npos) << sLine;
     }
-    cvtEnd();
-    test::registerPlainFormat();
+    again();
   }
 }
 
@@ -326,8 +328,7 @@ TEST_F(SqlFunctions, AreThereAgainAfterARestart) {
   for (int i = 0; i < 3; ++i) {
     loadCall("sqlQuote");
     EXPECT_EQ(of("a"), "'a'");
-    cvtEnd();
-    test::registerPlainFormat();
+    again();
   }
 }
 

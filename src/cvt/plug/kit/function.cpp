@@ -1,13 +1,19 @@
 #include "function.h"
 
+#include <charconv>
 #include <climits>
 #include <cstring>
 
 #include "barrier.h"
+#include "utf8.h"
 
 namespace cvt::kit {
 
 namespace {
+
+constexpr int kMaxLength = INT_MAX - 1;  // of a result with its zero byte
+
+int f_longest = kMaxLength;
 
 std::string arguments(int n) {
   return std::to_string(n) + (n == 1 ? " argument" : " arguments");
@@ -19,7 +25,7 @@ void checkCount(const FunctionRow &function, int count) {
   throw Fault(
       Fault::kHere,
       (exact ? "" : std::to_string(function.minArguments) + " to ") + arguments(function.maxArguments),
-      std::to_string(count), "Write " + std::string(function.name) + "(" + function.parameters + ")");
+      std::to_string(count), "Write " + signature(function));
 }
 
 void report(const FunctionRow &function, const Call &call, const Fault &fault) {
@@ -46,9 +52,41 @@ std::string_view Call::text(int argument) {
   return {value->psValue, static_cast<size_t>(value->nLen)};
 }
 
+std::string_view Call::utf8(int argument) {
+  const std::string_view bytes = text(argument);
+  for (size_t at = 0; at < bytes.size();) {
+    const Utf8Char c = utf8Char(bytes.data() + at, bytes.size() - at);
+    if (c.length <= 0) {
+      refuse(argument, at, "UTF-8", c.length == 0 ? "a byte that is none" : "the end inside a character",
+             "Take the text in UTF-8, as formats deliver it");
+    }
+    at += static_cast<size_t>(c.length);
+  }
+  return bytes;
+}
+
+int Call::number(int argument, int min, int max) {
+  const std::string expected = "a whole number from " + std::to_string(min) + " to " + std::to_string(max);
+  std::string_view digits = text(argument);
+  while (digits.starts_with(' ')) digits.remove_prefix(1);
+  while (digits.ends_with(' ')) digits.remove_suffix(1);
+  if (digits.empty()) refuse(argument, Fault::kHere, expected, "no digits");
+  if (digits.starts_with('+') && !digits.starts_with("+-")) digits.remove_prefix(1);
+  int number = 0;
+  const char *end = digits.data() + digits.size();
+  const auto [stop, error] = std::from_chars(digits.data(), end, number);
+  if (stop != end || error == std::errc::invalid_argument) {
+    refuse(argument, Fault::kHere, expected, "something else");
+  }
+  if (error != std::errc() || number < min || number > max) {
+    refuse(argument, Fault::kHere, expected, "one outside");
+  }
+  return number;
+}
+
 char *Call::result(size_t length) {
-  if (length >= INT_MAX) {
-    throw Fault(Fault::kHere, "a result of at most " + std::to_string(INT_MAX - 1) + " bytes",
+  if (length > static_cast<size_t>(f_longest)) {
+    throw Fault(Fault::kHere, "a result of at most " + std::to_string(f_longest) + " bytes",
                 std::to_string(length) + " bytes", "Shorten the arguments");
   }
   auto *bytes = static_cast<char *>(cvtMalloc(static_cast<int>(length) + 1, m_memory));
@@ -63,9 +101,9 @@ void Call::answer(std::string_view text) {
   if (!text.empty()) std::memcpy(bytes, text.data(), text.size());
 }
 
-void Call::refuse(int argument, size_t offset, const char *expected, const char *found, const char *advice) {
+void Call::refuse(int argument, size_t offset, std::string expected, std::string found, std::string advice) {
   m_refused = argument;
-  throw Fault(offset, expected, found, advice);
+  throw Fault(offset, std::move(expected), std::move(found), std::move(advice));
 }
 
 std::string Call::place() const {
@@ -74,6 +112,10 @@ std::string Call::place() const {
   const Value *value = m_arguments[static_cast<size_t>(m_refused)];
   if (value != nullptr && value->nLen >= 0) place += " Len[" + std::to_string(value->nLen) + "]";
   return place;
+}
+
+void limitResults(int bytes) {
+  f_longest = bytes < kMaxLength ? bytes : kMaxLength;
 }
 
 int runFunction(const FunctionRow &function, Value *result, int count, Value **arguments, MemPort memory) {
@@ -101,13 +143,17 @@ void addFunctions(const Topic &topic) {
   }
 }
 
-std::string markdownTable(const Topic &topic) {
-  std::string table = "| function | result |\n|---|---|\n";
-  for (const FunctionRow &function : topic.functions) {
-    table +=
-        "| `" + std::string(function.name) + "(" + function.parameters + ")` | " + function.help + " |\n";
+std::string signature(const FunctionRow &function) {
+  std::string text;
+  const size_t count = function.parameters.size();
+  size_t optional = 0;
+  for (size_t i = 0; i < count; ++i) {
+    const bool more = i >= static_cast<size_t>(function.minArguments);
+    if (more) ++optional;
+    text += std::string(more ? "[" : "") + (i == 0 ? "" : ", ") + function.parameters[i].name;
   }
-  return table;
+  if (static_cast<size_t>(function.maxArguments) > count) text += ", ...";
+  return std::string(function.name) + "(" + text + std::string(optional, ']') + ")";
 }
 
 }  // namespace cvt::kit

@@ -6,6 +6,8 @@
 
 namespace cvt::functions {
 
+using namespace std::literals;
+
 namespace {
 
 constexpr size_t kWhole = kit::Fault::kHere;
@@ -89,13 +91,49 @@ void sqlNumber(kit::Call &call) {
   std::memcpy(out + room, text.data(), text.size());
 }
 
+// clang-format off
+#define NUMBERS "Numbers look like 7, -0.50 and 1.5e-3; sqlQuote takes any text."
+
 constexpr kit::FunctionRow kFunctions[] = {
-    {"sqlQuote", "text", 1, 1, sqlQuote, "the text as a literal: in single quotes, each one inside doubled"},
-    {"sqlNumber", "number", 1, 1, sqlNumber, "the number as it is, with a blank in front of a sign"},
+    {"sqlQuote",
+     {{"text", "any bytes but zero"}}, 1, 1, sqlQuote,
+     "the text as a literal: in single quotes, each one inside doubled",
+     {{{"Smith"}, "'Smith'"},
+      {{"O'Brien"}, "'O''Brien'"},
+      {{"''"}, "''''''"},
+      {{"C:\\temp"}, "'C:\\temp'"},
+      {{""}, "''"}},
+     {{{"ab\0cd"sv}, "Arg[1] Len[5] Offset[2]: expected no zero byte, found one. A statement ends at a zero byte: "
+                     "take it off, or write the value in hexadecimal digits."}}},
+
+    {"sqlNumber",
+     {{"number", "an optional sign, digits, an optional point with digits, an optional exponent; blanks around"}},
+     1, 1, sqlNumber,
+     "the number as it is, with a blank in front of a sign",
+     {{{"42"}, "42"},
+      {{"0000001050"}, "0000001050"},
+      {{"-0.50"}, " -0.50"},
+      {{"+7"}, " +7"},
+      {{"1.5e-3"}, "1.5e-3"},
+      {{"   12.00"}, "   12.00"}},
+     {{{""}, "Arg[1] Len[0]: expected a number, found an empty value. Fill the field, or leave the rule out for "
+             "an empty one with Case."},
+      {{"   "}, "Arg[1] Len[3]: expected a number, found nothing but blanks. Fill the field, or leave the rule "
+                "out for an empty one with Case."},
+      {{"1,5"}, "Arg[1] Len[3] Offset[1]: expected the end of the number, found another character. " NUMBERS},
+      {{".5"}, "Arg[1] Len[2] Offset[0]: expected a digit, found another character. " NUMBERS},
+      {{"12."}, "Arg[1] Len[3] Offset[3]: expected a digit, found the end. " NUMBERS}}},
 };
+
+#undef NUMBERS
+// clang-format on
 
 }  // namespace
 
-constinit const kit::Topic kSql = kit::topic<kFunctions>("SQL statements");
+constinit const kit::Topic kSql = kit::topic<kFunctions>(
+    "SQL statements",
+    "Values as pieces of a statement, which an SQL rule joins with nothing between them. What a message "
+    "brings goes through one of these; [the plug-in's manual](../src/cvt/plug/std/README.md#sql-statements) "
+    "says why.");
 
 }  // namespace cvt::functions

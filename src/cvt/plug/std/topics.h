@@ -6,8 +6,12 @@
 
 namespace cvt::functions {
 
+// clang-format off
 extern const kit::Topic kSql;  // sql.cpp
 
-inline constexpr const kit::Topic *kTopics[] = {&kSql};
+inline constexpr const kit::Topic *kTopics[] = {
+    &kSql,
+};
+// clang-format on
 
 }  // namespace cvt::functions
