@@ -343,6 +343,22 @@ TEST(XmlPlugin, AnEmptyOptionalFieldIsLeftOutUnlessItIsKept) {
   EXPECT_EQ(generate(document), "<M D=\"\"><B/><G/><I/></M>");
 }
 
+TEST(XmlPlugin, WhatWasThereButEmptyIsWrittenSoWhenTheFieldKeepsWhatWasGiven) {
+  XmlConfig config;
+  config.message("M", "nDeclaration=\"0\"",
+                 {field("A", "nKeepEmpty=\"2\" nMandatory=\"1\""), field("B", "nKeepEmpty=\"2\""),
+                  field("C", "psKind=\"attribute\" nKeepEmpty=\"2\""),
+                  group("E", "", {field("F", "nKeepEmpty=\"2\"")})});
+  ASSERT_EQ(config.start(), 0) << told();
+  EXPECT_EQ(generate(create("M")), "failed");
+  EXPECT_TRUE(told("Field[A] Offset[3]: expected a value, found none.")) << told();
+  for (const char *same : {"<M C=\"\"><A/><B/><E><F/></E></M>", "<M><A/><B/></M>", "<M><A/></M>"}) {
+    const Document document = parse("M", same);
+    ASSERT_NE(document, nullptr) << told();
+    EXPECT_EQ(generate(document), same);
+  }
+}
+
 TEST(XmlPlugin, AnElementWithoutContentMayBeWrittenAsAPairOfTags) {
   XmlConfig config;
   config.message("M", "nDeclaration=\"0\" psEmptyTag=\"pair\"", {field("A", "nKeepEmpty=\"1\"")});

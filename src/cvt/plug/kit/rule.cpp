@@ -29,12 +29,14 @@ std::string_view decimal(int number, Digits &digits) {
   return {digits.bytes, static_cast<size_t>(end - digits.bytes)};
 }
 
+[[noreturn]] void missing() {
+  throw Fault(Fault::kHere, "a value", "none",
+              "The field is mandatory; nKeepEmpty=\"1\" allows an empty one");
+}
+
 // What holds in both directions.
 void check(const Rule &rule, std::string_view value) {
-  if (value.empty() && rule.mandatory && !rule.keepEmpty) {
-    throw Fault(Fault::kHere, "a value", "none",
-                "The field is mandatory; nKeepEmpty=\"1\" allows an empty one");
-  }
+  if (value.empty() && rule.mandatory && rule.empty == Empty::Omit) missing();
   if (rule.maxLength == 0 || value.size() <= rule.maxLength) return;
   const size_t characters = Charset::countUtf8(value.data(), value.size());
   if (characters <= rule.maxLength) return;
@@ -72,7 +74,7 @@ Rule Rules::make(size_t position, const RuleText &text, const std::string &path,
   return {node.slot,
           node.name,
           text.nMandatory != 0,
-          text.nKeepEmpty != 0,
+          static_cast<Empty>(text.nKeepEmpty),
           static_cast<size_t>(text.nMaxLen),
           text.psDefault,
           text.psConst,
@@ -86,6 +88,11 @@ void checkRead(const Rule &rule, std::string_view value) {
   check(rule, value);
 }
 
+void putRead(const Rule &rule, List list, Store &store, std::string_view bytes) {
+  if (bytes.empty() && rule.empty != Empty::KeepGiven) return;
+  list.put(rule.slot, store.copy(bytes.data(), bytes.size()), bytes.size());
+}
+
 std::string_view textToWrite(const Rule &rule, const List &list, Digits &digits) {
   std::string_view text;
   if (rule.countedLoop >= 0) {
@@ -96,10 +103,17 @@ std::string_view textToWrite(const Rule &rule, const List &list, Digits &digits)
     if (text.empty() && rule.fallback != nullptr) text = rule.fallback;
   }
   check(rule, text);
+  if (rule.mandatory && !isWritten(rule, list, text)) missing();
   return text;
 }
 
+bool isWritten(const Rule &rule, const List &list, std::string_view text) {
+  if (!text.empty() || rule.empty == Empty::Keep) return true;
+  return rule.empty == Empty::KeepGiven && list.given(rule.slot);
+}
+
 bool given(const Rule &rule, const List &list) {
+  if (rule.empty == Empty::KeepGiven && list.given(rule.slot)) return true;
   return !list.empty(rule.slot) || (rule.countedLoop >= 0 && list.repetitions(rule.countedLoop) > 0);
 }
 

@@ -2,7 +2,8 @@
 // be, what stands in for it, and which loop it counts. The same in every format, with the same attributes:
 //
 //   nMandatory   the value must be there, in both directions
-//   nKeepEmpty   an empty value is written, and allowed although the field is mandatory
+//   nKeepEmpty   1: an empty value is written; 2: when it was given, so that what is there but empty stays
+//                so from one format to another. Both allow an empty value of a mandatory field
 //   nMaxLen      in characters
 //   psDefault    written when the value is empty
 //   psConst      written always; nothing else may be read or converted into it
@@ -18,11 +19,14 @@
 
 namespace cvt::kit {
 
+// What becomes of an empty value, by nKeepEmpty.
+enum class Empty { Omit, Keep, KeepGiven };
+
 struct Rule {
   int slot;
   const char *node;  // the field's name
   bool mandatory;
-  bool keepEmpty;
+  Empty empty;
   size_t maxLength;      // in characters; 0: no limit
   const char *fallback;  // psDefault, or null
   const char *constant;  // psConst, or null
@@ -57,6 +61,9 @@ class Rules {
 // A value that was read: the constant, mandatory and not too long. Throws Fault.
 void checkRead(const Rule &rule, std::string_view value);
 
+// Stores a copy of a value that was read and checked.
+void putRead(const Rule &rule, List list, Store &store, std::string_view bytes);
+
 // The digits of a count while it is written.
 struct Digits {
   char bytes[16];
@@ -66,7 +73,10 @@ struct Digits {
 // be empty but is, is too long, or contradicts the constant.
 std::string_view textToWrite(const Rule &rule, const List &list, Digits &digits);
 
-// Whether the message gives the field a value. A constant or a default is none.
+// Whether the field is written at all, with that text.
+bool isWritten(const Rule &rule, const List &list, std::string_view text);
+
+// Whether the message gives the field something to write. A constant or a default is nothing.
 bool given(const Rule &rule, const List &list);
 
 // A count field that a parsed list must agree with.

@@ -23,6 +23,9 @@ class List {
     return value->nLen == 0 || (value->nLen == -1 && repetitions(slot) == 0);
   }
 
+  // Something was stored, be it an empty value: one with a pointer and no length.
+  bool given(int slot) const { return at(slot)->psValue != nullptr; }
+
   // The value; a null pointer with length 0 is the empty one. Throws Fault when the slot holds a loop.
   std::string_view get(int slot) const {
     const Value *value = at(slot);

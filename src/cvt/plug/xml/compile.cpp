@@ -254,7 +254,6 @@ void Compiler::addField(Element &parent, const kit::Rules &rules, size_t at, con
   leaf.field = true;
   leaf.text = value;
   leaf.mandatory = value.mandatory;
-  leaf.keepEmpty = value.keepEmpty;
   addChild(parent, std::move(leaf), here);
 }
 

@@ -75,7 +75,7 @@ void Generator::child(const Element &child, const List &list) {
 void Generator::field(const Element &child, const List &list) {
   m_path.field(child.node);
   const std::string_view text = textToWrite(*child.text, list, m_digits);
-  if (!text.empty() || child.keepEmpty) leaf(child, text);
+  if (isWritten(*child.text, list, text)) leaf(child, text);
   m_path.field(nullptr);
 }
 
@@ -156,7 +156,7 @@ void Generator::attributes(const Element &element, const List &list) {
   for (const Attribute &attribute : element.attributes) {
     m_path.field(attribute.text.node);
     const std::string_view text = textToWrite(attribute.text, list, m_digits);
-    if (!text.empty() || attribute.text.keepEmpty) {
+    if (isWritten(attribute.text, list, text)) {
       m_out.put(attribute.open);
       putEscaped(m_out, *m_plan.charset, text, Place::AttributeValue);
       m_out.put('"');

@@ -219,8 +219,7 @@ void Reader::text(std::string_view bytes) {
 void Reader::store(const Text &text, kit::List list, std::string_view bytes) {
   const std::string_view value = spaced(bytes, text.space, m_room.collapsed);
   checkRead(text, value);
-  if (value.empty()) return;
-  list.put(text.slot, m_call.store.copy(value.data(), value.size()), value.size());
+  putRead(text, list, m_call.store, value);
 }
 
 void Reader::close() {
