@@ -101,6 +101,12 @@ void Call::answer(std::string_view text) {
   if (!text.empty()) std::memcpy(bytes, text.data(), text.size());
 }
 
+void Call::answer(size_t number) {
+  char digits[20];
+  const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+  answer(std::string_view(digits, static_cast<size_t>(end - digits)));
+}
+
 void Call::refuse(int argument, size_t offset, std::string expected, std::string found, std::string advice) {
   m_refused = argument;
   throw Fault(offset, std::move(expected), std::move(found), std::move(advice));

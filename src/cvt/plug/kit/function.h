@@ -61,6 +61,9 @@ class Call {
   // The result is a copy of these bytes.
   void answer(std::string_view text);
 
+  // The result is a number, in decimal digits.
+  void answer(size_t number);
+
   // Throws a Fault in an argument. offset: in its bytes, or Fault::kHere for all of it. found: not its bytes.
   [[noreturn]] void refuse(int argument, size_t offset, std::string expected, std::string found,
                            std::string advice = {});

@@ -7,9 +7,13 @@
 namespace cvt::functions {
 
 // clang-format off
-extern const kit::Topic kSql;  // sql.cpp
+extern const kit::Topic kText;     // text.cpp
+extern const kit::Topic kLetters;  // letters.cpp
+extern const kit::Topic kSql;      // sql.cpp
 
 inline constexpr const kit::Topic *kTopics[] = {
+    &kText,
+    &kLetters,
     &kSql,
 };
 // clang-format on
