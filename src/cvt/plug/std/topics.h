@@ -9,11 +9,15 @@ namespace cvt::functions {
 // clang-format off
 extern const kit::Topic kText;     // text.cpp
 extern const kit::Topic kLetters;  // letters.cpp
+extern const kit::Topic kNumber;   // number.cpp
+extern const kit::Topic kNumberFormat;  // number_format.cpp
 extern const kit::Topic kSql;      // sql.cpp
 
 inline constexpr const kit::Topic *kTopics[] = {
     &kText,
     &kLetters,
+    &kNumber,
+    &kNumberFormat,
     &kSql,
 };
 // clang-format on
