@@ -7,6 +7,13 @@ namespace {
 using namespace test::xmldoc;
 
 // A definition that must be refused, and a part of the line that says why.
+// <NAME n="NUMBER">text</NAME>
+XmlNode element(const std::string &node, const std::string &name, const std::string &number) {
+  return group(node, "psName=\"" + name + "\"",
+               {field(node + "Number", "psKind=\"attribute\" psName=\"n\" psConst=\"" + number + "\""),
+                field(node + "Value", "psKind=\"text\" nKeepEmpty=\"2\"")});
+}
+
 struct Mistake {
   const char *sCase;
   std::string sAttributes;
@@ -67,6 +74,16 @@ INSTANTIATE_TEST_SUITE_P(
                 "psNamespace=\"u\" psPrefixes=\"p=u\"",
                 {field("A"), field("B", "psName=\"p:A\"")},
                 "expected elements of different names, found a second <p:A> in <M>."},
+        Mistake{
+            "TwoElementsOfOneNameAndConstant",
+            "",
+            {element("A", "E", "1"), element("B", "E", "1")},
+            "found a second <E> in <M>. Give it another psName, make one loop of both, or tell them apart by "
+            "an attribute with another psConst in each."},
+        Mistake{"TwoElementsOfOneNameOneWithoutConstant",
+                "",
+                {element("A", "E", "1"), element("B", "E", "2"), field("C", "psName=\"E\"")},
+                "Node[C] File["},
         Mistake{"TwoAttributesOfOneName",
                 "",
                 {field("A", "psKind=\"attribute\""), field("B", "psKind=\"attribute\" psName=\"A\"")},

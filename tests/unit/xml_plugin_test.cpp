@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <regex>
+
 #include "xml_config.h"
 
 namespace {
@@ -357,6 +359,69 @@ TEST(XmlPlugin, WhatWasThereButEmptyIsWrittenSoWhenTheFieldKeepsWhatWasGiven) {
     ASSERT_NE(document, nullptr) << told();
     EXPECT_EQ(generate(document), same);
   }
+}
+
+// <E n="NUMBER">text</E>
+XmlNode numbered(const std::string &number, const std::string &suffix = "") {
+  const std::string node = number + suffix;
+  return group("E" + node, "psName=\"E\"",
+               {field("Number" + node, "psKind=\"attribute\" psName=\"n\" psConst=\"" + number + "\""),
+                field("Value" + node, "psKind=\"text\" nKeepEmpty=\"2\"")});
+}
+
+class XmlAlternatives : public testing::Test {
+ protected:
+  void start(const std::string &document) {
+    config.message("M", "nDeclaration=\"0\" " + document,
+                   {numbered("2"), numbered("3"), group("G", "", {numbered("2", "InG")}),
+                    loop("L", "psName=\"E\"", "",
+                         {field("Kind", "psKind=\"attribute\" psName=\"n\" psConst=\"7\""),
+                          field("Text", "psKind=\"text\"")}),
+                    numbered("32")});
+    ASSERT_EQ(config.start(), 0) << told();
+  }
+
+  XmlConfig config;
+};
+
+TEST_F(XmlAlternatives, ElementsOfOneNameAreToldApartByAConstantAttribute) {
+  start("");
+  const std::string all =
+      "<M><E n=\"2\">a</E><E n=\"3\">b</E><G><E n=\"2\">c</E></G><E n=\"7\">d</E><E n=\"7\">e</E>"
+      "<E n=\"32\"></E></M>";
+  const Document document = parse("M", all);
+  ASSERT_NE(document, nullptr) << told();
+  EXPECT_EQ(get(document, "Value2"), "a");
+  EXPECT_EQ(get(document, "Value3"), "b");
+  EXPECT_EQ(get(document, "Value2InG"), "c");
+  EXPECT_EQ(generate(document), std::regex_replace(all, std::regex("></E></M>"), "/></M>"));
+}
+
+TEST_F(XmlAlternatives, MayComeInAnyOrderAndBeLeftOut) {
+  start("");
+  const Document document = parse("M", "<M><E n=\"32\">x</E><E n=\"7\">d</E><E n=\"2\">a</E></M>");
+  ASSERT_NE(document, nullptr) << told();
+  EXPECT_EQ(generate(document), "<M><E n=\"2\">a</E><E n=\"7\">d</E><E n=\"32\">x</E></M>");
+}
+
+TEST_F(XmlAlternatives, AnotherValueIsRefusedWithThoseThatThereAre) {
+  start("");
+  EXPECT_EQ(parse("M", "<M><E n=\"2\">a</E><E n=\"4\">b</E></M>"), nullptr);
+  EXPECT_TRUE(
+      told("expected E n=\"2\", E n=\"3\", G, E n=\"7\", E n=\"32\" in <M>, found element E n=\"4\". "
+           "psUnknown=\"skip\" in XmlMsg passes over it."))
+      << told();
+  EXPECT_EQ(parse("M", "<M><E>a</E></M>"), nullptr);
+  EXPECT_TRUE(told("found element E without n.")) << told();
+  EXPECT_EQ(parse("M", "<M><E n=\"2\">a</E><E n=\"2\">b</E></M>"), nullptr);
+  EXPECT_TRUE(told("expected <E n=\"2\"> once, found a second one.")) << told();
+}
+
+TEST_F(XmlAlternatives, AnotherValueIsPassedOverWhereUnknownElementsAre) {
+  start("psUnknown=\"skip\"");
+  const Document document = parse("M", "<M><E n=\"4\"><x/></E><E>z</E><E n=\"3\">b</E></M>");
+  ASSERT_NE(document, nullptr) << told();
+  EXPECT_EQ(generate(document), "<M><E n=\"3\">b</E></M>");
 }
 
 TEST(XmlPlugin, AnElementWithoutContentMayBeWrittenAsAPairOfTags) {

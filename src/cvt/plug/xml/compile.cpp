@@ -90,6 +90,7 @@ class Compiler {
   void addLoop(Element &parent, const kit::Rules &rules, size_t at, const Scope &scope);
   void addAttribute(Element &parent, Text text, const std::string &name, const Scope &scope);
   void addChild(Element &parent, Element child, const Scope &scope);
+  void addAlternative(Element &parent, Element &child, const Scope &scope);
   Element repeatedField(const Node &node, const Scope &scope);
   Element repeatedGroup(const Node &node, const Scope &scope);
   Element wrapped(Element repeated, const XmlLoop &loop, const Scope &scope);
@@ -350,11 +351,56 @@ Element Compiler::wrapped(Element repeated, const XmlLoop &loop, const Scope &sc
   return wrapper;
 }
 
+// The attribute that a group or repetition must have with one value and no other, or null.
+const Attribute *constantAttribute(const Element &element, const std::string &expanded) {
+  for (const Attribute &attribute : element.attributes) {
+    if (attribute.text.constant != nullptr && attribute.expanded == expanded) return &attribute;
+  }
+  return nullptr;
+}
+
+// The attribute by which two elements of one name can be told apart, or null.
+const Attribute *difference(const Element &one, const Element &other) {
+  for (const Attribute &attribute : one.attributes) {
+    if (attribute.text.constant != nullptr && constantAttribute(other, attribute.expanded) != nullptr) {
+      return &attribute;
+    }
+  }
+  return nullptr;
+}
+
+bool addTo(Alternatives &all, Element &element, int position) {
+  const Attribute *attribute = constantAttribute(element, all.attribute);
+  if (attribute == nullptr || !all.positions.add(attribute->text.constant, position)) return false;
+  element.shown = element.name + " " + all.shown + "=\"" + attribute->text.constant + "\"";
+  return true;
+}
+
+// A further child of a name that is there already.
+void Compiler::addAlternative(Element &parent, Element &child, const Scope &scope) {
+  const int first = parent.childNames.find(child.expanded);
+  Element &known = parent.children[static_cast<size_t>(first)];
+  const Attribute *told = known.alternative < 0 ? difference(known, child) : nullptr;
+  if (told != nullptr) {
+    known.alternative = static_cast<int>(parent.alternatives.size());
+    parent.alternatives.push_back({told->expanded, told->name, {}});
+    addTo(parent.alternatives.back(), known, first);
+  }
+  child.alternative = known.alternative;
+  if (child.alternative >= 0 && addTo(parent.alternatives[static_cast<size_t>(child.alternative)], child,
+                                      static_cast<int>(parent.children.size()))) {
+    return;
+  }
+  throw Misconfigured(
+      scope.path, scope.record, "elements of different names",
+      "a second <" + child.name + "> in <" + parent.name + ">",
+      "Give it another psName, make one loop of both, or tell them apart by an attribute with "
+      "another psConst in each");
+}
+
 void Compiler::addChild(Element &parent, Element child, const Scope &scope) {
   if (!parent.childNames.add(child.expanded, static_cast<int>(parent.children.size()))) {
-    throw Misconfigured(scope.path, scope.record, "elements of different names",
-                        "a second <" + child.name + "> in <" + parent.name + ">",
-                        "Give it another psName, or make one loop of both");
+    addAlternative(parent, child, scope);
   }
   if (child.mandatory || child.minTimes > 0) parent.requiredChildren.push_back(parent.children.size());
   parent.children.push_back(std::move(child));
@@ -371,6 +417,7 @@ Element Compiler::element(const char *node, const std::string &name, const Scope
   Element made;
   made.node = node;
   made.name = name;
+  made.shown = name;
   made.expanded = expand(name, own, scope);
   std::string open = "<" + name;
   if (own != scope.defaultSpace) {

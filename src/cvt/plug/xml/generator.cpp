@@ -85,7 +85,7 @@ void Generator::repetitions(const Element &child, const List &list) {
   if (times < child.minTimes || (child.maxTimes > 0 && times > child.maxTimes)) {
     const bool few = times < child.minTimes;
     throw Fault(Fault::kHere,
-                "<" + child.name + "> at " + (few ? "least " : "most ") +
+                "<" + child.shown + "> at " + (few ? "least " : "most ") +
                     std::to_string(few ? child.minTimes : child.maxTimes) + " times",
                 std::to_string(times), "See nMin and nMax of its XmlLoop");
   }

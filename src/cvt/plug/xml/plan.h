@@ -38,9 +38,17 @@ struct Attribute {
   std::string open;      // ` name="`, in the output encoding
 };
 
+// Children of one name, told apart by the value that an attribute must have.
+struct Alternatives {
+  std::string attribute;  // its expanded name
+  std::string shown;      // as the definition writes it
+  kit::NameTable positions;
+};
+
 struct Element {
   const char *node = nullptr;  // null for a wrapper, which no node stands for
   std::string name;
+  std::string shown;  // for messages: the name, and what tells it apart from others of that name
   std::string expanded;
   std::string open;    // `<name`, with the namespaces that are declared on it
   std::string close;   // `</name>`
@@ -52,12 +60,14 @@ struct Element {
   std::vector<Attribute> attributes;
   kit::NameTable attributeNames;
   std::vector<Element> children;
-  kit::NameTable childNames;
+  kit::NameTable childNames;  // of several children of one name, the first
+  std::vector<Alternatives> alternatives;
   std::vector<size_t> requiredAttributes;  // positions of the mandatory ones
   std::vector<size_t> requiredChildren;    // of the mandatory ones and of loops with a least number
 
-  int loopSlot = -1;  // in the value list around it; -1: the element occurs once and shares that list
-  int bodySlots = 0;  // loops: slots of a repetition
+  int alternative = -1;  // position in the alternatives of the element around; -1: the only one of its name
+  int loopSlot = -1;     // in the value list around it; -1: the element occurs once and shares that list
+  int bodySlots = 0;     // loops: slots of a repetition
   int minTimes = 0;
   int maxTimes = 0;                // 0: no limit
   std::vector<kit::Count> counts;  // loops and the root: the count fields of their value list

@@ -34,8 +34,17 @@ std::string_view spaced(std::string_view text, Space space, std::string &room) {
   return room;
 }
 
+constexpr const char *kSkipUnknown = "psUnknown=\"skip\" in XmlMsg passes over it";
+
 std::string quoted(std::string_view text) {
   return kit::quoted(text.data(), text.size());
+}
+
+const std::string &shownIn(const Element &element) {
+  return element.shown;
+}
+const std::string &shownIn(const Attribute &attribute) {
+  return attribute.name;
 }
 
 // "a, b, c" for messages; long lists are cut.
@@ -43,15 +52,29 @@ template <class Named>
 std::string list(const std::vector<Named> &all, const char *none) {
   static constexpr size_t kShown = 12;
   std::string names;
-  for (size_t i = 0; i < all.size() && i < kShown; ++i) names += (i == 0 ? "" : ", ") + all[i].name;
+  for (size_t i = 0; i < all.size() && i < kShown; ++i) names += (i == 0 ? "" : ", ") + shownIn(all[i]);
   if (all.size() > kShown) names += ", and " + std::to_string(all.size() - kShown) + " more";
   return names.empty() ? none : names;
+}
+
+// The value of an attribute; null when the element has none of that name.
+const char *valueOf(const std::string &attribute, const char *const *attributes) {
+  for (; *attributes != nullptr; attributes += 2) {
+    if (attributes[0] == attribute) return attributes[1];
+  }
+  return nullptr;
+}
+
+// The alternatives to a child, or null.
+const Alternatives *alternativesOf(const Element &parent, size_t child) {
+  const int which = parent.children[child].alternative;
+  return which < 0 ? nullptr : &parent.alternatives[static_cast<size_t>(which)];
 }
 
 // What to write in place of a name that is not in the list.
 template <class Named>
 std::string advice(const std::vector<Named> &all, std::string_view expanded) {
-  const std::string skip = "psUnknown=\"skip\" in XmlMsg passes over it";
+  const std::string skip = kSkipUnknown;
   const std::string local(localName(expanded));
   std::vector<const char *> known;
   for (const Named &named : all) {
@@ -113,17 +136,22 @@ void Reader::open(std::string_view name, const char *const *attributes, size_t d
 }
 
 // Documents mostly keep the definition's order, so the next child is tried before the table.
-int Reader::find(const Frame &top, std::string_view name) const {
+int Reader::find(const Frame &top, std::string_view name, const char *const *attributes) const {
   const Element &parent = *top.element;
   const size_t next = top.nextChild;
-  if (next < parent.children.size() && parent.children[next].expanded == name) return static_cast<int>(next);
-  return parent.childNames.find(name);
+  const bool inOrder = next < parent.children.size() && parent.children[next].expanded == name;
+  const int found = inOrder ? static_cast<int>(next) : parent.childNames.find(name);
+  if (found < 0) return found;
+  const Alternatives *all = alternativesOf(parent, static_cast<size_t>(found));
+  if (all == nullptr) return found;
+  const char *value = valueOf(all->attribute, attributes);
+  return value == nullptr ? -1 : all->positions.find(value);
 }
 
 void Reader::openChild(Frame &top, std::string_view name, const char *const *attributes) {
-  const int found = find(top, name);
+  const int found = find(top, name, attributes);
   if (found < 0) {
-    if (!m_plan.skipUnknown) unknown(top, name);
+    if (!m_plan.skipUnknown) unknown(top, name, attributes);
     m_skipped = 1;
     return;
   }
@@ -137,7 +165,7 @@ void Reader::openChild(Frame &top, std::string_view name, const char *const *att
     return;
   }
   if (seen != 0) {
-    throw Fault(Fault::kHere, "<" + child.name + "> once", "a second one", "Make the node a loop");
+    throw Fault(Fault::kHere, "<" + child.shown + "> once", "a second one", "Make the node a loop");
   }
   seen = 1;
   top.nextChild = position + 1;
@@ -154,7 +182,7 @@ kit::List Reader::repetition(const Element &child, kit::List &list) {
   m_call.path.enter(child.node);
   m_call.path.repetition(index);
   if (child.maxTimes > 0 && index >= child.maxTimes) {
-    throw Fault(Fault::kHere, "<" + child.name + "> at most " + std::to_string(child.maxTimes) + " times",
+    throw Fault(Fault::kHere, "<" + child.shown + "> at most " + std::to_string(child.maxTimes) + " times",
                 "one more", "Raise nMax of its XmlLoop");
   }
   return list.append(child.loopSlot, child.bodySlots);
@@ -167,10 +195,19 @@ void Reader::enter(const Element &element, kit::List list, const char *const *gi
   attributes(room.frames.back(), given);
 }
 
-void Reader::unknown(const Frame &top, std::string_view name) const {
+void Reader::unknown(const Frame &top, std::string_view name, const char *const *attributes) const {
   const Element &parent = *top.element;
-  throw Fault(Fault::kHere, list(parent.children, "text alone") + " in <" + parent.name + ">",
-              "element " + shownName(m_plan, name), advice(parent.children, name));
+  std::string found = "element " + shownName(m_plan, name);
+  std::string help;
+  if (const int first = parent.childNames.find(name); first >= 0) {
+    const Alternatives &all = *alternativesOf(parent, static_cast<size_t>(first));
+    const char *value = valueOf(all.attribute, attributes);
+    found += value == nullptr ? " without " + all.shown : " " + all.shown + "=" + quoted(value);
+    help = kSkipUnknown;
+  } else {
+    help = advice(parent.children, name);
+  }
+  throw Fault(Fault::kHere, list(parent.children, "text alone") + " in <" + parent.name + ">", found, help);
 }
 
 void Reader::attributes(const Frame &frame, const char *const *given) {
@@ -250,12 +287,13 @@ void Reader::complete(const Frame &frame) {
     if (child.loop()) {
       const int times = frame.list.repetitions(child.loopSlot);
       if (times >= child.minTimes) continue;
-      throw Fault(Fault::kHere, "<" + child.name + "> at least " + std::to_string(child.minTimes) + " times",
+      throw Fault(Fault::kHere, "<" + child.shown + "> at least " + std::to_string(child.minTimes) + " times",
                   std::to_string(times), "See nMin of its XmlLoop");
     }
     if (m_room.seen[frame.seenStart + required] != 0) continue;
     if (!child.wrapper()) m_call.path.field(child.node);
-    throw Fault(Fault::kHere, "<" + child.name + "> in <" + element.name + ">", "its end", "It is mandatory");
+    throw Fault(Fault::kHere, "<" + child.shown + "> in <" + element.name + ">", "its end",
+                "It is mandatory");
   }
   for (const kit::Count &each : element.counts) checkCount(each, frame.list, m_call.store, m_call.path);
 }

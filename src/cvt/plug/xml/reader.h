@@ -51,14 +51,14 @@ class Reader {
   void enter(const Element &element, kit::List list, const char *const *attributes);
   void openChild(Frame &top, std::string_view name, const char *const *attributes);
   kit::List repetition(const Element &child, kit::List &list);
-  int find(const Frame &top, std::string_view name) const;
+  int find(const Frame &top, std::string_view name, const char *const *attributes) const;
   void attributes(const Frame &frame, const char *const *attributes);
   void attribute(const Frame &frame, std::string_view name, std::string_view value);
   void store(const Text &text, kit::List list, std::string_view value);
   void complete(const Frame &frame);
   void leave(const Element &element);
 
-  [[noreturn]] void unknown(const Frame &top, std::string_view name) const;
+  [[noreturn]] void unknown(const Frame &top, std::string_view name, const char *const *attributes) const;
   void limit(const char *const *attributes, size_t declarations) const;
 
   const Plan &m_plan;
