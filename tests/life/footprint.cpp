@@ -55,7 +55,7 @@ int descriptors() {
 }  // namespace
 
 long heapBound() {
-  return LIFE_SANITIZED == 0 ? 1024 : 4 * 1024;
+  return LIFE_SANITIZED == 0 ? 2 * 1024 : 4 * 1024;
 }
 
 bool measuresHeap() {

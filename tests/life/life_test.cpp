@@ -226,7 +226,7 @@ TEST_F(LongLife, ReloadsTakeNothingThatTheyDoNotGiveBack) {
 }
 
 TEST_F(LongLife, RestartsTakeNothingThatTheyDoNotGiveBack) {
-  flat("restarts", share(100), [this](int) {
+  flat("restarts", share(400), [this](int) {
     config.generation(++m_nGeneration);
     ASSERT_EQ(config.start(), 0);
     for (int n = 0; n < 10; ++n) convert(n, m_nGeneration);
