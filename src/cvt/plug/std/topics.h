@@ -11,11 +11,13 @@ extern const kit::Topic kText;     // text.cpp
 extern const kit::Topic kLetters;  // letters.cpp
 extern const kit::Topic kNumber;   // number.cpp
 extern const kit::Topic kNumberFormat;  // number_format.cpp
+extern const kit::Topic kRegex;    // regex.cpp
 extern const kit::Topic kSql;      // sql.cpp
 
 inline constexpr const kit::Topic *kTopics[] = {
     &kText,
     &kLetters,
+    &kRegex,
     &kNumber,
     &kNumberFormat,
     &kSql,

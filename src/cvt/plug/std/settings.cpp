@@ -1,0 +1,19 @@
+#include "settings.h"
+
+#include "kit/fault.h"
+#include "kit/function.h"
+
+namespace cvt::functions {
+
+void configure(void *element) {
+  const auto *settings = static_cast<const Settings *>(
+      element == nullptr ? kit::newRecord(kSettings) : kit::readRecord(kSettings, element));
+  if (settings == nullptr) {
+    throw kit::Misconfigured("", nullptr, "settings of the plug-in", "something else",
+                             "The line before says where");
+  }
+  kit::limitResults(settings->nMaxResult);
+  configureRegex(*settings);
+}
+
+}  // namespace cvt::functions
