@@ -71,21 +71,38 @@ run_once() {
   nice "$build/bin/fuzz_$target" "${options[@]}" "${folders[@]}" >"$work/$target.log" 2>&1
 }
 
+# only_waited TARGET: whether all that was found are inputs that took long because the machine was busy. These are
+# removed; only an input that takes more than a second again does so by itself.
+only_waited() {
+  local input
+  for input in "$found/$1"-*; do
+    [[ $input == */"$1"-timeout-* ]] || return 1
+    "$build/bin/fuzz_$1" -timeout=1 "$input" >"$work/$1.again.log" 2>&1 || return 1
+    rm "$input"
+  done
+}
+
 # fuzz TARGET LENGTH DICTIONARY SEED...
 fuzz() {
-  local target=$1 executions=0 passed=0 first=-1 last=0 started code=0 before after
+  local target=$1 executions=0 passed=0 first=-1 last=0 started code=0 waited before after
   shift
   local log=$work/$target.log
   while :; do
     started=$SECONDS
     run_once "$target" "$([ "$seconds" -gt 0 ] && echo "$seconds" || echo "$most_idle_seconds")" "$@" || code=$?
+    waited=false
+    if [ "$code" -ne 0 ] && only_waited "$target"; then
+      waited=true
+      code=0
+    fi
     passed=$((passed + SECONDS - started))
     read -r before after < <(edges "$log")
     [ "$after" -le "$before" ] || last=$((executions + $(last_new "$log")))
     executions=$((executions + $(stat_of number_of_executed_units "$log")))
     [ "$first" -ge 0 ] || first=$before
     [ "$code" -eq 0 ] && [ "$seconds" -eq 0 ] || break
-    [ "$executions" -lt "$most_executions" ] && [ "$after" -gt "$before" ] || break
+    [ "$executions" -lt "$most_executions" ] || break
+    $waited || [ "$after" -gt "$before" ] || break
   done
   echo "RESULT fuzz.$target: $executions executions in $passed s, edges $first -> $after," \
     "the last new one at $last, at most $(stat_of slowest_unit_time_sec "$log") s" \

@@ -19,7 +19,7 @@ Footprint footprint();
 // ones in the caches of threads count as used: CMakeLists.txt turns these off). With a sanitizer the C library does not
 // use the exit entries of closed plug-ins again: some hundred bytes a start. The system gives memory in pages.
 long heapBound();
-constexpr long kResidentBound = 256 * 1024;
+constexpr long kResidentBound = 256L * 1024;
 
 // Whether this build's heap can be measured, and the resident memory.
 bool measuresHeap();

@@ -30,7 +30,7 @@ struct Text {
 std::string part(std::string &s, char cEnd) {
   const size_t nEnd = s.find(cEnd);
   if (nEnd == std::string::npos) throw std::runtime_error(std::string("expected '") + cEnd + "' in: " + s);
-  const std::string sPart = s.substr(0, nEnd);
+  std::string sPart = s.substr(0, nEnd);
   s.erase(0, nEnd + 1);
   return sPart;
 }

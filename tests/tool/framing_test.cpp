@@ -91,7 +91,7 @@ TEST(Framing, HowTheStreamArrivesMakesNoDifference) {
     expected.emplace_back(i * 7 % 1000, static_cast<char>('a' + i % 26));
     bytes += wrapped("len4", expected.back());
   }
-  for (const size_t step : {1, 2, 5, 4096, 1000000}) EXPECT_EQ(messages("len4", bytes, step), expected);
+  for (const size_t step : {1U, 2U, 5U, 4096U, 1000000U}) EXPECT_EQ(messages("len4", bytes, step), expected);
 }
 
 TEST(Framing, AMessageLargerThanTheReadersChunkIsOne) {

@@ -36,7 +36,7 @@ struct Release {
 };
 
 // The parser gets a document in pieces, each as large as all before it.
-constexpr size_t kFirstPiece = 64 * 1024;
+constexpr size_t kFirstPiece = size_t{64} * 1024;
 
 // Seeds the parser's hash tables, so that no input can be made to collide in them.
 unsigned long hashSalt() {
