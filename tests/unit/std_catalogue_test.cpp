@@ -54,6 +54,7 @@ class StdCatalogue : public test::StdTest, public testing::WithParamInterface<co
 
 TEST_P(StdCatalogue, HoldsInTheLoadedPlugIn) {
   plugAttributes(functions::kManualSettings);
+  tree.file("Table/Country.txt", functions::kManualTable);
   writeConverters();
   ASSERT_EQ(start(), 0);
   from = test::newMessage("In");

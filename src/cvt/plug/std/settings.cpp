@@ -14,6 +14,8 @@ void configure(void *element) {
   }
   kit::limitResults(settings->nMaxResult);
   configureRegex(*settings);
+  configureTables(*settings);
+  configureDates(*settings);
 }
 
 }  // namespace cvt::functions

@@ -17,6 +17,13 @@ struct CVT_RECORD Settings {
   int nRegexMemory;
   int nRegexKept;
   int nRegexJit;
+  char *psTablePath;
+  char *psTableSeparator;
+  int nTableBytes;
+  int nFirstYear;
+  char *psZoneInfo;
+  char *psClock;
+  int nSeed;
 };
 
 // clang-format off
@@ -32,6 +39,13 @@ inline constexpr kit::Attribute kSettingsRows[] = {
     KIT_INT(Settings, nRegexKept, 128, 1, 65536, "regular expressions that are kept compiled"),
     KIT_FLAG(Settings, nRegexJit, 0, "1: regular expressions become machine code, which is faster and needs memory that "
              "is written and executed"),
+    KIT_TEXT(Settings, psTablePath, nullptr, "the directory of the code tables"),
+    KIT_TEXT(Settings, psTableSeparator, nullptr, "what stands between key and value; without it: a tab"),
+    KIT_INT(Settings, nTableBytes, 16 << 20, 1, 1 << 30, "bytes that all code tables together may have"),
+    KIT_INT(Settings, nFirstYear, 1969, 1, 9900, "years of two digits are those of the hundred years from this one on"),
+    KIT_TEXT(Settings, psZoneInfo, "/usr/share/zoneinfo", "the directory of the time zones"),
+    KIT_TEXT(Settings, psClock, nullptr, "for tests: the time that it always is, such as `2024-02-29T12:30:45.678Z`"),
+    KIT_INT(Settings, nSeed, 0, 0, 2147483647, "for tests: where the same random numbers always begin; 0: the system's"),
 };
 // clang-format on
 inline constexpr kit::RecordType kSettings = KIT_RECORD(Settings, kSettingsRows, "the plug-in's settings");
@@ -40,6 +54,8 @@ inline constexpr kit::RecordType kSettings = KIT_RECORD(Settings, kSettingsRows,
 void configure(void *element);
 
 // What the topics make of the settings.
-void configureRegex(const Settings &settings);  // regex.cpp
+void configureRegex(const Settings &settings);   // regex.cpp
+void configureTables(const Settings &settings);  // table.cpp
+void configureDates(const Settings &settings);   // date.cpp
 
 }  // namespace cvt::functions

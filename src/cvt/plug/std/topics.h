@@ -12,14 +12,20 @@ extern const kit::Topic kLetters;  // letters.cpp
 extern const kit::Topic kNumber;   // number.cpp
 extern const kit::Topic kNumberFormat;  // number_format.cpp
 extern const kit::Topic kRegex;    // regex.cpp
+extern const kit::Topic kDate;     // date.cpp
+extern const kit::Topic kChoice;   // choice.cpp
+extern const kit::Topic kTable;    // table.cpp
 extern const kit::Topic kSql;      // sql.cpp
 
 inline constexpr const kit::Topic *kTopics[] = {
     &kText,
     &kLetters,
     &kRegex,
+    &kChoice,
+    &kTable,
     &kNumber,
     &kNumberFormat,
+    &kDate,
     &kSql,
 };
 // clang-format on
