@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstring>
 #include <stdexcept>
 #include <vector>
 
@@ -223,6 +224,17 @@ TEST(KitFunction, NumbersAreWholeAndInsideTheirRange) {
   for (const std::string text : {"1x", "x", "+-1", "--1", "1 1", "1.0", "+", "0x1"}) {
     EXPECT_EQ(of(text), "Len[" + std::to_string(text.size()) + "]: " + expected + "something else.") << text;
   }
+}
+
+TEST(KitFunction, AResultCanBecomeShorterThanItsRoom) {
+  Value result{};
+  MemPort memory = cvtMemNewNode();
+  Call call(&result, {}, memory);
+  std::memcpy(call.result(4), "abcd", 4);
+  call.shorten(2);
+  EXPECT_EQ(result.nLen, 2);
+  EXPECT_STREQ(result.psValue, "ab");
+  cvtMemDelNode(memory);
 }
 
 TEST(KitFunction, RegistersEveryRowUnderItsName) {

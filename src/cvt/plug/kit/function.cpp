@@ -96,6 +96,11 @@ char *Call::result(size_t length) {
   return bytes;
 }
 
+void Call::shorten(size_t length) {
+  m_result->psValue[length] = '\0';
+  m_result->nLen = static_cast<int>(length);
+}
+
 void Call::answer(std::string_view text) {
   char *bytes = result(text.size());
   if (!text.empty()) std::memcpy(bytes, text.data(), text.size());

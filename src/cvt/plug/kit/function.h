@@ -58,6 +58,9 @@ class Call {
   // Makes room for the result in the message's memory: length bytes, zeroed, and a zero byte behind them.
   char *result(size_t length);
 
+  // Makes the result shorter than the room that it got.
+  void shorten(size_t length);
+
   // The result is a copy of these bytes.
   void answer(std::string_view text);
 

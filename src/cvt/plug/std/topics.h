@@ -15,6 +15,7 @@ extern const kit::Topic kRegex;    // regex.cpp
 extern const kit::Topic kDate;     // date.cpp
 extern const kit::Topic kChoice;   // choice.cpp
 extern const kit::Topic kTable;    // table.cpp
+extern const kit::Topic kCoding;   // coding.cpp
 extern const kit::Topic kSql;      // sql.cpp
 
 inline constexpr const kit::Topic *kTopics[] = {
@@ -26,6 +27,7 @@ inline constexpr const kit::Topic *kTopics[] = {
     &kNumber,
     &kNumberFormat,
     &kDate,
+    &kCoding,
     &kSql,
 };
 // clang-format on
