@@ -29,6 +29,17 @@ bool hasShape(const std::string &sText, std::string_view sShape) {
 
 class StdCatalogue : public test::StdTest, public testing::WithParamInterface<const kit::Topic *> {
  protected:
+  static constexpr int kMostArguments = 6;  // of an example
+
+  void load(const std::string &sMoreAttributes = "") {
+    plugAttributes(functions::kManualSettings + sMoreAttributes);
+    tree.file("Table/Country.txt", functions::kManualTable);
+    writeConverters();
+    ASSERT_EQ(start(), 0);
+    from = test::newMessage("In");
+    to = test::newMessage("Out");
+  }
+
   void call(const kit::FunctionRow &function, const kit::Example &example) {
     for (size_t i = 0; i < example.arguments.size(); ++i) {
       from.set(std::string(1, "ABCDEF"[i]).c_str(), std::string(example.arguments[i]));
@@ -43,46 +54,79 @@ class StdCatalogue : public test::StdTest, public testing::WithParamInterface<co
   }
   void writeConverters() {
     for (const kit::FunctionRow &function : GetParam()->functions) {
-      for (size_t n = 0; n <= 6; ++n) {
+      for (size_t n = 0; n <= kMostArguments; ++n) {
         convert(converter(function, n), {callRule(function.name, n)});
       }
     }
   }
 
+  void expectExamples() {
+    for (const kit::FunctionRow &function : GetParam()->functions) {
+      for (const kit::Example &example : function.examples) {
+        const std::string sCall = kit::shownCall(function, example.arguments);
+        call(function, example);
+        EXPECT_EQ(nStatus, 0) << sCall << "\n" << firstLine();
+        if (example.match == kit::Match::Exact) {
+          EXPECT_EQ(to.get("X"), example.result) << sCall;
+        } else {
+          EXPECT_TRUE(hasShape(to.get("X"), example.result)) << sCall << "\n" << to.get("X");
+        }
+      }
+    }
+  }
+  void expectRefusals() {
+    for (const kit::FunctionRow &function : GetParam()->functions) {
+      for (const kit::Example &refusal : function.refusals) {
+        const std::string sCall = kit::shownCall(function, refusal.arguments);
+        call(function, refusal);
+        EXPECT_EQ(nStatus, -1) << sCall;
+        const std::string sBetween = refusal.result.starts_with("Arg") ? " " : ": ";
+        EXPECT_EQ(firstLine(),
+                  "Func[" + std::string(function.name) + "]" + sBetween + std::string(refusal.result))
+            << sCall;
+      }
+    }
+  }
+  // Numbers of arguments that the table does not have.
+  void expectRefusedCounts() {
+    for (const kit::FunctionRow &function : GetParam()->functions) {
+      for (int n = 0; n <= kMostArguments; ++n) {
+        if (n >= function.minArguments && n <= function.maxArguments) continue;
+        EXPECT_EQ(ConvertTest::run(converter(function, static_cast<size_t>(n)).c_str(), from, to), -1);
+        const std::string sStart = "Func[" + std::string(function.name) + "]: expected ";
+        EXPECT_EQ(firstLine().find(sStart), 0U) << firstLine();
+        const std::string sEnd = ", found " + std::to_string(n) + ". Write " + kit::signature(function) + ".";
+        EXPECT_TRUE(firstLine().ends_with(sEnd)) << firstLine();
+      }
+    }
+  }
+  static std::string firstLine() { return test::logTexts().empty() ? "no line" : test::logTexts()[0]; }
+
   int nStatus = 0;
 };
 
-TEST_P(StdCatalogue, HoldsInTheLoadedPlugIn) {
-  plugAttributes(functions::kManualSettings);
-  tree.file("Table/Country.txt", functions::kManualTable);
-  writeConverters();
-  ASSERT_EQ(start(), 0);
-  from = test::newMessage("In");
-  to = test::newMessage("Out");
-  for (const kit::FunctionRow &function : GetParam()->functions) {
-    for (const kit::Example &example : function.examples) {
-      call(function, example);
-      const std::string sCall = kit::shownCall(function, example.arguments);
-      EXPECT_EQ(nStatus, 0) << sCall << "\n" << (test::logTexts().empty() ? "" : test::logTexts()[0]);
-      if (example.match == kit::Match::Exact) {
-        EXPECT_EQ(to.get("X"), example.result) << sCall;
-      } else {
-        EXPECT_TRUE(hasShape(to.get("X"), example.result)) << sCall << "\n" << to.get("X");
-      }
-    }
-    for (const kit::Example &refusal : function.refusals) {
-      call(function, refusal);
-      const std::string sCall = kit::shownCall(function, refusal.arguments);
-      EXPECT_EQ(nStatus, -1) << sCall;
-      EXPECT_EQ(test::logTexts().empty() ? "no line" : test::logTexts()[0],
-                "Func[" + std::string(function.name) + "]" +
-                    (refusal.result.starts_with("Arg") ? " " : ": ") + std::string(refusal.result))
-          << sCall;
-    }
-  }
+TEST_P(StdCatalogue, ItsExamplesHold) {
+  load();
+  expectExamples();
+}
+
+TEST_P(StdCatalogue, ItsErrorsHold) {
+  load();
+  expectRefusals();
+  expectRefusedCounts();
 }
 
 INSTANTIATE_TEST_SUITE_P(Topics, StdCatalogue, testing::ValuesIn(functions::kTopics));
+
+using StdMachineCode = StdCatalogue;
+
+TEST_P(StdMachineCode, DoesTheSame) {
+  load(" nRegexJit='1'");
+  expectExamples();
+  expectRefusals();
+}
+
+INSTANTIATE_TEST_SUITE_P(Regex, StdMachineCode, testing::Values(&functions::kRegex));
 
 TEST(StdCatalogueManual, IsWhatTheTablesSay) {
   EXPECT_TRUE(fileText("docs/functions.md") == functions::manual())

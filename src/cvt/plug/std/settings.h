@@ -48,7 +48,8 @@ inline constexpr kit::Attribute kSettingsRows[] = {
     KIT_INT(Settings, nSeed, 0, 0, 2147483647, "for tests: where the same random numbers always begin; 0: the system's"),
 };
 // clang-format on
-inline constexpr kit::RecordType kSettings = KIT_RECORD(Settings, kSettingsRows, "the plug-in's settings");
+inline constexpr kit::RecordType kSettings = {"Plug", sizeof(Settings), kSettingsRows,
+                                              "the plug-in's settings", nullptr};
 
 // Reads the element (null: all defaults) and gives each topic what concerns it. Throws Misconfigured.
 void configure(void *element);

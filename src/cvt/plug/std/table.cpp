@@ -99,7 +99,7 @@ class Tables {
         KIT_ERR(
             "File[%s]: expected a table that can be read, and at most %zu bytes in all, found another. "
             "Shorten "
-            "the tables, or raise nTableBytes",
+            "the tables, or raise nTableBytes.",
             file.c_str(), most);
         return false;
       }

@@ -1,0 +1,135 @@
+// Regular expressions: their limits, and the patterns that are kept.
+#include "std_config.h"
+
+namespace {
+
+using namespace test::xml;
+
+// With the interpreter and with machine code.
+class StdRegex : public test::StdTest, public testing::WithParamInterface<bool> {
+ protected:
+  void loadCall(const std::string &sFunction, size_t nArguments, const std::string &sAttributes = "") {
+    plugAttributes(sAttributes + (GetParam() ? " nRegexJit='1'" : ""));
+    load({callRule(sFunction, nArguments)});
+  }
+  std::string of(const std::string &sText, const std::string &sPattern, const std::string &sMore = "") {
+    from.set("A", sText).set("B", sPattern).set("C", sMore);
+    return run() == 0 ? to.get("X") : "refused";
+  }
+  static std::string firstLine() { return test::logTexts().empty() ? "no line" : test::logTexts()[0]; }
+};
+
+TEST_P(StdRegex, PatternsThatGoOnAndOnEndAtTheSteps) {
+  loadCall("regexMatch", 2);
+  const std::string sText = std::string(5000, 'a') + "X";
+  for (const std::string sPattern : {"^(a+)+$", "(a*)*[bc]", "(a|aa)+$", "(?:a?){40}a{40}X{2}",
+                                     "(.*)(.*)(.*)(.*)[^aX]", "^(([a-z])+.)+[A-Z]([a-z])+$"}) {
+    EXPECT_EQ(of(sText, sPattern), "refused") << sPattern;
+    EXPECT_NE(firstLine().find("Arg[1] Len[5001]: expected a match "), std::string::npos) << firstLine();
+  }
+}
+
+TEST_P(StdRegex, StepsAreThoseOfAllStartingPoints) {
+  loadCall("regexMatch", 2, "nRegexSteps='1000'");
+  const std::string sPattern = "(?=(a))\\1\\d";  // a few steps from every "a"
+  EXPECT_EQ(of(std::string(50, 'a'), sPattern), "0");
+  EXPECT_EQ(of(std::string(500, 'a') + "1", sPattern), "refused");
+  EXPECT_EQ(firstLine(),
+            "Func[regexMatch] Arg[1] Len[501]: expected a match in at most 1000 steps, found more. Let no "
+            "repetition "
+            "stand inside another one of the same characters, or raise nRegexSteps of the plug-in.");
+}
+
+TEST_P(StdRegex, StepsAreThoseOfAllMatchesThatAreReplaced) {
+  loadCall("regexReplace", 3, "nRegexSteps='1000'");
+  EXPECT_EQ(of(std::string(100, 'a'), "a", "b"), std::string(100, 'b'));
+  EXPECT_EQ(of(std::string(2000, 'a'), "a", "b"), "refused");
+  EXPECT_NE(firstLine().find("expected a match in at most 1000 steps"), std::string::npos) << firstLine();
+}
+
+TEST_P(StdRegex, StepsAreCountedAnewInEveryCall) {
+  loadCall("regexMatch", 2, "nRegexSteps='100'");
+  for (int i = 0; i < 1000; ++i) ASSERT_EQ(of("abc", "^a.c$"), "1");
+}
+
+TEST_P(StdRegex, MemoryForGoingBackIsLimited) {
+  loadCall("regexMatch", 2, "nRegexMemory='64' nRegexSteps='100000000'");
+  EXPECT_EQ(of(std::string(50000, 'a'), "^(?:(a)|(b))*$"), "refused");
+  EXPECT_NE(firstLine().find("expected a match with at most 64 KiB of memory, found more"), std::string::npos)
+      << firstLine();
+}
+
+TEST_P(StdRegex, TextsAndPatternsAreNoLongerThanTheyMayBe) {
+  loadCall("regexMatch", 2, "nRegexText='10' nRegexPattern='5'");
+  EXPECT_EQ(of(std::string(10, 'a'), "a"), "1");
+  EXPECT_EQ(of(std::string(11, 'a'), "a"), "refused");
+  EXPECT_EQ(firstLine(),
+            "Func[regexMatch] Arg[1] Len[11]: expected a text of at most 10 bytes, found a longer one. "
+            "Shorten it, or "
+            "raise nRegexText of the plug-in.");
+  EXPECT_EQ(of("a", "aaaaa"), "0");
+  EXPECT_EQ(of("a", "aaaaaa"), "refused");
+  EXPECT_EQ(
+      firstLine(),
+      "Func[regexMatch] Arg[2] Len[6]: expected a regular expression of at most 5 bytes, found a longer one. "
+      "Shorten it, or raise nRegexPattern of the plug-in.");
+}
+
+TEST_P(StdRegex, APatternHasNoMoreThan99Groups) {
+  loadCall("regexExtract", 3);
+  std::string sPattern;
+  for (int i = 0; i < 99; ++i) sPattern += "()";
+  EXPECT_EQ(of("a", sPattern + "a", "99"), "");
+  EXPECT_EQ(of("a", sPattern + "(a)", "0"), "refused");
+  EXPECT_NE(firstLine().find("found one with an error: more than 99 groups"), std::string::npos)
+      << firstLine();
+}
+
+TEST_P(StdRegex, AResultOfAnyLengthComesWhole) {
+  loadCall("regexReplace", 3, "nMaxResult='20000'");
+  for (const size_t n : {1U, 511U, 512U, 513U, 1023U, 1024U, 10000U}) {
+    EXPECT_EQ(of(std::string(n, 'a'), "a", "bc").size(), 2 * n) << n;
+  }
+  EXPECT_EQ(of(std::string(10001, 'a'), "a", "bc"), "refused");
+  EXPECT_EQ(firstLine(),
+            "Func[regexReplace]: expected a result of at most 20000 bytes, found 20002 bytes. Shorten the "
+            "arguments.");
+  EXPECT_EQ(of("aaa", "a", ""), "");
+}
+
+TEST_P(StdRegex, MorePatternsThanAreKeptWorkAsWell) {
+  loadCall("regexMatch", 2, "nRegexKept='3'");
+  for (int nRound = 0; nRound < 3; ++nRound) {
+    for (int i = 0; i < 10; ++i) {
+      const std::string sNumber = std::to_string(i);
+      EXPECT_EQ(of("x" + sNumber, "^x" + sNumber + "$"), "1");
+      EXPECT_EQ(of("x", "^x" + sNumber + "$"), "0");
+      EXPECT_EQ(of("x0", "^x0$"), "1") << "the one that is used most stays";
+    }
+  }
+}
+
+TEST_P(StdRegex, AMatchIsFoundBetweenCharactersOnly) {
+  loadCall("regexReplace", 3);
+  EXPECT_EQ(of("äö", "", "-"), "-ä-ö-");
+  EXPECT_EQ(of("äö", ".", "x"), "xx");
+  EXPECT_EQ(of("äö", "\\C", "x"), "refused") << "a byte of a character";
+  EXPECT_EQ(of("\xc3", ".", "x"), "refused");
+  EXPECT_EQ(of("a", "\xc3", "x"), "refused");
+  EXPECT_EQ(of("a", "a", "\xc3"), "refused");
+}
+
+TEST_P(StdRegex, ErrorsNeverShowTheText) {
+  loadCall("regexReplace", 3, "nRegexSteps='5'");
+  for (const std::string sPattern : {"(4111", "4111.*(secret)+x", "(4111)+secret$", "4111"}) {
+    of("4111secret4111secret4111secret", sPattern, "$9");
+    for (const std::string &sLine : test::logTexts(0)) {
+      EXPECT_EQ(sLine.find("4111"), std::string::npos) << sLine;
+      EXPECT_EQ(sLine.find("secret"), std::string::npos) << sLine;
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Matchers, StdRegex, testing::Bool());
+
+}  // namespace
