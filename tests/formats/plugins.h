@@ -1,0 +1,11 @@
+// plugins.h: the plug-ins under the suite. A new one is a line here and one in plugins.cpp.
+#pragma once
+
+#include "format.h"
+
+namespace formats {
+
+const Format &fix();
+const Format &xml();
+
+}  // namespace formats
