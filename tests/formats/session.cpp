@@ -35,6 +35,7 @@ void Session::defineText(const std::string &message, const std::string &file) {
 }
 
 int Session::start() {
+  m_layouts = {};  // they belong to the definitions that go
   test::RootFile root;
   root.sPlug = test::plugSection({"psName=\"" + m_format.name() + "\""});
   root.sMessage = test::messageSection({"msg"});
