@@ -5,6 +5,13 @@
 
 namespace cvt::functions {
 
+void apply(const Settings &settings) {
+  kit::limitResults(settings.nMaxResult);
+  configureRegex(settings);
+  configureTables(settings);
+  configureDates(settings);
+}
+
 void configure(void *element) {
   const auto *settings = static_cast<const Settings *>(
       element == nullptr ? kit::newRecord(kSettings) : kit::readRecord(kSettings, element));
@@ -12,10 +19,7 @@ void configure(void *element) {
     throw kit::Misconfigured("", nullptr, "settings of the plug-in", "something else",
                              "The line before says where");
   }
-  kit::limitResults(settings->nMaxResult);
-  configureRegex(*settings);
-  configureTables(*settings);
-  configureDates(*settings);
+  apply(*settings);
 }
 
 }  // namespace cvt::functions

@@ -51,8 +51,11 @@ inline constexpr kit::Attribute kSettingsRows[] = {
 inline constexpr kit::RecordType kSettings = {"Plug", sizeof(Settings), kSettingsRows,
                                               "the plug-in's settings", nullptr};
 
-// Reads the element (null: all defaults) and gives each topic what concerns it. Throws Misconfigured.
+// Reads the element (null: all defaults) and applies it. Throws Misconfigured.
 void configure(void *element);
+
+// Gives each topic what concerns it.
+void apply(const Settings &settings);
 
 // What the topics make of the settings.
 void configureRegex(const Settings &settings);   // regex.cpp
