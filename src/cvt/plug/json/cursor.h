@@ -1,0 +1,96 @@
+// cursor.h: goes over the tokens of a JSON text, and knows its grammar.
+//
+// Every call leaves the cursor behind what it has taken, or throws Fault with the offset of the token that may
+// not stand there.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "grammar.h"
+#include "scan.h"
+
+namespace cvt::json {
+
+class Cursor {
+ public:
+  // base: offset of the text in its buffer. depth: objects and arrays that are open around it.
+  Cursor(const Tokens &tokens, size_t base, size_t maxDepth, size_t depth = 0)
+      : m_text(tokens.text.data()),
+        m_at(tokens.begin),
+        m_end(tokens.end),
+        m_damage(tokens.damage),
+        m_base(base),
+        m_maxDepth(maxDepth),
+        m_depth(depth) {}
+
+  bool atEnd() const { return m_at == m_end; }
+
+  // The first byte of the token; 0 at the end.
+  char peek() const { return atEnd() ? '\0' : m_text[*m_at]; }
+
+  // Offset of the token in the buffer; at the end, that behind the last one.
+  size_t offset() const { return m_base + *m_at; }
+
+  // The token; empty at the end.
+  std::string_view token() const {
+    if (atEnd()) return {};
+    size_t end = m_at[1];
+    while (isBlank(m_text[end - 1])) --end;
+    return {m_text + *m_at, end - *m_at};
+  }
+  void next() { ++m_at; }
+
+  bool take(char c) {
+    if (peek() != c) return false;
+    ++m_at;
+    return true;
+  }
+
+  // { or [, and } or ], counted.
+  void open(char bracket, const char *expected, const char *advice = "");
+  void close(char bracket);
+
+  // A string as it is written, without its quotes.
+  std::string_view string(const char *expected, const char *advice = "");
+
+  // The name of a member, as it is written, and the colon.
+  std::string_view name();
+
+  // A value of any kind, checked; as it is written.
+  std::string_view value();
+
+  // "name":value, of which `name` has been taken; from the name's quote to the value's last byte.
+  std::string_view member(std::string_view name);
+
+  // Whether a string's escapes are escapes. `string` stands in the text.
+  void checkString(std::string_view string) const;
+
+  // Nothing may follow.
+  void end(const char *advice);
+
+  // The characters of a string that stands in the text; out has room for string.size() bytes.
+  size_t decode(std::string_view string, char *out) const;
+
+  // Something else was expected here.
+  [[noreturn]] void refuse(const std::string &expected, const std::string &advice) const;
+
+ private:
+  void members();
+  void elements();
+  std::string found() const;
+  [[noreturn]] void badEscape(std::string_view string, const Unescaped &bad) const;
+
+  const char *m_text;
+  const uint32_t *m_at;
+  const uint32_t *m_end;
+  Damage m_damage;
+  size_t m_base;
+  size_t m_maxDepth;
+  size_t m_depth;
+};
+
+// What a token is, for messages: "text "abc"", "number 1", "an object".
+std::string describe(std::string_view token);
+
+}  // namespace cvt::json
