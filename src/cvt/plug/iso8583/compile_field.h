@@ -1,0 +1,31 @@
+// compile_field.h: a field's or a group's record and the message's settings to its part of the plan.
+#pragma once
+
+#include <string>
+
+#include "plan.h"
+
+namespace cvt::iso8583 {
+
+// Where a record stands: settings of the message, path and record for messages.
+struct Place {
+  const IsoMsg &settings;
+  std::string path;
+  const void *record;
+};
+
+// All below throw Misconfigured.
+
+const kit::Charset *findCharset(const char *name, const Place &place);
+
+// A tag in hexadecimal digits.
+uint32_t compileTag(const char *text, const Place &place);
+
+// inTag: the length stands in front of the content already, as BER-TLV says it.
+void compileField(const IsoField &record, bool inTag, const Place &place, Element &element);
+void compileGroup(const IsoGroup &record, bool inTag, const Place &place, Element &element);
+
+// Whether the field can have its constant and its default.
+void checkTexts(const Element &element, const Place &place);
+
+}  // namespace cvt::iso8583

@@ -1,0 +1,36 @@
+// content.h: one field between its bytes and its value.
+#pragma once
+
+#include <string_view>
+
+#include "kit/output.h"
+#include "kit/values.h"
+#include "plan.h"
+
+namespace cvt::iso8583 {
+
+// The length of a content is counted in characters (text), digits (bcd) or bytes (binary, hex).
+inline constexpr size_t kUnknown = static_cast<size_t>(-1);
+
+// Bytes that a content of that length takes.
+size_t wireBytes(const Content &content, size_t length);
+
+// Throws Fault when the field must not have that length.
+void checkLength(const Element &field, size_t length, size_t offset);
+
+// The value of the bytes, in memory of the store. length: kUnknown when only the bytes are counted. offset:
+// where the bytes stand. Throws Fault.
+std::string_view readContent(const Element &field, std::string_view bytes, size_t length, size_t offset,
+                             kit::Store &store);
+
+// Writes the value, without a prefix; the length of the content. Throws Fault.
+size_t writeContent(const Element &field, std::string_view value, kit::Output &out);
+
+// The letter of a value's hexadecimal digit, and its number: 0 .. 15, or 16 for what is none.
+inline constexpr char kHexLetters[] = "0123456789ABCDEF";
+unsigned hexDigit(char c);
+
+// Bytes to hexadecimal digits, twice as many.
+void bytesToHex(std::string_view bytes, char *out);
+
+}  // namespace cvt::iso8583
