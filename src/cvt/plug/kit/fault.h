@@ -31,6 +31,13 @@ class Fault : public std::exception {
 
   size_t offset() const { return m_offset; }
 
+  // The same at another place, for who reads a text that was converted before.
+  Fault at(size_t offset) const {
+    Fault moved = *this;
+    moved.m_offset = offset;
+    return moved;
+  }
+
   // "expected X, found Y. ADVICE"
   std::string text() const;
   const char *what() const noexcept override { return m_expected.c_str(); }

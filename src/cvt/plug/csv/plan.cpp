@@ -1,0 +1,37 @@
+#include "plan.h"
+
+#include <algorithm>
+
+#include "kit/log.h"
+
+namespace cvt::csv {
+
+namespace {
+
+bool holds(const std::vector<std::string> &values, std::string_view value) {
+  return std::find(values.begin(), values.end(), value) != values.end();
+}
+
+}  // namespace
+
+int chosenMember(const Compound &choice, std::string_view value) {
+  if (holds(choice.none, value)) return -1;
+  int otherwise = static_cast<int>(choice.fields.size());
+  for (size_t i = 0; i < choice.fields.size(); ++i) {
+    if (holds(choice.cases[i], value)) return static_cast<int>(i);
+    if (choice.cases[i].empty()) otherwise = static_cast<int>(i);
+  }
+  return otherwise;
+}
+
+std::string knownCases(const Compound &choice) {
+  std::string all;
+  const auto add = [&all](const std::vector<std::string> &values) {
+    for (const std::string &value : values) all += (all.empty() ? "" : ", ") + kit::quoted(value);
+  };
+  for (const std::vector<std::string> &values : choice.cases) add(values);
+  add(choice.none);
+  return all;
+}
+
+}  // namespace cvt::csv

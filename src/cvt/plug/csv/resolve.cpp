@@ -1,0 +1,146 @@
+#include "resolve.h"
+
+#include <algorithm>
+
+#include "kit/fault.h"
+#include "kit/log.h"
+#include "writer.h"
+
+namespace cvt::csv {
+
+using kit::Misconfigured;
+
+namespace {
+
+// --- How records begin
+// ------------------------------------------------------------------------------------------
+
+bool mayBeAbsent(const Item &item) {
+  const Compound &compound = *item.compound;
+  if (item.kind == ItemKind::Loop) return compound.least == 0 || mayBeAbsent(compound.records[0]);
+  if (!compound.mandatory) return true;
+  if (item.kind == ItemKind::Record) return false;
+  return std::all_of(compound.records.begin(), compound.records.end(), mayBeAbsent);
+}
+
+void addStarts(Compound &to, const Compound &from) {
+  to.startsAny = to.startsAny || from.startsAny;
+  for (size_t tag = 0; tag < from.starts.size(); ++tag) {
+    if (from.starts[tag]) to.starts[tag] = true;
+  }
+}
+
+void orderByTag(Compound &group, size_t tags, const CsvMsg &text) {
+  group.memberOfTag.assign(tags, -1);
+  for (size_t i = 0; i < group.records.size(); ++i) {
+    const Compound &member = *group.records[i].compound;
+    bool clash = member.startsAny;
+    for (size_t tag = 0; tag < tags; ++tag) {
+      if (!member.starts[tag]) continue;
+      clash = clash || group.memberOfTag[tag] >= 0;
+      group.memberOfTag[tag] = static_cast<int>(i);
+    }
+    if (!clash) continue;
+    throw Misconfigured(member.node, &text, "records in any order that each begin with a psTag of their own",
+                        member.startsAny ? "one without" : "two that begin alike");
+  }
+}
+
+void starts(Item &item, size_t tags, const CsvMsg &text) {
+  Compound &compound = *item.compound;
+  compound.starts.assign(tags, false);
+  for (Item &each : compound.records) starts(each, tags, text);
+  if (item.kind == ItemKind::Record) {
+    if (compound.tag < 0) {
+      compound.startsAny = true;
+    } else {
+      compound.starts[static_cast<size_t>(compound.tag)] = true;
+    }
+    return;
+  }
+  for (const Item &each : compound.records) {
+    addStarts(compound, *each.compound);
+    if (item.kind != ItemKind::AnyOrder && !mayBeAbsent(each)) break;
+  }
+  if (item.kind == ItemKind::AnyOrder) orderByTag(compound, tags, text);
+}
+
+// --- The header line
+// --------------------------------------------------------------------------------------------
+
+void addColumns(Plan &plan, const std::vector<Item> &fields, std::vector<const char *> &groups,
+                const CsvMsg &text) {
+  for (const Item &item : fields) {
+    if (item.kind == ItemKind::Group) {
+      groups.push_back(item.compound->node);
+      addColumns(plan, item.compound->fields, groups, text);
+      groups.pop_back();
+      continue;
+    }
+    const Field &field = item.field;
+    if (item.kind != ItemKind::Field || field.shape != Shape::Variable) {
+      throw Misconfigured(item.kind == ItemKind::Field ? field.node : item.compound->node, &text,
+                          "fields of variable length alone in a record with a header line", "another node",
+                          "Write psHeader=\"none\"");
+    }
+    if (!plan.columnsByName.add(field.column, static_cast<int>(plan.columns.size()))) {
+      throw Misconfigured(field.node, &text, "columns of different names",
+                          "a second " + kit::quoted(field.column), "Give it another psName");
+    }
+    plan.columns.push_back({&field, groups});
+    plan.columnNames.emplace_back(field.column);
+  }
+}
+
+std::string headerLine(const Plan &plan, const CsvMsg &text) {
+  size_t room = 64;
+  for (const std::string &name : plan.columnNames) room += 8 * name.size() + 64;
+  std::string line(room, '\0');
+  kit::Output out(line.data(), 0, room);
+  Writer writer(plan.dialect, LineEnd::Lf, true, out);
+  writer.begin(nullptr, false, {});
+  for (const std::string &name : plan.columnNames) {
+    writer.field(name, {text.nQuoting == static_cast<int>(Quoting::Always), false});
+  }
+  writer.end(false);
+  line.resize(out.offset());
+  return line;
+}
+
+// All records without a tag, and what the header line stands before: the record or the loop of it.
+void findUntagged(Item &item, std::vector<std::pair<Compound *, Compound *>> &found) {
+  Compound &compound = *item.compound;
+  if (item.kind == ItemKind::Record && compound.tag < 0) found.push_back({&compound, &compound});
+  for (Item &each : compound.records) {
+    findUntagged(each, found);
+    if (item.kind == ItemKind::Loop && each.kind == ItemKind::Record) found.back().second = &compound;
+  }
+}
+
+}  // namespace
+
+void resolveStarts(Plan &plan, const CsvMsg &text) {
+  starts(plan.top, plan.tagCount, text);
+}
+
+void resolveHeader(Plan &plan, const CsvMsg &text) {
+  std::vector<std::pair<Compound *, Compound *>> found;
+  if (!plan.tagged) findUntagged(plan.top, found);
+  if (found.size() != 1) {
+    throw Misconfigured("", &text, "one record or loop of records, without psTag, with psHeader",
+                        plan.tagged ? "records with tags" : std::to_string(found.size()) + " of them",
+                        "Write psHeader=\"none\"");
+  }
+  const auto [record, holder] = found[0];
+  holder->header = true;
+  record->byColumn = plan.header == Header::Names;
+  std::vector<const char *> groups;
+  addColumns(plan, record->fields, groups, text);
+  if (plan.columns.size() > plan.maxColumns) {
+    throw Misconfigured("", &text, "at most " + std::to_string(plan.maxColumns) + " columns",
+                        std::to_string(plan.columns.size()), "Raise nMaxColumns");
+  }
+  plan.headerLine = headerLine(plan, text);
+}
+
+}  // namespace cvt::csv

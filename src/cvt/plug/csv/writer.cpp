@@ -1,0 +1,315 @@
+#include "writer.h"
+
+#include <charconv>
+
+#include "kit/fault.h"
+#include "kit/log.h"
+
+namespace cvt::csv {
+
+using kit::Fault;
+
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+// What an escape makes of a byte where there are no quotes.
+char escapeOf(char c) {
+  return c == '\n' ? 'n' : c == '\r' ? 'r' : c == '\t' ? 't' : c;
+}
+
+// Whether a mark would be found inside the value, or begin there, when the mark stands behind it.
+bool collides(std::string_view value, std::string_view mark) {
+  for (size_t at = value.find(mark[0]); at != std::string_view::npos; at = value.find(mark[0], at + 1)) {
+    const std::string_view tail = value.substr(at);
+    if (tail.size() >= mark.size() ? tail.starts_with(mark) : mark.starts_with(tail)) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+// --- Values
+// ---------------------------------------------------------------------------------------------------
+
+// A text of a value, in the output's character set.
+void Writer::value(std::string_view text) {
+  char *const room = m_out.reserve(0);
+  const kit::Converted done = m_dialect.charset->encode(text.data(), text.size(), room, m_out.room());
+  if (done.damage == kit::Damage::NoRoom) m_out.reserve(m_out.room() + 1);  // says where the room ended
+  if (done.damage != kit::Damage::None) {
+    const std::string_view bad = text.substr(done.read, 4);
+    throw Fault(Fault::kHere, kit::damageText(done.damage) + (" in " + m_dialect.charset->name()),
+                kit::quoted(bad.data(), bad.size()), "Correct the value, or write another psCharset");
+  }
+  m_out.reserve(done.written);
+  m_line += text.size();
+}
+
+bool Writer::mustQuote(std::string_view text) const {
+  if (m_line == 0 && ((!m_dialect.comment.empty() && text.starts_with(m_dialect.comment)) ||
+                      text.starts_with(kByteOrderMark))) {
+    return true;
+  }
+  if (m_dialect.marks.absentIn(text)) return false;
+  for (const char c : text) {
+    if (c == '\n' || c == '\r') {
+      if (m_dialect.lineEnd != LineEnd::None) return true;
+    } else if (m_dialect.quoteByte != 0 && c == m_dialect.quoteByte) {
+      return true;
+    }
+  }
+  if (collides(text, m_dialect.separator.text)) return true;
+  if (!m_dialect.recordEnd.empty()) return collides(text, m_dialect.recordEnd.text);
+  return m_dialect.lineEnd == LineEnd::None && collides(text, m_dialect.tagFront.text);
+}
+
+void Writer::quotedValue(std::string_view text) {
+  const char escape = m_dialect.escapeByte != 0 ? m_dialect.escapeByte : m_dialect.quoteByte;
+  put(m_dialect.quote);
+  for (size_t from = 0; from <= text.size();) {
+    size_t at = from;
+    while (at < text.size() && text[at] != m_dialect.quoteByte && text[at] != escape) ++at;
+    value(text.substr(from, at - from));
+    if (at == text.size()) break;
+    const char pair[2] = {escape, text[at]};
+    value({pair, 2});
+    from = at + 1;
+  }
+  put(m_dialect.quote);
+}
+
+void Writer::escapedValue(std::string_view text) {
+  for (size_t from = 0; from <= text.size();) {
+    size_t at = from;
+    while (at < text.size() && !m_dialect.marks.has(text[at])) ++at;
+    value(text.substr(from, at - from));
+    if (at == text.size()) break;
+    const char pair[2] = {m_dialect.escapeByte, escapeOf(text[at])};
+    value({pair, 2});
+    from = at + 1;
+  }
+}
+
+// --- Fields
+// ---------------------------------------------------------------------------------------------------
+
+// What stands between the field before and the next one.
+void Writer::lead() {
+  if (m_separate && !m_dialect.terminated) put(m_dialect.separator);
+}
+
+// The end of a line, and the tag of the next one, instead.
+void Writer::wrap() {
+  put(m_dialect.recordEnd);
+  m_out.put(m_lineEnd.bytes);
+  m_line = 0;
+  put(m_dialect.continuation);
+  if (m_dialect.tagBack.empty()) put(m_dialect.separator);
+}
+
+size_t Writer::wrapLength() const {
+  return m_dialect.recordEnd.bytes.size() + m_lineEnd.bytes.size() + m_dialect.continuation.bytes.size() +
+         (m_dialect.tagBack.empty() ? m_dialect.separator.bytes.size() : 0);
+}
+
+// Whether the record was continued before this field when it was read.
+bool Writer::wrapIsDue() {
+  ++m_number;
+  if (m_afterRest) {
+    if (m_dialect.continuation.empty()) {
+      throw Fault(Fault::kHere, "no field behind one of kind rest", "another one",
+                  "Let it be the last, or set psContinuation of CsvMsg");
+    }
+  } else if (m_wraps.empty()) {
+    return false;
+  }
+  m_afterRest = false;
+  size_t number = 0;
+  const auto [end, error] = std::from_chars(m_wraps.data(), m_wraps.data() + m_wraps.size(), number);
+  if (m_wraps.empty()) return true;
+  if (error != std::errc() || number < m_number) {
+    throw Fault(Fault::kHere, "numbers of fields in rising order where the record is continued",
+                kit::quoted(m_wraps.data(), m_wraps.size()), "Leave the field of kind wraps empty");
+  }
+  if (number > m_number) return false;
+  m_wraps.remove_prefix(static_cast<size_t>(end - m_wraps.data()));
+  if (!m_wraps.empty() && m_wraps[0] == ' ') m_wraps.remove_prefix(1);
+  return true;
+}
+
+void Writer::tooLong() const {
+  throw Fault(Fault::kHere, "a line of at most " + std::to_string(m_dialect.maxRecord) + " bytes",
+              std::to_string(m_line + m_dialect.recordEnd.text.size()),
+              "Raise nMaxRecord of CsvMsg, or let records be continued with psContinuation");
+}
+
+// Behind a field: a line that has got too long is continued before it.
+void Writer::done(Place before, Place behindLead, bool wrapped, bool keep) {
+  if (m_dialect.maxRecord != 0 && m_line + m_dialect.recordEnd.text.size() > m_dialect.maxRecord) {
+    if (wrapped || m_dialect.continuation.empty() || m_number == 1) tooLong();
+    const size_t length = m_out.offset() - behindLead.offset;
+    const size_t lineLength = m_line - behindLead.line;
+    const size_t target = before.offset + wrapLength();
+    if (target + length > m_out.offset()) m_out.reserve(target + length - m_out.offset());
+    std::memmove(m_out.at(target), m_out.at(behindLead.offset), length);
+    m_out.rewind(before.offset);
+    wrap();
+    m_out.reserve(length);
+    m_line += lineLength;
+    if (m_line + m_dialect.recordEnd.text.size() > m_dialect.maxRecord) tooLong();
+  }
+  if (!keep) return;
+  if (m_hole) {
+    throw Fault(Fault::kHere, "values of all fields of fixed length before this one", "none in one of them",
+                "Fill them, or give them a psPad");
+  }
+  m_kept = here();
+}
+
+void Writer::field(std::string_view text, Style style) {
+  const Place before = here();
+  const bool wrapped = wrapIsDue();
+  wrapped ? wrap() : lead();
+  const Place behindLead = here();
+  const bool quotes = m_dialect.quoteByte != 0;
+  if (text.empty()) {
+    if (quotes && (style.kept || style.quoted)) quotedValue(text);
+  } else if (quotes && style.quoted) {
+    quotedValue(text);
+  } else if (!mustQuote(text)) {
+    value(text);
+  } else if (quotes) {
+    quotedValue(text);
+  } else if (m_dialect.escapeByte != 0 && !m_dialect.marks.absentIn(text)) {
+    escapedValue(text);
+  } else {
+    throw Fault(Fault::kHere, "a value without separators, line ends and marks",
+                kit::quoted(std::string(text)), "Without quotes they cannot be told from the text's own");
+  }
+  if (m_dialect.maxField != 0 && m_line - behindLead.line > m_dialect.maxField) {
+    throw Fault(Fault::kHere, "a field of at most " + std::to_string(m_dialect.maxField) + " bytes",
+                std::to_string(m_line - behindLead.line), "Raise nMaxField of CsvMsg");
+  }
+  if (m_dialect.terminated) put(m_dialect.separator);
+  m_separate = true;
+  done(before, behindLead, wrapped, !text.empty() || style.kept || (quotes && style.quoted));
+}
+
+void Writer::fixed(const Field &field, std::string_view text) {
+  const Place before = here();
+  const bool wrapped = wrapIsDue();
+  wrapped ? wrap() : lead();
+  const Place behindLead = here();
+  const size_t characters = kit::Charset::countUtf8(text.data(), text.size());
+  if (characters > field.length || (characters < field.length && !field.padded && !text.empty())) {
+    throw Fault(Fault::kHere, std::to_string(field.length) + " characters",
+                std::to_string(characters) + ", " + kit::quoted(std::string(text)),
+                characters > field.length ? "Shorten the value" : "Fill it, or write psPad");
+  }
+  if (!m_dialect.marks.absentIn(text) || (m_line == 0 && mustQuote(text))) {
+    throw Fault(Fault::kHere, "a value without separators and line ends", kit::quoted(std::string(text)));
+  }
+  value(text);
+  for (size_t i = characters; i < field.length; ++i) value({&field.pad, 1});
+  m_separate = false;
+  if (text.empty() && !field.padded) {
+    m_hole = true;
+    return;
+  }
+  done(before, behindLead, wrapped, !text.empty());
+}
+
+void Writer::rest(std::string_view text) {
+  const Place before = here();
+  const bool wrapped = wrapIsDue();
+  wrapped ? wrap() : lead();
+  const Place behindLead = here();
+  const bool breaks =
+      m_dialect.lineEnd != LineEnd::None && text.find_first_of("\r\n") != std::string_view::npos;
+  const bool marked =
+      m_dialect.lineEnd == LineEnd::None &&
+      collides(text, m_dialect.recordEnd.empty() ? m_dialect.tagFront.text : m_dialect.recordEnd.text);
+  if (breaks || marked || (m_line == 0 && mustQuote(text))) {
+    throw Fault(Fault::kHere, "a value without line ends and marks", kit::quoted(std::string(text)));
+  }
+  value(text);
+  if (m_dialect.maxField != 0 && text.size() > m_dialect.maxField) {
+    throw Fault(Fault::kHere, "a field of at most " + std::to_string(m_dialect.maxField) + " bytes",
+                std::to_string(text.size()), "Raise nMaxField of CsvMsg");
+  }
+  m_separate = true;
+  m_afterRest = true;
+  done(before, behindLead, wrapped, !text.empty());
+}
+
+// --- Records
+// --------------------------------------------------------------------------------------------------
+
+void Writer::endLine() {
+  if (m_endPending) m_out.put(m_lineEnd.bytes);
+  m_endPending = false;
+  m_line = 0;
+}
+
+void Writer::line(std::string_view bytes) {
+  endLine();
+  m_out.put(bytes);
+  m_endPending = m_dialect.lineEnd != LineEnd::None;
+}
+
+void Writer::begin(const Literal *tag, bool quotedTag, std::string_view wraps) {
+  endLine();
+  m_start = m_out.offset();
+  m_number = 0;
+  m_separate = false;
+  m_hole = false;
+  m_afterRest = false;
+  m_blank = false;
+  m_wraps = wraps;
+  if (tag != nullptr) {
+    put(m_dialect.tagFront);
+    quotedTag ? quotedValue(tag->text) : put(*tag);
+    put(m_dialect.tagBack);
+    m_separate = m_dialect.tagBack.empty();
+    if (m_separate && m_dialect.terminated) put(m_dialect.separator);
+  }
+  m_kept = here();
+}
+
+void Writer::end(bool shortened) {
+  if (!m_wraps.empty()) {
+    throw Fault(Fault::kHere, "fields up to those where the record is continued",
+                std::to_string(m_number) + " of them, and " + kit::quoted(std::string(m_wraps)),
+                "Leave the field of kind wraps empty");
+  }
+  if (shortened) {
+    m_out.rewind(m_kept.offset);
+    m_line = m_kept.line;
+  } else if (m_hole) {
+    throw Fault(Fault::kHere, "values of all fields of fixed length", "none in one of them",
+                "Fill them, or give them a psPad");
+  }
+  if (m_out.offset() == m_start && m_dialect.recordEnd.empty()) {
+    if (m_dialect.quoteByte != 0 && !m_dialect.terminated) {
+      quotedValue({});  // a record without a byte would be a blank line
+    } else {
+      m_blank = true;
+      if (m_dialect.skipBlank || m_dialect.lineEnd == LineEnd::None) blankLine();
+    }
+  }
+  put(m_dialect.recordEnd);
+  if (m_dialect.maxRecord != 0 && m_line > m_dialect.maxRecord) tooLong();
+  m_endPending = m_dialect.lineEnd != LineEnd::None;
+}
+
+void Writer::blankLine() {
+  throw Fault(Fault::kHere, "a value in the record", "none, which makes a blank line", "Give it one");
+}
+
+void Writer::finish() {
+  if (m_openEnd && m_blank) blankLine();
+  if (!m_openEnd) endLine();
+}
+
+}  // namespace cvt::csv

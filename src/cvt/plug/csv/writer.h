@@ -1,0 +1,79 @@
+// writer.h: records of fields as text: separators, quotes, ends, and lines that are continued.
+#pragma once
+
+#include <string_view>
+
+#include "kit/output.h"
+#include "plan.h"
+
+namespace cvt::csv {
+
+// How a field is to be written.
+struct Style {
+  bool quoted;  // in quotes also when it does not need them
+  bool kept;    // an empty value that must be seen: in quotes, and no reason to leave the field out
+};
+
+class Writer {
+ public:
+  Writer(const Dialect &dialect, LineEnd lineEnd, bool openEnd, kit::Output &out)
+      : m_dialect(dialect),
+        m_out(out),
+        m_lineEnd(lineEnd == LineEnd::CrLf ? dialect.crlf : dialect.lf),
+        m_openEnd(openEnd) {}
+
+  // A line as it is, its length in UTF-8 told.
+  void line(std::string_view bytes);
+
+  // tag: null or the record's. wraps: numbers of the fields before which the record was continued when it was
+  // read.
+  void begin(const Literal *tag, bool quotedTag, std::string_view wraps);
+  void field(std::string_view value, Style style);
+  void fixed(const Field &field, std::string_view value);
+  void rest(std::string_view value);
+  void end(bool shortened);
+
+  // Behind the last record.
+  void finish();
+
+ private:
+  struct Place {
+    size_t offset;  // in the output
+    size_t line;    // bytes of the line, in UTF-8
+  };
+  Place here() const { return {m_out.offset(), m_line}; }
+
+  void put(const Literal &literal) {
+    m_out.put(literal.bytes);
+    m_line += literal.text.size();
+  }
+  void value(std::string_view text);
+  void quotedValue(std::string_view text);
+  void escapedValue(std::string_view text);
+  bool mustQuote(std::string_view value) const;
+  void lead();
+  void wrap();
+  size_t wrapLength() const;
+  void done(Place before, Place behindLead, bool wrapped, bool keep);
+  void endLine();
+  bool wrapIsDue();
+  [[noreturn]] static void blankLine();
+  [[noreturn]] void tooLong() const;
+
+  const Dialect &m_dialect;
+  kit::Output &m_out;
+  const Literal &m_lineEnd;
+  bool m_openEnd;
+  bool m_endPending = false;  // the record before has no line end yet
+  bool m_separate = false;    // a separator belongs before the next field
+  bool m_afterRest = false;
+  bool m_blank = false;  // nothing stands in the record's line
+  size_t m_line = 0;
+  size_t m_start = 0;   // offset of the record
+  size_t m_number = 0;  // of the field, from 1
+  Place m_kept{};       // behind the last field that must be written
+  bool m_hole = false;  // a fixed field without a value was passed
+  std::string_view m_wraps;
+};
+
+}  // namespace cvt::csv
