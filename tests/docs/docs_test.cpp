@@ -4,7 +4,7 @@
 //                          command cvt2 of this build first in the path, and its output and error output are
 //                          compared with the lines that follow; a line "..." stands for any lines
 //   ```console not run     shown only (set-up commands, which CI runs by other ways)
-//   ```xml FILE            an excerpt: stands in FILE, indentation aside
+//   ```xml FILE            an excerpt: stands in FILE, indentation aside; also cpp, cmake
 #include <gtest/gtest.h>
 
 #include <array>
@@ -153,7 +153,8 @@ TEST_P(Manual, ExamplesHold) {
     info >> language;
     std::getline(info >> std::ws, rest);
     if (language == "console" && rest != "not run") checkSession(GetParam(), block);
-    if (language == "xml" && rest.find('/') != std::string::npos) checkExcerpt(GetParam(), block, rest);
+    const bool bExcerpt = language == "xml" || language == "cpp" || language == "cmake";
+    if (bExcerpt && rest.find('/') != std::string::npos) checkExcerpt(GetParam(), block, rest);
   }
 }
 

@@ -5,6 +5,7 @@
 
 namespace formats {
 
+const Format &example();
 const Format &fix();
 const Format &xml();
 
