@@ -66,21 +66,20 @@ std::string_view Call::utf8(int argument) {
 }
 
 int Call::number(int argument, int min, int max) {
-  const std::string expected = "a whole number from " + std::to_string(min) + " to " + std::to_string(max);
+  const auto wrong = [&](const char *found) {
+    refuse(argument, Fault::kHere,
+           "a whole number from " + std::to_string(min) + " to " + std::to_string(max), found);
+  };
   std::string_view digits = text(argument);
   while (digits.starts_with(' ')) digits.remove_prefix(1);
   while (digits.ends_with(' ')) digits.remove_suffix(1);
-  if (digits.empty()) refuse(argument, Fault::kHere, expected, "no digits");
+  if (digits.empty()) wrong("no digits");
   if (digits.starts_with('+') && !digits.starts_with("+-")) digits.remove_prefix(1);
   int number = 0;
   const char *end = digits.data() + digits.size();
   const auto [stop, error] = std::from_chars(digits.data(), end, number);
-  if (stop != end || error == std::errc::invalid_argument) {
-    refuse(argument, Fault::kHere, expected, "something else");
-  }
-  if (error != std::errc() || number < min || number > max) {
-    refuse(argument, Fault::kHere, expected, "one outside");
-  }
+  if (stop != end || error == std::errc::invalid_argument) wrong("something else");
+  if (error != std::errc() || number < min || number > max) wrong("one outside");
   return number;
 }
 

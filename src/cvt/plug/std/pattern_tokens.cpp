@@ -1,0 +1,72 @@
+#include "pattern_tokens.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace cvt::functions {
+
+namespace {
+
+struct Letter {
+  char letter;
+  size_t min;
+  size_t max;
+};
+constexpr Letter kLetters[] = {{'y', 2, 4}, {'M', 1, 4}, {'d', 1, 2}, {'D', 3, 3}, {'E', 3, 4},
+                               {'H', 1, 2}, {'h', 1, 2}, {'a', 1, 1}, {'m', 2, 2}, {'s', 2, 2},
+                               {'S', 1, 9}, {'X', 2, 3}, {'x', 3, 3}, {'Z', 1, 1}};
+
+bool isLetter(char c) {
+  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+
+}  // namespace
+
+bool Tokens::next(Token &token) {
+  for (; m_at < m_pattern.size() && m_pattern[m_at] == '\''; ++m_at) {
+    m_begin = m_at;
+    if (m_pattern.substr(m_at, 2) == "''") {
+      m_at += 2;
+      token = {'\'', 0};
+      return m_misfit.expected == nullptr;
+    }
+    m_quoted = !m_quoted;
+  }
+  m_begin = m_at;
+  if (m_at == m_pattern.size()) {
+    end();
+    return false;
+  }
+  if (m_quoted || !isLetter(m_pattern[m_at])) {
+    token = {m_pattern[m_at++], 0};
+  } else {
+    part(token);
+  }
+  return m_misfit.expected == nullptr;
+}
+
+void Tokens::part(Token &token) {
+  const char c = m_pattern[m_at];
+  while (m_at < m_pattern.size() && m_pattern[m_at] == c) ++m_at;
+  token = {c, m_at - m_begin};
+  const auto *known = std::find_if(std::begin(kLetters), std::end(kLetters),
+                                   [c](const Letter &letter) { return letter.letter == c; });
+  if (known == std::end(kLetters)) return refuse("a letter of dates and times, or quotes around it");
+  if (token.count < known->min || token.count > known->max || (c == 'y' && token.count == 3)) {
+    return refuse("as many of the letter as it can stand for");
+  }
+  // Most often, the second one was meant for something else.
+  if (seen(c)) refuse("each part once; months are MM, minutes mm");
+  m_seen |= uint64_t{1} << (c - 'A');
+  if (c == 'm') m_minutesAt = m_begin;
+}
+
+void Tokens::end() {
+  if (m_quoted) refuse("a quote at the end of the text");
+  if (seen('m') && !seen('H') && !seen('h')) {
+    m_begin = m_minutesAt;
+    refuse("hours beside minutes; months are MM");
+  }
+}
+
+}  // namespace cvt::functions
