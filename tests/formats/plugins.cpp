@@ -3,7 +3,7 @@
 namespace formats {
 
 const std::vector<const Format *> &allFormats() {
-  static const std::vector<const Format *> all = {&example(), &fix(), &xml()};
+  static const std::vector<const Format *> all = {&csv(), &example(), &fix(), &json(), &xml()};
   return all;
 }
 

@@ -5,8 +5,10 @@
 
 namespace formats {
 
+const Format &csv();
 const Format &example();
 const Format &fix();
+const Format &json();
 const Format &xml();
 
 }  // namespace formats
