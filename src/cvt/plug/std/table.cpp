@@ -74,8 +74,8 @@ class Table {
       return refuse("a key, " + kit::quoted(std::string(separator)) + " and a value", "no separator",
                     "A comment begins with #");
     }
-    const auto [entry, isNew] =
-        m_entries.try_emplace(row.substr(0, end), row.substr(end + separator.size()), m_line);
+    const Entry added = {row.substr(end + separator.size()), m_line};
+    const auto [entry, isNew] = m_entries.try_emplace(row.substr(0, end), added);
     if (isNew) return true;
     return refuse("a key that no line before has", "the one of line " + std::to_string(entry->second.line),
                   "Remove one of them");
