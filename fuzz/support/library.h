@@ -17,7 +17,7 @@ struct FreeMessage {
 };
 using Message = std::unique_ptr<InnerMessage, FreeMessage>;
 
-// A configuration in a temporary directory: the project's three plug-ins, the folders Message, Convert, Id
+// A configuration in a temporary directory: the project's plug-ins, the folders Message, Convert, Id
 // and IdInfo, and two pipelines: "fuzz" reads and writes, and "02" writes, a message as it is. The plug-ins
 // stay in the process: a fuzzer counts what it covers by their addresses, and opening them again and again
 // would take most of its time.
