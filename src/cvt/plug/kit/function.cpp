@@ -1,7 +1,9 @@
 #include "function.h"
 
+#include <algorithm>
 #include <charconv>
 #include <climits>
+#include <cstdint>
 #include <cstring>
 
 #include "barrier.h"
@@ -74,13 +76,18 @@ int Call::number(int argument, int min, int max) {
   while (digits.starts_with(' ')) digits.remove_prefix(1);
   while (digits.ends_with(' ')) digits.remove_suffix(1);
   if (digits.empty()) wrong("no digits");
-  if (digits.starts_with('+') && !digits.starts_with("+-")) digits.remove_prefix(1);
-  int number = 0;
-  const char *end = digits.data() + digits.size();
-  const auto [stop, error] = std::from_chars(digits.data(), end, number);
-  if (stop != end || error == std::errc::invalid_argument) wrong("something else");
-  if (error != std::errc() || number < min || number > max) wrong("one outside");
-  return number;
+  const bool negative = digits[0] == '-';
+  if (negative || digits[0] == '+') digits.remove_prefix(1);
+  if (digits.empty()) wrong("something else");
+  constexpr int64_t kOutside = int64_t{INT_MAX} + 2;
+  int64_t number = 0;
+  for (const char c : digits) {
+    if (c < '0' || c > '9') wrong("something else");
+    number = std::min(number * 10 + (c - '0'), kOutside);
+  }
+  if (negative) number = -number;
+  if (number < min || number > max) wrong("one outside");
+  return static_cast<int>(number);
 }
 
 char *Call::result(size_t length) {
