@@ -234,6 +234,7 @@ void Parser::absent(const Field &field, const Compound &record) {
     throw Fault(m_reader.stop(), "another field in the record", "its end",
                 "Write it, be it empty, or set nShort");
   }
+  m_call.end = m_reader.stop();
   if (field.mandatory || field.constant != nullptr) checkRead(field, {});
 }
 

@@ -211,6 +211,7 @@ const char *Reader::step(const char *where, bool &escaped) const {
               std::string(m_dialect.escapeByte == 0 ? "twice" : "behind the escape"));
   }
   if (m_dialect.escapeByte != 0 && c == m_dialect.escapeByte) {
+    if (m_dialect.quoteByte != 0) return where + 1;  // it means something inside quotes only
     if (m_end - where < 2 || escapedByte(m_dialect, where[1]) == '\0') {
       fault(where, "a separator, " + kit::quoted(std::string(1, c)) + ", n, r or t behind the escape");
     }
@@ -219,8 +220,10 @@ const char *Reader::step(const char *where, bool &escaped) const {
   }
   const bool breaks = m_dialect.lineEnd != LineEnd::None && (c == '\r' || c == '\n');
   if (!breaks && !at(where, m_dialect.recordEnd) && !at(where, m_dialect.tagFront)) return where + 1;
-  if (m_dialect.terminated || !breaks) fault(where, fieldEnds() + " behind the field");
-  fault(where, fieldEnds(), "Write a value with line ends in quotes, or correct psLineEnd of CsvMsg");
+  fault(where, fieldEnds() + " behind the field",
+        !breaks || m_dialect.terminated || !m_dialect.recordEnd.empty() ? ""
+        : m_dialect.quoteByte != 0 ? "Write a value with line ends in quotes, or correct psLineEnd of CsvMsg"
+                                   : "Correct psLineEnd of CsvMsg");
 }
 
 // Goes on behind a mark inside quotes; null: it is the closing quote.

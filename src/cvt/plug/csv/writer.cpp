@@ -46,11 +46,14 @@ void Writer::value(std::string_view text) {
   m_line += text.size();
 }
 
+// Whether a line that begins with the value would be taken for something else.
+bool Writer::looksLikeStart(std::string_view text) const {
+  return m_line == 0 && ((!m_dialect.comment.empty() && text.starts_with(m_dialect.comment)) ||
+                         text.starts_with(kByteOrderMark));
+}
+
 bool Writer::mustQuote(std::string_view text) const {
-  if (m_line == 0 && ((!m_dialect.comment.empty() && text.starts_with(m_dialect.comment)) ||
-                      text.starts_with(kByteOrderMark))) {
-    return true;
-  }
+  if (looksLikeStart(text)) return true;
   if (m_dialect.marks.absentIn(text)) return false;
   for (const char c : text) {
     if (c == '\n' || c == '\r') {
@@ -175,14 +178,12 @@ void Writer::field(std::string_view text, Style style) {
   const bool quotes = m_dialect.quoteByte != 0;
   if (text.empty()) {
     if (quotes && (style.kept || style.quoted)) quotedValue(text);
-  } else if (quotes && style.quoted) {
-    quotedValue(text);
+  } else if (quotes) {
+    style.quoted || mustQuote(text) ? quotedValue(text) : value(text);
+  } else if (m_dialect.escapeByte != 0 && !looksLikeStart(text)) {
+    escapedValue(text);
   } else if (!mustQuote(text)) {
     value(text);
-  } else if (quotes) {
-    quotedValue(text);
-  } else if (m_dialect.escapeByte != 0 && !m_dialect.marks.absentIn(text)) {
-    escapedValue(text);
   } else {
     throw Fault(Fault::kHere, "a value without separators, line ends and marks",
                 kit::quoted(std::string(text)), "Without quotes they cannot be told from the text's own");

@@ -50,6 +50,7 @@ class Writer {
   void value(std::string_view text);
   void quotedValue(std::string_view text);
   void escapedValue(std::string_view text);
+  bool looksLikeStart(std::string_view value) const;
   bool mustQuote(std::string_view value) const;
   void lead();
   void wrap();

@@ -1,0 +1,347 @@
+// Records that are told by their tags: order, nesting, continued records, choices, brace tags.
+#include <gtest/gtest.h>
+
+#include "csv_config.h"
+
+namespace {
+
+using namespace test::csvtext;
+
+class CsvRecords : public testing::Test {
+ protected:
+  void start() { ASSERT_EQ(m_config.start(), 0) << told(); }
+  void same(const std::string &sName, const std::string &sBytes) {
+    test::clearLog();
+    EXPECT_EQ(pass(sName, sBytes), sBytes) << told();
+  }
+  void refused(const std::string &sName, const std::string &sBytes, const std::string &sLine) {
+    test::clearLog();
+    EXPECT_EQ(parse(sName, sBytes), nullptr) << sBytes;
+    EXPECT_TRUE(told(sLine)) << told();
+  }
+
+  CsvConfig m_config;
+};
+
+// A file head, batches of items with notes of their own, a tail.
+std::vector<CsvNode> batches() {
+  return {record("Head", "psTag=\"H\" nMandatory=\"1\"", fields({"Sender", "Date"})),
+          loop("Batches", "CsvRecord", "psTag=\"B\"", "nMax=\"3\"",
+               {field("Name"),
+                loop("Items", "CsvRecord", "psTag=\"I\"", "nMin=\"1\"",
+                     {field("Code"), field("Amount"), record("Note", "psTag=\"N\"", {field("Text")})}),
+                record("Sum", "psTag=\"S\" nMandatory=\"1\"", {field("Total")})}),
+          record("Tail", "psTag=\"T\"", {field("Count")})};
+}
+
+TEST_F(CsvRecords, BelongToTheRecordThatTheyStandIn) {
+  m_config.message("M", "", batches());
+  start();
+  same("M", "H,me,today\nB,1\nI,a,1\nN,\"x,y\"\nI,b,2\nS,3\nB,2\nI,c,4\nS,4\nT,2\n");
+  same("M", "H,me,today\n");
+  same("M", "H,,\nT,0\n");
+  refused("M", "B,1\n", "Field[Head] Offset[0]: expected the record \"H\", found a record \"B\".");
+  refused("M", "H,,\nB,1\nS,3\n",
+          "Field[Batches[0].Items] Offset[8]: expected at least 1 repetitions, found a record \"S\".");
+  refused("M", "H,,\nB,1\nI,a,1\n",
+          "Field[Batches[0].Sum] Offset[14]: expected the record \"S\", found the end.");
+  refused("M", "H,,\nB,1\nI,a,1\nX,1\n",
+          "Field[Batches[0].Sum] Offset[14]: expected one of the records H, B, I, N, S, T, found a record "
+          "\"X\".");
+  refused("M", "H,,\nH,,\n", "Offset[4]: expected the end of the message, found a record \"H\".");
+  refused("M", "H,,\nX\n", "Offset[4]: expected one of the records H, B, I, N, S, T, found a record \"X\".");
+  refused("M", "H,,\nB\n",
+          "Field[Batches[0].Name] Offset[5]: expected another field in the record, found its end.");
+  const std::string sBatch = "B,1\nI,a,1\nS,3\n";
+  same("M", "H,,\n" + sBatch + sBatch + sBatch);
+  refused("M", "H,,\n" + sBatch + sBatch + sBatch + sBatch,
+          "Field[Batches[3]] Offset[46]: expected at most 3 repetitions, found one more.");
+}
+
+TEST_F(CsvRecords, AreWrittenWhenTheyHaveAValueOrMustBeThere) {
+  m_config.message("M", "", batches());
+  start();
+  const Text text = create("M");
+  EXPECT_EQ(generate(text), "H,,\n");
+  set(text, "Count", "0");
+  EXPECT_EQ(generate(text), "H,,\nT,0\n");
+}
+
+TEST_F(CsvRecords, TagsMayBeInQuotes) {
+  m_config.message("M", "psQuoting=\"always\"", batches());
+  start();
+  same("M", "\"H\",\"me\",\"\"\n");
+  EXPECT_EQ(pass("M", "H,me,\n"), "\"H\",\"me\",\"\"\n");
+  refused("M", "\"H,me\n", "Offset[0]: expected a closing quote");
+  refused("M", "\"H\"x,me\n", "Offset[3]: expected \",\" behind the tag");
+}
+
+TEST_F(CsvRecords, InAnyOrderAreWrittenInTheDefinitions) {
+  m_config.message(
+      "M", "psOrder=\"any\"",
+      {record("A", "psTag=\"A\" nMandatory=\"1\"", {field("F")}), record("B", "psTag=\"B\"", {field("G")}),
+       loop("C", "CsvRecord", "psTag=\"C\"", "nMin=\"1\" nMax=\"2\"", {field("K")})});
+  start();
+  EXPECT_EQ(pass("M", "C,1\nB,2\nA,3\nC,4\n"), "A,3\nB,2\nC,1\nC,4\n") << told();
+  refused("M", "C,1\nB,2\n", "Field[A] Offset[8]: expected the record \"A\", found the end.");
+  refused("M", "A,1\nC,2\nA,3\n", "Offset[8]: expected each record once, found a record \"A\".");
+  refused("M", "A,1\n", "Field[C] Offset[4]: expected at least 1 repetitions, found the end.");
+  refused("M", "A,1\nC,2\nC,3\nA,4\n", "Offset[12]: expected each record once");
+  refused("M", "A,1\nC,2\nC,3\nC,4\n", "Field[C[2]] Offset[12]: expected at most 2 repetitions");
+  refused("M", "A,1\nC,2\nX,3\n", "Offset[8]: expected one of the records A, B, C, found a record \"X\".");
+}
+
+TEST_F(CsvRecords, GroupsOfRecordsAreThereAsAWhole) {
+  m_config.message("M", "",
+                   {group("G", "",
+                          {record("A", "psTag=\"A\" nMandatory=\"1\"", {field("F")}),
+                           record("B", "psTag=\"B\" nMandatory=\"1\"", {field("H")})}),
+                    loop("L", "CsvGroup", "", "",
+                         {record("C", "psTag=\"C\"", {field("I")}),
+                          record("D", "psTag=\"D\" nMandatory=\"1\"", {field("J")})})});
+  start();
+  same("M", "A,1\nB,2\nC,1\nD,2\nD,3\n");
+  same("M", "D,1\n");
+  EXPECT_EQ(pass("M", ""), "");
+  refused("M", "A,1\n", "Field[G.B] Offset[4]: expected the record \"B\", found the end.");
+  refused("M", "C,1\nC,2\n", "Field[L[0].D] Offset[4]: expected the record \"D\", found a record \"C\".");
+}
+
+// --- Fields inside a record
+// ---------------------------------------------------------------------------------------
+
+TEST_F(CsvRecords, MayEndEarlyWhenTheyMay) {
+  m_config.message("M", "nShort=\"1\"",
+                   {record("A", "psTag=\"A\"",
+                           {field("F", "nMandatory=\"1\""), field("G"), field("H", "nKeepEmpty=\"2\"")})});
+  m_config.message("Row", "nShort=\"1\" psQuote=\"\"", {field("F"), field("G", "nKeepEmpty=\"2\"")});
+  start();
+  for (const char *const ps : {"A,1\n", "A,1,2\n", "A,1,2,3\n", "A,1,,3\n", "A,1,,\"\"\n"}) same("M", ps);
+  EXPECT_EQ(pass("M", "A,1,,\n"), "A,1\n");
+  refused("M", "A\n", "Field[A.F] Offset[1]: expected a value, found none.");
+  refused("M", "A,1,2,3,4\n", "Offset[8]: expected a line feed behind the last field of the record");
+  for (const char *const ps : {"1\n", "1,\n", ",2\n", ",\n", "\n"}) same("Row", ps);
+}
+
+TEST_F(CsvRecords, HoldLoopsOfFieldsToTheirEndOrByCount) {
+  m_config.message("M", "",
+                   {record("A", "psTag=\"A\"",
+                           {field("F"), field("N"),
+                            loop("Pairs", "CsvGroup", "", "nMax=\"3\"", {field("X"), field("Y")}, "N"),
+                            field("G"), loop("Rest", "CsvField", "nMaxLen=\"2\"", "", {})})});
+  start();
+  same("M", "A,f,2,1,2,3,4,g\n");
+  same("M", "A,f,0,g,r,,s\n");
+  EXPECT_EQ(pass("M", "A,f,,g\n"), "A,f,0,g\n");
+  EXPECT_EQ(pass("M", "A,f,01,1,2,g\n"), "A,f,1,1,2,g\n");
+  refused("M", "A,f,2,1,2,g\n",
+          "Field[A.Pairs[1].Y] Offset[11]: expected another field in the record, found its end.");
+  refused("M", "A,f,2,1,2\n",
+          "Field[A.Pairs[1]] Offset[10]: expected 2 repetitions, found 1. Correct the count.");
+  refused("M", "A,f,4,1,2,3,4,5,6,7,8,g\n",
+          "Field[A.Pairs[3]] Offset[18]: expected at most 3 repetitions, found one more.");
+  refused("M", "A,f,x,g\n", "expected a count of repetitions, found \"x\".");
+  refused("M", "A,f,-1,g\n", "expected a count of repetitions, found \"-1\".");
+  refused("M", "A,f,99999999999999999999,g\n", "expected a count of repetitions");
+  refused("M", "A,f,0,g,123\n", "Field[A.Rest[0].Rest] Offset[8]: expected at most 2 characters, found 3");
+}
+
+TEST_F(CsvRecords, HoldAlternativesThatAValueChooses) {
+  m_config.message("M", "",
+                   {record("A", "psTag=\"A\"",
+                           {field("Kind"),
+                            group("What", "psKind=\"choice\" psSelect=\"Kind\" psNone=\"Z|\"",
+                                  {group("Sum", "psWhen=\"S\"", {field("One"), field("Two")}),
+                                   field("Day", "psWhen=\"D|E\"")}),
+                            field("Last")})});
+  m_config.message("Else", "",
+                   {field("Kind", "psDefault=\"D\""),
+                    group("What", "psKind=\"choice\" psSelect=\"Kind\"",
+                          {field("Day", "psWhen=\"D\""), group("Other", "", {field("X"), field("Y")})})});
+  start();
+  for (const char *const ps : {"A,S,1,2,l\n", "A,D,1,l\n", "A,E,1,l\n", "A,Z,l\n", "A,,l\n"}) same("M", ps);
+  for (const char *const ps : {"D,1\n", "q,1,2\n"}) same("Else", ps);
+  EXPECT_EQ(pass("Else", ",1\n"), "D,1\n");
+  refused("M", "A,Q,l\n",
+          "Field[A.What] Offset[4]: expected a value of Kind that chooses what follows, found \"Q\". Known: "
+          "\"S\", \"D\", \"E\", \"Z\", \"\".");
+  const Text text = create("M");
+  set(text, "Kind", "S");
+  set(text, "Day", "1");
+  EXPECT_EQ(generate(text), "failed");
+  EXPECT_TRUE(told(
+      "Field[A.What] Offset[3]: expected values only in what Kind chooses, found them in Day with \"S\"."))
+      << told();
+  set(text, "Kind", "Q");
+  set(text, "Day", "");
+  EXPECT_EQ(generate(text), "failed");
+  EXPECT_TRUE(told("that chooses what follows, found \"Q\"")) << told();
+}
+
+TEST_F(CsvRecords, ARestTakesTheSeparatorsToo) {
+  m_config.message("M", "psRecordEnd=\"/\" psQuote=\"\"",
+                   {record("A", "psTag=\"A\"", {field("F"), field("G", "psKind=\"rest\"")})});
+  start();
+  same("M", "A,1,2,\"3//\n");
+  same("M", "A,1,/\n");
+  refused("M", "A,1,2\n", "Field[A.G] Offset[5]: expected \"/\" at the end of the line, found \"\\x0A\".");
+  refused("M", "A,1,2\r/\n", "Field[A.G] Offset[5]: expected \"/\" at the end of the line");
+  const Text text = create("M");
+  set(text, "G", "a\nb");
+  EXPECT_EQ(generate(text), "failed");
+  EXPECT_TRUE(told("expected a value without line ends and marks, found \"a\\x0Ab\".")) << told();
+}
+
+// --- End marks and continued records
+// -------------------------------------------------------------------------------
+
+std::vector<CsvNode> continued() {
+  return {record("A", "psTag=\"01\" nMandatory=\"1\"",
+                 {field("F"), field("G"), field("H"), field("Wraps", "psKind=\"wraps\"")}),
+          loop("B", "CsvRecord", "psTag=\"02\"", "", {loop("Texts", "CsvField", "psKind=\"rest\"", "", {})})};
+}
+
+TEST_F(CsvRecords, EndWithAMarkBeforeTheLineEnd) {
+  m_config.message("M", "psRecordEnd=\"/\" psQuote=\"\" psContinuation=\"88\"", continued());
+  start();
+  same("M", "01,1,2,3/\n");
+  refused("M", "01,1,2,3\n", "Field[A.H] Offset[8]: expected \",\" or \"/\" behind the field, found");
+  refused("M", "01,1/2,3/\n",
+          "Field[A.F] Offset[4]: expected \",\" or \"/\" behind the field, found \"/2,3/\\x0A\".");
+  refused("M", "01/1,2,3/\n", "Offset[2]: expected \",\" behind the tag, found \"/1,2,3/\\x0A\".");
+  const Text text = create("M");
+  set(text, "F", "1/2");
+  EXPECT_EQ(generate(text), "failed");
+  EXPECT_TRUE(told("Field[A.F] Offset[3]: expected a value without separators, line ends and marks"))
+      << told();
+}
+
+TEST_F(CsvRecords, AreContinuedWhereTheyWereWhenTheyWereRead) {
+  m_config.message("M", "psRecordEnd=\"/\" psQuote=\"\" psContinuation=\"88\"", continued());
+  m_config.message("Joined", "psRecordEnd=\"/\" psQuote=\"\" psContinuation=\"88\"",
+                   {record("A", "psTag=\"01\"", fields({"F", "G", "H"}))});
+  start();
+  same("M", "01,1/\n88,2,3/\n");
+  same("M", "01,1,2/\n88,3/\n");
+  same("M", "01,1/\n88,2/\n88,3/\n");
+  same("M", "01,1/\n88,,/\n");
+  same("M", "01,1,2,3/\n02,some text/\n88,and, more/\n02,x/\n");
+  EXPECT_EQ(pass("Joined", "01,1/\n88,2/\n88,3/\n"), "01,1,2,3/\n");
+  EXPECT_EQ(get(parse("M", "01,1/\n88,2/\n88,3/\n"), "Wraps"), "2 3");
+  refused("M", "01,1,2,3/\n88,4/\n",
+          "Offset[13]: expected \"/\" behind the last field of the record, found \"4/\\x0A\".");
+  refused("M", "88,1/\n", "expected one of the records 01, 02, found a record \"88\".");
+  const Text text = create("M");
+  for (const char *const ps : {"3 2", "x", "2x", "9", "0"}) {
+    set(text, "Wraps", ps);
+    EXPECT_EQ(generate(text), "failed") << ps;
+  }
+}
+
+TEST_F(CsvRecords, AreContinuedAtTheDeclaredLength) {
+  m_config.message("M", "psRecordEnd=\"/\" psQuote=\"\" psContinuation=\"88\" nMaxRecord=\"12\"",
+                   continued());
+  start();
+  EXPECT_EQ(pass("M", "01,1234,56,7/\n"), "refused");
+  EXPECT_TRUE(told("Offset[0]: expected a line of at most 12 bytes, found 13. Raise nMaxRecord")) << told();
+  const Text text = create("M");
+  set(text, "F", "12345678");
+  set(text, "G", "1");
+  set(text, "H", "123456");
+  EXPECT_EQ(generate(text), "01,12345678/\n88,1,123456/\n");
+  EXPECT_EQ(get(parse("M", "01,12345678/\n88,1,123456/\n"), "Wraps"), "2");
+  set(text, "H", "1234567");
+  EXPECT_EQ(generate(text), "01,12345678/\n88,1/\n88,1234567/\n");
+  set(text, "H", "123456789");
+  EXPECT_EQ(generate(text), "failed");
+  EXPECT_TRUE(told("expected a line of at most 12 bytes, found 13.")) << told();
+}
+
+TEST_F(CsvRecords, MayStandInOneLine) {
+  m_config.message("M", "psLineEnd=\"none\" psRecordEnd=\"'\" psSeparator=\"+\" psQuote=\"\" psEscape=\"?\"",
+                   {record("A", "psTag=\"A\"", fields({"F", "G"})),
+                    loop("B", "CsvRecord", "psTag=\"B\"", "", {field("H")})});
+  start();
+  same("M", "A+1+2'B+it?'s ?+ ?\?'B+\n'");
+  refused("M", "A+1+2", "Field[A.G] Offset[5]: expected \"+\" or \"'\" behind the field, found the end.");
+  refused("M", "A+1+2'\nB+3'", "expected one of the records A, B, found a record \"\\x0AB\".");
+}
+
+// --- Brace tags
+// ---------------------------------------------------------------------------------------------------
+
+std::vector<CsvNode> braces() {
+  return {record("Head", "psTag=\"1500\" nMandatory=\"1\"",
+                 {field("Version", "nLen=\"2\""), field("User", "nLen=\"4\" psPad=\" \""),
+                  field("Code", "nLen=\"1\"")}),
+          record("Party", "psTag=\"4000\"",
+                 {field("Kind", "nLen=\"1\""), field("Id"), group("G", "", {field("Name"), field("City")})}),
+          record("Info", "psTag=\"6000\"", {field("L1", "nMandatory=\"1\""), field("L2")})};
+}
+
+TEST_F(CsvRecords, BraceTagsFixedFieldsAndFieldsWithAnEndOfTheirOwn) {
+  m_config.message("M",
+                   "psSeparator=\"*\" nTerminated=\"1\" psQuote=\"\" psTagFront=\"{\" psTagBack=\"}\" "
+                   "nShort=\"1\" psLastLineEnd=\"none\"",
+                   braces());
+  m_config.message("OneLine",
+                   "psSeparator=\"*\" nTerminated=\"1\" psQuote=\"\" psTagFront=\"{\" psTagBack=\"}\" "
+                   "nShort=\"1\" psLineEnd=\"none\"",
+                   braces());
+  start();
+  for (const std::string s : {"{1500}30User \n{4000}Did*name*\n{6000}one*two*", "{1500}30ab   ",
+                              "{1500}30abcdx\n{4000}D*name**", "{1500}30abcdx\n{6000}one*"}) {
+    const Text text = parse("M", s);
+    ASSERT_NE(text, nullptr) << s << told();
+  }
+  same("M", "{1500}30User \n{4000}Did*name*\n{6000}one*two*");
+  same("M", "{1500}30ab   \n{4000}D*name*city*");
+  same("OneLine", "{1500}30User {4000}Did*name*{6000}one*two*");
+  refused("M", "{1500}30Use\n{4000}D",
+          "Field[Head.User] Offset[11]: expected 4 characters of a field of fixed length, without");
+  refused("M", "{1500}30UserXY",
+          "Offset[13]: expected a line feed behind the last field of the record, found \"Y\".");
+  refused("M", "{1500}30UserX\n{4000}Did*name",
+          "Field[Party.G.Name] Offset[28]: expected \"*\" behind the field, found the end.");
+  refused("M", "{1500}30UserX\n{4000}Did\n{6000}",
+          "Field[Party.Id] Offset[23]: expected \"*\" behind the field, found");
+  refused("M", "{1500}30UserX\n{6000}", "Field[Info.L1] Offset[20]: expected a value, found none.");
+  refused("M", "{1599}\n{1500}30UserX",
+          "Field[Head] Offset[0]: expected one of the records 1500, 4000, 6000, found a record \"1599\".");
+  refused("M", "1500}30UserX", "Offset[0]: expected a record that begins with \"{\", found");
+  refused("M", "{1500 30UserX", "Offset[0]: expected a tag that ends with \"}\", found");
+}
+
+TEST_F(CsvRecords, FixedFieldsAreFilledOrRefused) {
+  m_config.message("M",
+                   "psSeparator=\"*\" nTerminated=\"1\" psQuote=\"\" psTagFront=\"{\" psTagBack=\"}\" "
+                   "nShort=\"1\" psLastLineEnd=\"none\"",
+                   braces());
+  start();
+  const Text text = create("M");
+  set(text, "Version", "30");
+  EXPECT_EQ(generate(text), "{1500}30");
+  set(text, "User", "ab");
+  set(text, "Code", "x");
+  EXPECT_EQ(generate(text), "{1500}30ab  x");
+  set(text, "User", "abcde");
+  EXPECT_EQ(generate(text), "failed");
+  EXPECT_TRUE(
+      told("Field[Head.User] Offset[8]: expected 4 characters, found 5, \"abcde\". Shorten the value."))
+      << told();
+  set(text, "User", "a*b");
+  EXPECT_EQ(generate(text), "failed");
+  EXPECT_TRUE(told("expected a value without separators and line ends, found \"a*b\".")) << told();
+  set(text, "User", "éé");
+  EXPECT_EQ(generate(text), "{1500}30éé  x");
+  set(text, "Version", "");
+  EXPECT_EQ(generate(text), "failed");
+  EXPECT_TRUE(told("expected values of all fields of fixed length before this one")) << told();
+  set(text, "Version", "3");
+  EXPECT_EQ(generate(text), "failed");
+  EXPECT_TRUE(
+      told("Field[Head.Version] Offset[6]: expected 2 characters, found 1, \"3\". Fill it, or write psPad."))
+      << told();
+}
+
+}  // namespace
