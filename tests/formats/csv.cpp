@@ -19,6 +19,9 @@ class Csv : public Format {
     return "<CsvMsg __ID=\"pInfo\" psCharset=\"" + charset + "\"" + ends + "/>";
   }
   std::string fieldRecord(const Item &field) const override {
+    if (field.kind == Item::Kind::Constant) {
+      return std::string("<CsvField __ID=\"pInfo\" psConst=\"") + kConstant + "\"/>";
+    }
     return "<CsvField __ID=\"pInfo\" nMaxLen=\"" + std::to_string(field.most) + "\"/>";
   }
   std::string groupRecord(const Item &) const override { return ""; }

@@ -12,6 +12,9 @@ class Example : public Format {
  protected:
   std::string messageRecord(const std::string &) const override { return "<ExampleMsg __ID=\"pInfo\"/>"; }
   std::string fieldRecord(const Item &field) const override {
+    if (field.kind == Item::Kind::Constant) {
+      return std::string("<ExampleField __ID=\"pInfo\" psConst=\"") + kConstant + "\"/>";
+    }
     return "<ExampleField __ID=\"pInfo\" nMaxLen=\"" + std::to_string(field.most) + "\"/>";
   }
   std::string groupRecord(const Item &) const override { return ""; }

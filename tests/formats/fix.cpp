@@ -18,6 +18,9 @@ class Fix : public Format {
            (charset.empty() ? "" : " psCharset=\"" + charset + "\"") + "/>";
   }
   std::string fieldRecord(const Item &field) const override {
+    if (field.kind == Item::Kind::Constant) {
+      return std::string("<FixField __ID=\"pInfo\" nLen=\"4\" psConst=\"") + kConstant + "\"/>";
+    }
     const std::string type =
         field.kind == Item::Kind::Text || field.kind == Item::Kind::Loop ? "text" : "number";
     return "<FixField __ID=\"pInfo\" psType=\"" + type + "\" nLen=\"" + std::to_string(field.most) + "\"/>";

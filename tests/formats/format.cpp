@@ -4,7 +4,10 @@ namespace formats {
 
 std::string Format::chain(const Items &items, const std::string &id) const {
   std::string s;
-  for (const Item &item : items) s += node(item, s.empty() ? id : "ptNextNode");
+  for (const Item &item : items) {
+    if (item.kind == Item::Kind::Count && !countsLoops()) continue;
+    s += node(item, s.empty() ? id : "ptNextNode");
+  }
   return s;
 }
 
@@ -17,7 +20,8 @@ std::string Format::node(const Item &item, const std::string &id) const {
   if (!record.empty()) s += "<FormatAttr __ID=\"ptFormAttr\">" + record + "</FormatAttr>";
   s += std::string("<StructAttr __ID=\"ptStructAttr\"") + (isLoop ? " nType=\"1\">" : ">");
   if (isLoop) {
-    const std::string count = item.count.empty() ? "" : " psLoopNumName=\"" + item.count + "\"";
+    const std::string count =
+        item.count.empty() || !countsLoops() ? "" : " psLoopNumName=\"" + item.count + "\"";
     s += "<LoopType __ID=\"pInfo\"" + count + ">" + loopRecord(item) + "</LoopType>";
   }
   return s + chain(item.members, "ptChildNode") + "</StructAttr></Message>\n";
@@ -26,8 +30,10 @@ std::string Format::node(const Item &item, const std::string &id) const {
 std::string Format::definition(const std::string &message, const Items &items,
                                const std::string &charset) const {
   const std::string root = name();
+  Items placed = items;
+  for (size_t i = 0; i < placed.size(); ++i) placed[i].place = static_cast<int>(i) + 1;
   return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<" + root + "><Msg psMsgName=\"" + message + "\">" +
-         messageRecord(charset) + "\n" + chain(items, "ptHead") + "</Msg></" + root + ">\n";
+         messageRecord(charset) + "\n" + chain(placed, "ptHead") + "</Msg></" + root + ">\n";
 }
 
 }  // namespace formats

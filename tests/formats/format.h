@@ -10,14 +10,18 @@ namespace formats {
 
 // A node of a message of the suite, whatever its format.
 struct Item {
-  enum class Kind { Text, Digits, Count, Group, Loop };
+  enum class Kind { Constant, Text, Digits, Count, Group, Loop };
   Kind kind;
   std::string name;
   int most;                        // characters, digits, or repetitions
   std::vector<Item> members = {};  // of a group, and of each repetition
   std::string count = {};  // of a loop: the field with the number of repetitions, which stands before it
+  int place = 0;           // among the outermost nodes, from 1; 0: inside another
 };
 using Items = std::vector<Item>;
+
+// The value of a constant field.
+constexpr const char *kConstant = "0600";
 
 class Format {
  public:
@@ -38,6 +42,9 @@ class Format {
   // Character sets that its messages may have.
   virtual std::vector<std::string> charsets() const { return {"UTF-8"}; }
 
+  // Whether a field may hold the number of a loop's repetitions.
+  virtual bool countsLoops() const { return true; }
+
   // Whether a message ends by itself, so that another may follow in the same buffer.
   virtual bool endsByItself() const { return true; }
 
@@ -45,8 +52,7 @@ class Format {
   virtual bool prefixMayBeMessage() const { return false; }
 
  protected:
-  // The plug-in's records, as elements with their __ID; empty: none. `inLoop`: the only field of a loop's
-  // repetition.
+  // The plug-in's records, as elements with their __ID; empty: none.
   virtual std::string messageRecord(const std::string &charset) const = 0;
   virtual std::string fieldRecord(const Item &field) const = 0;
   virtual std::string groupRecord(const Item &group) const = 0;

@@ -14,6 +14,9 @@ class JsonFormat : public Format {
     return "<JsonMsg __ID=\"pInfo\" nWhole=\"0\"/>";
   }
   std::string fieldRecord(const Item &field) const override {
+    if (field.kind == Item::Kind::Constant) {
+      return std::string("<JsonField __ID=\"pInfo\" psConst=\"") + kConstant + "\"/>";
+    }
     const std::string type = field.kind == Item::Kind::Text ? "text" : "number";
     return "<JsonField __ID=\"pInfo\" psType=\"" + type + "\" nMaxLen=\"" + std::to_string(field.most) +
            "\"/>";

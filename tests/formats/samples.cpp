@@ -45,6 +45,7 @@ Items orderItems(int more) {
       {Kind::Loop, "Notes", kMostNotes + more, {{Kind::Text, "Note", 12}}, "NoteCount"},
   };
   return {
+      {Kind::Constant, "Type", 4},
       {Kind::Digits, "Id", 8},
       {Kind::Group, "Customer", 0, {{Kind::Text, "Name", kMostName}, {Kind::Text, "City", 16}}},
       {Kind::Count, "LineCount", 2},

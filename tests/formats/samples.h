@@ -10,7 +10,7 @@ namespace formats {
 
 using Json = nlohmann::ordered_json;
 
-// Id, Customer (Name, City), Lines[ Sku, Quantity, Notes[] ], Remark. Loops may have `more` repetitions more
+// Type, Id, Customer (Name, City), Lines[ Sku, Quantity, Notes[] ], Remark. Loops may have `more` repetitions more
 // than kMostLines and kMostNotes.
 Items orderItems(int more = 0);
 
@@ -18,7 +18,7 @@ constexpr int kMostLines = 3;
 constexpr int kMostNotes = 2;
 constexpr int kMostName = 20;
 
-// A message with as many lines, each with as many notes, and every field filled with something plain. The counts
+// A message with as many lines, each with as many notes, and every field filled with something plain. The constant and the counts
 // are left to the format.
 Json order(int lines, int notes);
 

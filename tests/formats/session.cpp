@@ -13,14 +13,14 @@ namespace {
 constexpr char kGuard = '\x5A';
 constexpr size_t kGuards = 64;
 
-void dropCounts(Json &value) {
+void dropFilledIn(Json &value) {
   if (value.is_array()) {
-    for (Json &each : value) dropCounts(each);
+    for (Json &each : value) dropFilledIn(each);
   }
   if (!value.is_object()) return;
   for (auto it = value.begin(); it != value.end();) {
-    dropCounts(*it);
-    it = it.key().ends_with("Count") ? value.erase(it) : std::next(it);
+    dropFilledIn(*it);
+    it = it.key().ends_with("Count") || it.key() == "Type" ? value.erase(it) : std::next(it);
   }
 }
 
@@ -90,7 +90,7 @@ Json Session::values(const Handle &handle) {
   tool::appendJson(line, *handle->ptMsgInfo, m_layouts.of(*handle->ptMsgInfo),
                    handle->tValueListInfo.ptValueList, false);
   Json fields = Json::parse(line)["fields"];
-  dropCounts(fields);
+  dropFilledIn(fields);
   return fields;
 }
 

@@ -38,7 +38,7 @@ class Session {
   // Its bytes in a buffer of `room`, or nothing when it is refused; then not a byte behind the room was touched.
   std::optional<std::string> write(const Handle &handle, size_t room = 1 << 16);
 
-  // All values but the counts of loops.
+  // All values but those that the format fills in: constants, and counts of loops.
   Json values(const Handle &handle);
 
  private:

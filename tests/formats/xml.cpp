@@ -18,6 +18,9 @@ class Xml : public Format {
     return "<XmlMsg __ID=\"pInfo\"" + (charset.empty() ? "" : " psEncoding=\"" + charset + "\"") + "/>";
   }
   std::string fieldRecord(const Item &field) const override {
+    if (field.kind == Item::Kind::Constant) {
+      return std::string("<XmlField __ID=\"pInfo\" psConst=\"") + kConstant + "\"/>";
+    }
     return "<XmlField __ID=\"pInfo\" nMaxLen=\"" + std::to_string(field.most) + "\"/>";
   }
   std::string groupRecord(const Item &) const override { return ""; }
