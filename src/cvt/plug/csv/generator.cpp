@@ -98,10 +98,10 @@ void Generator::item(const Item &item, const List &values) {
 
 void Generator::record(const Compound &record, const List &values) {
   const std::string_view wraps = record.wrapsSlot < 0 ? std::string_view() : values.get(record.wrapsSlot);
-  m_write.begin(record.tag < 0 ? nullptr : &record.tagText, m_plan.quotedTags, wraps);
+  m_write.begin(record.tag < 0 ? nullptr : &record.tagText, m_plan.quotedTags, record.shortened, wraps);
   members(record.fields, values);
   m_path.field(nullptr);
-  m_write.end(record.shortened);
+  m_write.end();
   for (const Item &each : record.records) item(each, values);
 }
 

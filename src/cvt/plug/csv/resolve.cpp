@@ -98,11 +98,11 @@ std::string headerLine(const Plan &plan, const CsvMsg &text) {
   std::string line(room, '\0');
   kit::Output out(line.data(), 0, room);
   Writer writer(plan.dialect, LineEnd::Lf, true, out);
-  writer.begin(nullptr, false, {});
+  writer.begin(nullptr, false, false, {});
   for (const std::string &name : plan.columnNames) {
     writer.field(name, {text.nQuoting == static_cast<int>(Quoting::Always), false});
   }
-  writer.end(false);
+  writer.end();
   line.resize(out.offset());
   return line;
 }

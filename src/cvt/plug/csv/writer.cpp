@@ -11,6 +11,9 @@ using kit::Fault;
 
 namespace {
 
+// Kept from one text to the next, so that it takes nothing from the heap.
+std::vector<const Field *> f_waiting;
+
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 // What an escape makes of a byte where there are no quotes.
@@ -148,7 +151,7 @@ void Writer::tooLong() const {
 }
 
 // Behind a field: a line that has got too long is continued before it.
-void Writer::done(Place before, Place behindLead, bool wrapped, bool keep) {
+void Writer::done(Place before, Place behindLead, bool wrapped) {
   if (m_dialect.maxRecord != 0 && m_line + m_dialect.recordEnd.text.size() > m_dialect.maxRecord) {
     if (wrapped || m_dialect.continuation.empty() || m_number == 1) tooLong();
     const size_t length = m_out.offset() - behindLead.offset;
@@ -162,15 +165,34 @@ void Writer::done(Place before, Place behindLead, bool wrapped, bool keep) {
     m_line += lineLength;
     if (m_line + m_dialect.recordEnd.text.size() > m_dialect.maxRecord) tooLong();
   }
-  if (!keep) return;
-  if (m_hole) {
-    throw Fault(Fault::kHere, "values of all fields of fixed length before this one", "none in one of them",
-                "Fill them, or give them a psPad");
+}
+
+// A field that may be left out at the end of the record waits for one behind it that must be written.
+bool Writer::postponed(const Field *fixed, bool needed) {
+  if (!m_shortened) return false;
+  if (!needed) {
+    f_waiting.push_back(fixed);
+    return true;
   }
-  m_kept = here();
+  for (const Field *each : f_waiting) each == nullptr ? putField({}, {}) : putFixed(*each, {});
+  f_waiting.clear();
+  return false;
 }
 
 void Writer::field(std::string_view text, Style style) {
+  const bool quoted = m_dialect.quoteByte != 0 && style.quoted;
+  if (!postponed(nullptr, !text.empty() || style.kept || quoted)) putField(text, style);
+}
+
+void Writer::fixed(const Field &field, std::string_view text) {
+  if (!postponed(&field, !text.empty())) putFixed(field, text);
+}
+
+void Writer::rest(std::string_view text) {
+  if (!postponed(nullptr, !text.empty())) putRest(text);
+}
+
+void Writer::putField(std::string_view text, Style style) {
   const Place before = here();
   const bool wrapped = wrapIsDue();
   wrapped ? wrap() : lead();
@@ -194,16 +216,16 @@ void Writer::field(std::string_view text, Style style) {
   }
   if (m_dialect.terminated) put(m_dialect.separator);
   m_separate = true;
-  done(before, behindLead, wrapped, !text.empty() || style.kept || (quotes && style.quoted));
+  done(before, behindLead, wrapped);
 }
 
-void Writer::fixed(const Field &field, std::string_view text) {
+void Writer::putFixed(const Field &field, std::string_view text) {
   const Place before = here();
   const bool wrapped = wrapIsDue();
   wrapped ? wrap() : lead();
   const Place behindLead = here();
   const size_t characters = kit::Charset::countUtf8(text.data(), text.size());
-  if (characters > field.length || (characters < field.length && !field.padded && !text.empty())) {
+  if (characters > field.length || (characters < field.length && !field.padded)) {
     throw Fault(Fault::kHere, std::to_string(field.length) + " characters",
                 std::to_string(characters) + ", " + kit::quoted(std::string(text)),
                 characters > field.length ? "Shorten the value" : "Fill it, or write psPad");
@@ -214,14 +236,10 @@ void Writer::fixed(const Field &field, std::string_view text) {
   value(text);
   for (size_t i = characters; i < field.length; ++i) value({&field.pad, 1});
   m_separate = false;
-  if (text.empty() && !field.padded) {
-    m_hole = true;
-    return;
-  }
-  done(before, behindLead, wrapped, !text.empty());
+  done(before, behindLead, wrapped);
 }
 
-void Writer::rest(std::string_view text) {
+void Writer::putRest(std::string_view text) {
   const Place before = here();
   const bool wrapped = wrapIsDue();
   wrapped ? wrap() : lead();
@@ -241,7 +259,7 @@ void Writer::rest(std::string_view text) {
   }
   m_separate = true;
   m_afterRest = true;
-  done(before, behindLead, wrapped, !text.empty());
+  done(before, behindLead, wrapped);
 }
 
 // --- Records
@@ -259,12 +277,13 @@ void Writer::line(std::string_view bytes) {
   m_endPending = m_dialect.lineEnd != LineEnd::None;
 }
 
-void Writer::begin(const Literal *tag, bool quotedTag, std::string_view wraps) {
+void Writer::begin(const Literal *tag, bool quotedTag, bool shortened, std::string_view wraps) {
   endLine();
   m_start = m_out.offset();
   m_number = 0;
   m_separate = false;
-  m_hole = false;
+  m_shortened = shortened;
+  f_waiting.clear();
   m_afterRest = false;
   m_blank = false;
   m_wraps = wraps;
@@ -275,21 +294,13 @@ void Writer::begin(const Literal *tag, bool quotedTag, std::string_view wraps) {
     m_separate = m_dialect.tagBack.empty();
     if (m_separate && m_dialect.terminated) put(m_dialect.separator);
   }
-  m_kept = here();
 }
 
-void Writer::end(bool shortened) {
-  if (!m_wraps.empty()) {
+void Writer::end() {
+  if (!m_wraps.empty() && !m_shortened) {
     throw Fault(Fault::kHere, "fields up to those where the record is continued",
                 std::to_string(m_number) + " of them, and " + kit::quoted(std::string(m_wraps)),
                 "Leave the field of kind wraps empty");
-  }
-  if (shortened) {
-    m_out.rewind(m_kept.offset);
-    m_line = m_kept.line;
-  } else if (m_hole) {
-    throw Fault(Fault::kHere, "values of all fields of fixed length", "none in one of them",
-                "Fill them, or give them a psPad");
   }
   if (m_out.offset() == m_start && m_dialect.recordEnd.empty()) {
     if (m_dialect.quoteByte != 0 && !m_dialect.terminated) {

@@ -25,13 +25,13 @@ class Writer {
   // A line as it is, its length in UTF-8 told.
   void line(std::string_view bytes);
 
-  // tag: null or the record's. wraps: numbers of the fields before which the record was continued when it was
-  // read.
-  void begin(const Literal *tag, bool quotedTag, std::string_view wraps);
+  // tag: null or the record's. shortened: empty fields at the end are left out. wraps: numbers of the fields
+  // before which the record was continued when it was read.
+  void begin(const Literal *tag, bool quotedTag, bool shortened, std::string_view wraps);
   void field(std::string_view value, Style style);
   void fixed(const Field &field, std::string_view value);
   void rest(std::string_view value);
-  void end(bool shortened);
+  void end();
 
   // Behind the last record.
   void finish();
@@ -55,7 +55,11 @@ class Writer {
   void lead();
   void wrap();
   size_t wrapLength() const;
-  void done(Place before, Place behindLead, bool wrapped, bool keep);
+  bool postponed(const Field *fixed, bool needed);
+  void putField(std::string_view value, Style style);
+  void putFixed(const Field &field, std::string_view value);
+  void putRest(std::string_view value);
+  void done(Place before, Place behindLead, bool wrapped);
   void endLine();
   bool wrapIsDue();
   [[noreturn]] static void blankLine();
@@ -72,8 +76,7 @@ class Writer {
   size_t m_line = 0;
   size_t m_start = 0;   // offset of the record
   size_t m_number = 0;  // of the field, from 1
-  Place m_kept{};       // behind the last field that must be written
-  bool m_hole = false;  // a fixed field without a value was passed
+  bool m_shortened = false;
   std::string_view m_wraps;
 };
 
