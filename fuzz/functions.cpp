@@ -26,26 +26,28 @@ bool configured() {
   return true;
 }
 
-Value valueOf(const std::string &bytes) {
+Value valueOf(std::string &bytes) {
   Value value{};
-  value.psValue = const_cast<char *>(bytes.data());
+  value.psValue = bytes.data();
   value.nLen = static_cast<int>(bytes.size());
   return value;
 }
 
 void call(FncConvert entry, const std::string &name, const std::vector<std::string> &texts) {
-  const std::vector<std::string> before = texts;
-  std::vector<Value> values;
-  for (const std::string &text : texts) values.push_back(valueOf(text));
-  std::vector<Value *> arguments;
-  for (Value &value : values) arguments.push_back(&value);
+  std::vector<std::string> handed = texts;
+  std::vector<Value> values(texts.size());
+  std::vector<Value *> arguments(texts.size());
+  for (size_t i = 0; i < texts.size(); ++i) {
+    values[i] = valueOf(handed[i]);
+    arguments[i] = &values[i];
+  }
   MemNode *const memory = cvtMemNewNode();
   Value result{};
   if (entry(&result, static_cast<int>(arguments.size()), arguments.data(), memory) == 0) {
     fuzz::require(result.nLen >= 0 && result.nLen <= kMaxResult, name + " keeps the limit");
     fuzz::require(result.psValue != nullptr && result.psValue[result.nLen] == 0, name + " ends its result");
   }
-  fuzz::require(texts == before, name + " leaves its arguments alone");
+  fuzz::require(handed == texts, name + " leaves its arguments alone");
   cvtMemDelNode(memory);
 }
 

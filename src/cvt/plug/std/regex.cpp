@@ -47,8 +47,9 @@ class Matching {
 
   // What the group matched; empty when it did not take part.
   std::string_view group(int number) const {
-    const size_t from = m_found[2 * number];
-    const size_t to = m_found[2 * number + 1];
+    const size_t *pair = m_found + 2 * static_cast<size_t>(number);
+    const size_t from = pair[0];
+    const size_t to = pair[1];
     return from == PCRE2_UNSET || to <= from ? std::string_view() : m_text.substr(from, to - from);
   }
 

@@ -21,6 +21,11 @@ namespace fs = std::filesystem;
 constexpr size_t kWhole = kit::Fault::kHere;
 constexpr const char *kExtension = ".txt";
 
+struct Entry {
+  std::string_view value;
+  size_t line = 0;
+};
+
 // One file: lines of a key, a separator and a value. The views are into its text.
 class Table {
  public:
@@ -49,11 +54,6 @@ class Table {
   }
 
  private:
-  struct Entry {
-    std::string_view value;
-    size_t line;
-  };
-
   bool refuse(const std::string &expected, const std::string &found, const char *advice) const {
     KIT_ERR("File[%s:%zu]: %s", m_file.c_str(), m_line,
             kit::Fault(kWhole, expected, found, advice).text().c_str());
@@ -74,7 +74,9 @@ class Table {
       return refuse("a key, " + kit::quoted(std::string(separator)) + " and a value", "no separator",
                     "A comment begins with #");
     }
-    const Entry added = {row.substr(end + separator.size()), m_line};
+    Entry added;
+    added.value = row.substr(end + separator.size());
+    added.line = m_line;
     const auto [entry, isNew] = m_entries.try_emplace(row.substr(0, end), added);
     if (isNew) return true;
     return refuse("a key that no line before has", "the one of line " + std::to_string(entry->second.line),
