@@ -1,4 +1,6 @@
 // identity.cpp: values that are there only once.
+#include <dlfcn.h>
+
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -20,7 +22,15 @@ constexpr int kMostStart = 2147483647;
 
 // --- Sequences ---------------------------------------------------------------------------------------------
 
-// The next number of each name. They are the process's, and a reload of the configuration leaves them.
+// From the first sequence on, the plug-in stays in the process when its configuration goes: the numbers go on.
+void stayLoaded() {
+  static const char s_here = 0;
+  Dl_info self{};
+  if (dladdr(&s_here, &self) == 0 || self.dli_fname == nullptr) return;
+  dlopen(self.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE);
+}
+
+// The next number of each name.
 using Sequences = std::map<std::string, uint64_t, std::less<>>;
 
 uint64_t &sequenceOf(kit::Call &call, int argument, uint64_t start) {
@@ -35,6 +45,7 @@ uint64_t &sequenceOf(kit::Call &call, int argument, uint64_t start) {
     call.refuse(argument, kWhole, "one of the 1000 names that there are", "one more",
                 "Name sequences in the configuration, not by what messages bring");
   }
+  if (s_all.empty()) stayLoaded();
   return s_all.emplace(name, start).first->second;
 }
 
