@@ -48,8 +48,8 @@ void answerWhether(kit::Call &call, bool holds) {
 int luhnDigitOf(std::string_view digits) {
   int sum = 0;
   bool doubled = true;
-  for (auto digit = digits.rbegin(); digit != digits.rend(); ++digit, doubled = !doubled) {
-    const int value = (*digit - '0') * (doubled ? 2 : 1);
+  for (size_t i = digits.size(); i-- > 0; doubled = !doubled) {
+    const int value = (digits[i] - '0') * (doubled ? 2 : 1);
     sum = (sum + (value > 9 ? value - 9 : value)) % 10;
   }
   return (10 - sum) % 10;
@@ -117,10 +117,10 @@ template <int kModulus>
 int weightedDigit(std::string_view digits, std::string_view weights) {
   int sum = 0;
   size_t weight = weights.size();
-  for (auto digit = digits.rbegin(); digit != digits.rend(); ++digit) {
+  for (size_t i = digits.size(); i-- > 0;) {
     if (weight == 0) weight = weights.size();
     --weight;
-    sum = (sum + (*digit - '0') * (weights[weight] - '0')) % kModulus;
+    sum = (sum + (digits[i] - '0') * (weights[weight] - '0')) % kModulus;
   }
   return (kModulus - sum) % kModulus;
 }

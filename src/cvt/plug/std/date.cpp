@@ -86,10 +86,12 @@ AnyZone zone(kit::Call &call, int argument) {
   if (name == "UTC") return {};
   if (const Zone *found = Zone::find(name)) return {found, 0};
   Moment moment;
-  if (readMoment(name, "XXX", moment).expected == nullptr) return {nullptr, *moment.offset};
-  call.refuse(
-      argument, kWhole, "a time zone", "another text",
-      "Zones are UTC, offsets such as +02:00, and names such as Europe/Berlin, of the package tzdata");
+  if (readMoment(name, "XXX", moment).expected != nullptr) {
+    call.refuse(
+        argument, kWhole, "a time zone", "another text",
+        "Zones are UTC, offsets such as +02:00, and names such as Europe/Berlin, of the package tzdata");
+  }
+  return {nullptr, *moment.offset};
 }
 
 // The offset of the value decides, if it has one; otherwise the zone in an argument, or UTC.

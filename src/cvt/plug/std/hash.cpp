@@ -56,7 +56,7 @@ void hmacSha256(kit::Call &call) {
 }
 
 // What the remainder becomes for each value of its low byte.
-constexpr std::array<uint32_t, 256> kCrcSteps = [] {
+constexpr std::array<uint32_t, 256> crcSteps() {
   std::array<uint32_t, 256> steps{};
   for (uint32_t i = 0; i < steps.size(); ++i) {
     uint32_t remainder = i;
@@ -64,7 +64,9 @@ constexpr std::array<uint32_t, 256> kCrcSteps = [] {
     steps[i] = remainder;
   }
   return steps;
-}();
+}
+
+constexpr std::array<uint32_t, 256> kCrcSteps = crcSteps();
 
 void crc32(kit::Call &call) {
   uint32_t remainder = ~uint32_t{0};

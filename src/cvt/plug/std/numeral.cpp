@@ -101,7 +101,7 @@ class Scanner {
   std::string_view m_text;
   Marks m_marks;
   size_t m_at = 0;
-  char m_digits[Decimal::kMaxDigits];
+  char m_digits[Decimal::kMaxDigits] = {};
   size_t m_count = 0;
   int m_decimals = 0;
   Wrong m_wrong{};

@@ -49,8 +49,8 @@ void Tokens::part(Token &token) {
   const char c = m_pattern[m_at];
   while (m_at < m_pattern.size() && m_pattern[m_at] == c) ++m_at;
   token = {c, m_at - m_begin};
-  const auto *known = std::find_if(std::begin(kLetters), std::end(kLetters),
-                                   [c](const Letter &letter) { return letter.letter == c; });
+  const Letter *const known = std::find_if(std::begin(kLetters), std::end(kLetters),
+                                           [c](const Letter &letter) { return letter.letter == c; });
   if (known == std::end(kLetters)) return refuse("a letter of dates and times, or quotes around it");
   if (token.count < known->min || token.count > known->max || (c == 'y' && token.count == 3)) {
     return refuse("as many of the letter as it can stand for");

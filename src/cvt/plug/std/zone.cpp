@@ -15,7 +15,7 @@ constexpr int64_t kBeginning = std::numeric_limits<int64_t>::min();
 constexpr int64_t kEnd = std::numeric_limits<int64_t>::max();
 constexpr size_t kMaxFile = 1 << 16;  // the largest zone has some 4000 bytes
 constexpr size_t kMaxName = 64;
-constexpr int64_t kMostOffset = 26 * 3600;  // RFC 8536 wants less
+constexpr int64_t kMostOffset = int64_t{26} * 3600;  // RFC 8536 wants less
 constexpr int64_t kMostTime = int64_t{1} << 60;
 
 std::string &directory() {

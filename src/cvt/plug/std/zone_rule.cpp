@@ -10,6 +10,12 @@ namespace cvt::functions {
 namespace {
 constexpr int64_t kDay = 86400;
 
+// From that time on, the offset is another.
+struct Point {
+  int64_t at;
+  int offset;
+};
+
 int64_t firstDay(int year) {
   using namespace std::chrono;
   return sys_days{std::chrono::year{year} / January / 1}.time_since_epoch().count();
@@ -126,20 +132,21 @@ ZoneSpan ZoneRule::spanAt(int64_t utc) const {
   using namespace std::chrono;
   const year_month_day date{sys_days{days{static_cast<int>(utc / kDay)}}};
   // The changes of this year and its neighbours, in their order.
-  struct Point {
-    int64_t at;
-    int offset;
-  };
   std::array<Point, 6> points;
   size_t count = 0;
-  for (int year = int{date.year()} - 1; year <= int{date.year()} + 1; ++year) {
-    points[count++] = {m_toSummer.inYear(year) - m_standard, m_summer};
-    points[count++] = {m_toStandard.inYear(year) - m_summer, m_standard};
+  const int middle{date.year()};
+  for (const int number : {middle - 1, middle, middle + 1}) {
+    points[count++] = {m_toSummer.inYear(number) - m_standard, m_summer};
+    points[count++] = {m_toStandard.inYear(number) - m_summer, m_standard};
   }
-  std::stable_sort(points.begin(), points.end(), [](const Point &a, const Point &b) { return a.at < b.at; });
-  const auto next = std::upper_bound(points.begin() + 1, points.end() - 1, utc,
-                                     [](int64_t t, const Point &point) { return t < point.at; });
-  return {(next - 1)->at, next->at, (next - 1)->offset};
+  const auto earlier = [](const Point &a, const Point &b) { return a.at < b.at; };
+  for (auto point = points.begin(); point != points.end(); ++point) {
+    std::rotate(std::upper_bound(points.begin(), point, *point, earlier), point, point + 1);
+  }
+  const Point *const next = std::upper_bound(points.data() + 1, points.data() + points.size() - 1, utc,
+                                             [](int64_t t, const Point &point) { return t < point.at; });
+  const Point &since = *(next - 1);
+  return {since.at, next->at, since.offset};
 }
 
 }  // namespace cvt::functions
