@@ -49,6 +49,7 @@ class Parser {
   }
 
   void readBitmap(size_t k) {
+    m_call.path.field(nullptr);
     const size_t offset = m_in.offset();
     if (m_plan.bitmapCoding == BitmapCoding::Binary) {
       m_bits.words[k] = readBinary(m_in.take(8).data());

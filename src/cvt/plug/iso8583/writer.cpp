@@ -173,12 +173,12 @@ void Writer::tagAndValue(const Container &container, const List &list) {
   m_call.path.field(tag.node);
   content(tag, list);
   const std::string_view name(m_out.at(from), m_out.offset() - from);
+  m_out.rewind(from);  // the tag is written when the value's length is known
   if (tagLength(name) != name.size()) {
     throw Fault(Fault::kHere, "a tag of BER-TLV, 1 to 4 bytes", kit::quoted(name.data(), name.size()));
   }
   uint32_t number = 0;
   for (const char c : name) number = number << 8 | static_cast<unsigned char>(c);
-  m_out.rewind(from);
   m_call.path.field(container.members[1].node);
   content(container.members[1], list);
   putTagAndLength(number, from, m_out);
