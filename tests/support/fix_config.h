@@ -9,9 +9,12 @@
 
 #include <fstream>
 #include <memory>
+#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "config_tree.h"
 #include "cvt.h"
@@ -168,6 +171,32 @@ inline std::string fault() {
     if (sLine.rfind("Msg[", 0) == 0 && sLine.find("] Field[") != std::string::npos) return sLine;
   }
   return "no fault was told";
+}
+
+// The plug-in's line about the message M; file names are cut to their last part.
+inline std::string refusal(const std::vector<FixNode> &nodes, const std::string &sMessage = "") {
+  test::clearLog();
+  FixConfig config;
+  config.message("M", sMessage, nodes);
+  if (config.start() == 0) {
+    cvtEnd();
+    return "accepted";
+  }
+  std::string sFound = "nothing was told";
+  for (const std::string &sLine : test::logTexts()) {
+    const bool bOurs = sLine.rfind("Msg[M]", 0) == 0 || sLine.rfind("File[", 0) == 0;
+    if (bOurs && sFound == "nothing was told") sFound = sLine;
+  }
+  cvtEnd();
+  return std::regex_replace(sFound, std::regex("File\\[[^\\]]*/"), "File[");
+}
+
+inline std::string refusal(const std::string &sField, const std::string &sMessage = "") {
+  return refusal({field("F", sField)}, sMessage);
+}
+
+inline void expectRefusal(const std::string &sLine, const std::string &sText) {
+  EXPECT_NE(sLine.find(sText), std::string::npos) << sLine;
 }
 
 inline std::string contentOf(const std::string &sFile) {

@@ -2,42 +2,14 @@
 // says where and what to write instead.
 #include <gtest/gtest.h>
 
-#include <regex>
-
 #include "fix_config.h"
 
 using namespace test::fix;
 
 namespace {
 
-// The plug-in's line about the message M; file names are cut to their last part.
-std::string refusal(const std::vector<FixNode> &nodes, const std::string &sMessage = "") {
-  test::clearLog();
-  FixConfig config;
-  config.message("M", sMessage, nodes);
-  if (config.start() == 0) {
-    cvtEnd();
-    return "accepted";
-  }
-  std::string sFound = "nothing was told";
-  for (const std::string &sLine : test::logTexts()) {
-    const bool bOurs = sLine.rfind("Msg[M]", 0) == 0 || sLine.rfind("File[", 0) == 0;
-    if (bOurs && sFound == "nothing was told") sFound = sLine;
-  }
-  cvtEnd();
-  return std::regex_replace(sFound, std::regex("File\\[[^\\]]*/"), "File[");
-}
-
-std::string refusal(const std::string &sField, const std::string &sMessage = "") {
-  return refusal({field("F", sField)}, sMessage);
-}
-
 const FixNode kTagged = record("Tagged", "", {field("T", "psConst=\"L\" nTag=\"1\"")});
 const FixNode kUntagged = record("Untagged", "", {field("U", "nLen=\"2\"")});
-
-void expectRefusal(const std::string &sLine, const std::string &sText) {
-  EXPECT_NE(sLine.find(sText), std::string::npos) << sLine;
-}
 
 }  // namespace
 
@@ -49,7 +21,7 @@ TEST(FixDefinition, WhereAndWhatToWriteIsSaid) {
             "psAlign, psPad, "
             "psConst, nTag, psValues, psDefault, psBlank, psCharset, psControl, psOverflow, nDecimals, "
             "psSign, psPlus, "
-            "nPoint, found nLenn. Write nLen");
+            "nPoint, psLenField, psEnd, nRest, nOptional, found nLenn. Write nLen");
 }
 
 TEST(FixDefinition, FieldNeedsItsRecord) {

@@ -17,6 +17,7 @@ using kit::quoted;
 namespace {
 
 constexpr int kMaxNumberBytes = 64;
+constexpr size_t kMaxLength = 100000000;
 
 NumberForm formOf(FieldType type) {
   switch (type) {
@@ -57,6 +58,7 @@ class FieldCompiler {
     m_plan.controlKept = or_(m_record.nControl, m_settings.nControl) == kControlKept;
     m_plan.cut = m_record.nOverflow == kOverflowCut;
     checkApplicable();
+    compileLengthBy();
     compileLength();
     compilePad();
     if (m_plan.isNumber()) compileNumber();
@@ -100,8 +102,38 @@ class FieldCompiler {
     }
   }
 
+  // A field of no fixed length has the bytes that it has: none of them is a pad.
+  void compileLengthBy() {
+    const bool field = m_record.psLenField != nullptr;
+    const bool mark = m_record.nEnd != kNotGiven;
+    const bool rest = m_record.nRest != 0;
+    m_plan.optional = m_record.nOptional != 0;
+    if (m_plan.optional && m_record.nTag != 0) refuse("a tag that is always there", "nOptional on it", "");
+    if (!field && !mark && !rest) return;
+    if (int{field} + int{mark} + int{rest} != 1) {
+      refuse("one of psLenField, psEnd and nRest", "several", "Remove the others");
+    }
+    if (m_plan.isNumber()) {
+      refuse("a fixed length on a number", "psLenField, psEnd or nRest", "Write nLen, or psType text or raw");
+    }
+    if (m_record.psConst != nullptr || m_record.nTag != 0) {
+      refuse("psConst and nTag on fields of a fixed length", "them with psLenField, psEnd or nRest",
+             "Remove them");
+    }
+    if (m_record.nPad != kNotGiven || m_record.nAlign != kNotGiven || m_record.nUnit == kChars) {
+      refuse("psPad, psAlign and psUnit chars on fields of a fixed length",
+             "them with psLenField, psEnd or nRest", "Remove them");
+    }
+    m_plan.lengthBy = field ? Length::Field : mark ? Length::Mark : Length::Rest;
+    if (mark) m_plan.mark = padByte(m_record.nEnd, m_plan.charset, m_path, &m_record);
+  }
+
   void compileLength() {
     m_plan.length = static_cast<size_t>(int{m_record.nLen});
+    if (m_plan.lengthBy != Length::Fixed) {
+      if (m_plan.length == 0) m_plan.length = kMaxLength;
+      return;
+    }
     const bool text = is(FieldType::Text);
     m_plan.chars = text && or_(m_record.nUnit, m_settings.nUnit) == kChars && !m_plan.charset->oneByte();
     if (m_plan.length != 0) return;
@@ -123,6 +155,10 @@ class FieldCompiler {
   }
 
   void compilePad() {
+    if (m_plan.lengthBy != Length::Fixed) {
+      m_plan.trims = false;
+      return;
+    }
     m_plan.right = m_record.nAlign == kNotGiven ? is(FieldType::Number) : m_record.nAlign == kRight;
     m_plan.trims = !is(FieldType::Raw) || m_record.nPad != kNotGiven;
     if (is(FieldType::Number) || (m_plan.isNumber() && is(FieldType::Zoned))) {
@@ -174,7 +210,7 @@ class FieldCompiler {
   void compileBlank() {
     const bool byDefault = !m_plan.isNumber() && m_record.psDefault == nullptr && !listLacksBlank();
     m_plan.blankAllowed = m_record.nBlank == kNotGiven ? byDefault : m_record.nBlank == kBlankAllowed;
-    if (is(FieldType::Raw) && !m_plan.trims) m_plan.blankAllowed = false;
+    if (is(FieldType::Raw) && !m_plan.trims && m_plan.lengthBy == Length::Fixed) m_plan.blankAllowed = false;
     if (!m_plan.blankAllowed || !m_plan.isNumber()) return;
     if (!is(FieldType::Number) && !is(FieldType::Zoned)) {
       refuse("psBlank refused", "allowed on a type whose blanks are digits",
@@ -213,13 +249,8 @@ class FieldCompiler {
   }
 
   void compileList() {
-    const std::string list = m_record.psValues;
-    size_t from = 0;
-    while (from <= list.size()) {
-      const size_t bar = std::min(list.find('|', from), list.size());
-      const std::string item = list.substr(from, bar - from);
+    for (const std::string &item : listOf(m_record.psValues)) {
       m_plan.allowed.push_back(item.empty() ? item : asRead(item));
-      from = bar + 1;
     }
   }
 
@@ -243,26 +274,8 @@ class FieldCompiler {
     m_plan.constant = true;
   }
 
-  // A value of the definition as a message would give it: numbers canonical, texts without their pads.
   std::string asRead(const std::string &value) const {
-    fieldBytes(m_plan, value, m_path, &m_record);
-    if (m_plan.isNumber()) return canonical(value);
-    std::string text = value;
-    if (!m_plan.trims) return text;
-    while (!m_plan.right && !text.empty() && text.back() == m_plan.padText) text.pop_back();
-    while (m_plan.right && !text.empty() && text.front() == m_plan.padText) text.erase(0, 1);
-    return text;
-  }
-
-  std::string canonical(const std::string &value) const {
-    if (value.empty()) return value;
-    kit::NumberSpec widest;
-    widest.sign = NumberSign::Leading;
-    widest.decimals = m_plan.number.decimals;
-    char digits[kit::kMaxDigits + 1];
-    char text[kit::kCanonicalRoom];
-    kit::writeNumber(widest, value, digits, sizeof digits);
-    return {text, kit::readNumber(widest, digits, sizeof digits, text).length};
+    return definedValue(m_plan, value, m_path, &m_record);
   }
 
   const FixField &m_record;
@@ -295,15 +308,35 @@ FieldPlan compileField(const char *name, const FixField &record, const FixMsg &s
   return FieldCompiler(name, record, settings, path).run();
 }
 
+std::vector<std::string> listOf(const char *text) {
+  const std::string list = text;
+  std::vector<std::string> items;
+  for (size_t from = 0; from <= list.size();) {
+    const size_t bar = std::min(list.find('|', from), list.size());
+    items.push_back(list.substr(from, bar - from));
+    from = bar + 1;
+  }
+  return items;
+}
+
+std::string definedValue(const FieldPlan &field, const std::string &value, const std::string &path,
+                         const void *record) {
+  fieldBytes(field, value, path, record);
+  char number[kit::kCanonicalRoom];
+  return std::string(valueAsRead(field, value, number));
+}
+
 std::string fieldBytes(const FieldPlan &field, const std::string &value, const std::string &path,
                        const void *record) {
-  std::string bytes(field.chars ? field.length * 4 + 16 : field.length, '\0');
+  const bool fixed = field.lengthBy == Length::Fixed;
+  const size_t room = fixed ? field.length : value.size();
+  std::string bytes(fixed && !field.chars ? room : room * 4 + 16, '\0');
   kit::Output out(bytes.data(), 0, bytes.size());
   try {
     FieldPlan strict = field;
     strict.cut = false;
     strict.allowed.clear();
-    writeField(strict, value, out);
+    fixed ? writeField(strict, value, out) : writeVariable(strict, value, out);
   } catch (const kit::Fault &fault) {
     throw Misconfigured(path, record, "values that the field can have", quoted(value), fault.text());
   }

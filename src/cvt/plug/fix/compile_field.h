@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "plan.h"
 
@@ -16,6 +17,13 @@ char padByte(int pad, const kit::Charset *charset, const std::string &path, cons
 // Throws Misconfigured.
 FieldPlan compileField(const char *name, const FixField &record, const FixMsg &settings,
                        const std::string &path);
+
+// The texts between the vertical bars.
+std::vector<std::string> listOf(const char *text);
+
+// A value that the definition names, as a message would give it; throws Misconfigured when it cannot.
+std::string definedValue(const FieldPlan &field, const std::string &value, const std::string &path,
+                         const void *record);
 
 // The field's bytes for a value, as it stands in a message; throws Misconfigured when it cannot.
 std::string fieldBytes(const FieldPlan &field, const std::string &value, const std::string &path,

@@ -26,18 +26,24 @@ Extent choiceExtent(const LevelPlan &level, size_t position) {
   return all;
 }
 
+Extent fieldExtent(const FieldPlan &field) {
+  if (field.optional) return {0, false};
+  if (field.lengthBy == Length::Fixed) return {field.length, !field.chars};
+  return {field.lengthBy == Length::Mark ? 1U : 0U, false};
+}
+
 Extent opExtent(const LevelPlan &level, size_t position) {
   const Op &op = level.ops[position];
   if (op.kind == Kind::End) return {0, true};
   if (op.optional) return {0, false};
-  if (op.kind == Kind::Field) {
-    const FieldPlan &field = level.fields[op.detail];
-    return {field.length, !field.chars};
-  }
+  if (isField(op.kind)) return fieldExtent(level.fields[op.detail]);
   if (op.kind == Kind::Loop) return loopExtent(level.loops[op.detail]);
   if (op.kind == Kind::Choice) return choiceExtent(level, position);
   Extent extent = extentOf(level, position + 1, nextOf(level, position));
-  if (op.kind == Kind::Record) extent.bytes += static_cast<size_t>(level.records[op.detail].separator);
+  if (op.kind != Kind::Record) return extent;
+  const RecordPlan &record = level.records[op.detail];
+  if (record.end == End::Filled) extent = {record.length, true};
+  extent.bytes += static_cast<size_t>(record.separator);
   return extent;
 }
 
@@ -50,7 +56,7 @@ bool collect(const LevelPlan &level, size_t from, size_t to, size_t &offset, Sta
       if (op.kind == Kind::Record) return false;  // what follows is another record
       continue;
     }
-    if (op.kind == Kind::Field && !level.fields[op.detail].tags.empty()) {
+    if (isField(op.kind) && !level.fields[op.detail].tags.empty()) {
       start.push_back({offset, level.fields[op.detail].tags});
     }
     const Extent extent = opExtent(level, i);
@@ -111,7 +117,7 @@ std::vector<Start> startsOf(const LevelPlan &level, size_t position) {
 std::vector<Start> startsAt(const LevelPlan &level, size_t from, size_t to) {
   if (from == to) return {Start{}};
   const Op &first = level.ops[from];
-  if (first.kind == Kind::Field) {
+  if (isField(first.kind)) {
     size_t offset = 0;
     std::vector<Start> one(1);
     collect(level, from, to, offset, one[0]);

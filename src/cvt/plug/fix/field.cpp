@@ -189,6 +189,25 @@ void writeChars(const FieldPlan &field, std::string_view value, kit::Output &out
   if (!field.right) out.fill(field.pad, pads);
 }
 
+// All of the text, as many bytes as it has.
+void writeAllText(const FieldPlan &field, std::string_view value, kit::Output &out) {
+  if (plain(value) && field.charset->containsAscii() && value.size() <= field.length) return out.put(value);
+  const size_t offset = out.offset();
+  const size_t room = std::min(field.length, out.room());
+  const Converted result = encodeText(field, value, out.at(offset), room, offset);
+  if (result.damage == Damage::NoRoom && room < field.length) out.reserve(out.room() + 1);
+  if (result.damage == Damage::NoRoom && !field.cut) tooLong(field, value, offset);
+  out.reserve(result.written);
+}
+
+void writeAllBytes(const FieldPlan &field, std::string_view value, kit::Output &out) {
+  if (value.size() > field.length) {
+    throw Fault(out.offset(), "at most " + std::to_string(field.length) + " bytes",
+                std::to_string(value.size()) + " bytes", "");
+  }
+  out.put(value);
+}
+
 void writeRaw(const FieldPlan &field, std::string_view value, kit::Output &out) {
   if (value.size() > field.length || (value.size() < field.length && !field.trims)) {
     throw Fault(out.offset(), (field.trims ? "at most " : "") + std::to_string(field.length) + " bytes",
@@ -215,7 +234,7 @@ void writeDigits(const FieldPlan &field, std::string_view value, kit::Output &ou
 }
 
 // An empty value: the default, or blanks where they are allowed. Whether that was all.
-bool writeEmpty(const FieldPlan &field, std::string_view &value, kit::Output &out) {
+inline bool writeEmpty(const FieldPlan &field, std::string_view &value, kit::Output &out) {
   if (field.hasDefault) {
     value = field.value;
     return false;
@@ -236,7 +255,8 @@ void writeConstant(const FieldPlan &field, std::string_view value, kit::Output &
   out.put(field.bytes);
 }
 
-void checkValue(const FieldPlan &field, std::string_view value, std::string_view bytes, size_t offset) {
+inline void checkValue(const FieldPlan &field, std::string_view value, std::string_view bytes,
+                       size_t offset) {
   if (value.empty() && !field.blankAllowed) {
     throw Fault(offset, "a value", shown(bytes), "Fill the field, or set psBlank to allowed");
   }
@@ -280,6 +300,45 @@ void writeField(const FieldPlan &field, std::string_view value, kit::Output &out
   if (field.isNumber()) return writeDigits(field, value, out);
   if (field.chars) return writeChars(field, value, out);
   writeBytes(field, value, out);
+}
+
+std::string_view readVariable(const FieldPlan &field, std::string_view bytes, size_t offset,
+                              kit::Store &store) {
+  const bool copied = field.type == FieldType::Raw || (plain(bytes) && field.charset->containsAscii());
+  const std::string_view value = copied
+                                     ? std::string_view(store.copy(bytes.data(), bytes.size()), bytes.size())
+                                     : readOtherText(field, bytes, offset, store);
+  if (field.checked) checkValue(field, value, bytes, offset);
+  return value;
+}
+
+void writeVariable(const FieldPlan &field, std::string_view value, kit::Output &out) {
+  const size_t offset = out.offset();
+  if (value.empty()) writeEmpty(field, value, out);
+  if (!field.allowed.empty() && !value.empty()) checkAllowed(field, value, offset);
+  field.type == FieldType::Raw ? writeAllBytes(field, value, out) : writeAllText(field, value, out);
+  if (field.lengthBy != Length::Mark) return;
+  const size_t length = out.offset() - offset;
+  const void *mark = std::memchr(out.at(offset), field.mark, length);
+  if (mark != nullptr) {
+    const auto at = static_cast<size_t>(static_cast<const char *>(mark) - out.at(offset));
+    throw Fault(offset + at, "a value without the mark " + quoted(&field.mark, 1) + " that ends it",
+                shown(value), "Change the value, or psEnd");
+  }
+  out.put(field.mark);
+}
+
+std::string_view valueAsRead(const FieldPlan &field, std::string_view value, char *number) {
+  if (field.isNumber()) {
+    kit::NumberSpec widest;
+    widest.sign = kit::NumberSign::Leading;
+    widest.decimals = field.number.decimals;
+    char digits[kit::kMaxDigits + 1];
+    const kit::NumberResult written = kit::writeNumber(widest, value, digits, sizeof digits);
+    if (written.expected != nullptr) return value;
+    return {number, kit::readNumber(widest, digits, sizeof digits, number).length};
+  }
+  return field.trims ? trim(value, field.padText, field.right) : value;
 }
 
 }  // namespace cvt::fix

@@ -19,4 +19,13 @@ std::string_view readField(const FieldPlan &field, const char *in, size_t width,
 // Writes the field with that value.
 void writeField(const FieldPlan &field, std::string_view value, kit::Output &out);
 
+// Fields of no fixed length: the value is all of the bytes; the mark behind them is written too.
+std::string_view readVariable(const FieldPlan &field, std::string_view bytes, size_t offset,
+                              kit::Store &store);
+void writeVariable(const FieldPlan &field, std::string_view value, kit::Output &out);
+
+// The value as a message gives it: a number canonical, a text without its pads. `number` has room for
+// kCanonicalRoom bytes. What the field cannot have comes back as it is.
+std::string_view valueAsRead(const FieldPlan &field, std::string_view value, char *number);
+
 }  // namespace cvt::fix

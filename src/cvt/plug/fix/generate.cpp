@@ -1,5 +1,8 @@
 #include <charconv>
+#include <memory>
+#include <new>
 
+#include "condition.h"
 #include "field.h"
 #include "kit/fault.h"
 #include "walk.h"
@@ -16,6 +19,7 @@ class Generator {
   Generator(const Plan &plan, kit::GenerateCall &call) : m_plan(plan), m_call(call), m_out(call.out) {}
 
   void run() {
+    if (m_plan.lengths != 0) m_lengthsAt = lengthTable();
     const List values(m_call.values, m_plan.top.slots);
     members(m_plan.top, 0, m_plan.top.ops.size(), values);
     if (!openEnd(values)) endRecord();
@@ -36,7 +40,9 @@ class Generator {
       const Op &op = level.ops[i];
       if (op.kind == Kind::Field) {
         field(level.fields[op.detail], op.slot, values);
-      } else if (op.kind != Kind::End && (!op.optional || present(level, i, values))) {
+      } else if (op.kind == Kind::Special) {
+        special(level, i, to, values);
+      } else if (op.kind != Kind::End && (!op.optional || isThere(level, i, values))) {
         m_call.path.enter(op.name);
         node(level, i, values);
         m_call.path.leave();
@@ -61,6 +67,7 @@ class Generator {
         loop(level.loops[op.detail], op.slot, values);
         break;
       case Kind::Field:
+      case Kind::Special:
       case Kind::End:
         break;
     }
@@ -92,12 +99,55 @@ class Generator {
   static bool present(const LevelPlan &level, size_t i, const List &values) {
     for (size_t k = i; k < static_cast<size_t>(level.ops[i].next); ++k) {
       const Op &op = level.ops[k];
-      if ((op.kind == Kind::Field || op.kind == Kind::Loop) && !values.empty(op.slot)) return true;
+      if (hasValue(op.kind) && !values.empty(op.slot)) return true;
     }
     return false;
   }
 
+  bool isThere(const LevelPlan &level, size_t i, const List &values) {
+    if (level.ops[i].condition < 0) return present(level, i, values);
+    const Condition &condition = conditionOf(level, i);
+    const std::string_view value = m_enclosing.value(condition, values);
+    const bool there = holdsWritten(condition, value);
+    if (!there && present(level, i, values)) unexpected(level, i, condition, value);
+    return there;
+  }
+
+  static const Condition &conditionOf(const LevelPlan &level, size_t i) {
+    return level.conditions[static_cast<size_t>(level.ops[i].condition)];
+  }
+
+  [[noreturn]] void unexpected(const LevelPlan &level, size_t i, const Condition &condition,
+                               std::string_view value) {
+    m_call.path.enter(level.ops[i].name);
+    throw Fault(
+        m_out.offset(), std::string("no values in ") + level.ops[i].name,
+        std::string("some, and ") + condition.field.name + " " + kit::quoted(value.data(), value.size()),
+        "Correct " + std::string(condition.field.name));
+  }
+
+  // The member that an earlier value tells. The others must be empty, or their values would be lost.
+  void decided(const LevelPlan &level, size_t i, const List &values) {
+    const auto end = static_cast<size_t>(level.ops[i].next);
+    const std::string_view value = m_enclosing.value(conditionOf(level, i + 1), values);
+    size_t chosen = end;
+    for (size_t child = i + 1; child < end; child = static_cast<size_t>(level.ops[child].next)) {
+      if (chosen == end && holdsWritten(conditionOf(level, child), value)) {
+        chosen = child;
+      } else if (present(level, child, values)) {
+        unexpected(level, child, conditionOf(level, child), value);
+      }
+    }
+    if (chosen == end) {
+      throw Fault(m_out.offset(),
+                  std::string(conditionOf(level, i + 1).field.name) + " one of " + decidingValues(level, i),
+                  kit::quoted(value.data(), value.size()), "Correct it, or add a member without psWhen");
+    }
+    members(level, chosen, static_cast<size_t>(level.ops[chosen].next), values);
+  }
+
   void choice(const LevelPlan &level, size_t i, const List &values) {
+    if (level.ops[i + 1].condition >= 0) return decided(level, i, values);
     const auto end = static_cast<size_t>(level.ops[i].next);
     size_t chosen = end;
     for (size_t child = i + 1; child < end; child = static_cast<size_t>(level.ops[child].next)) {
@@ -114,8 +164,74 @@ class Generator {
 
   void record(const LevelPlan &level, size_t i, const List &values) {
     endRecord();
+    const size_t start = m_out.offset();
     members(level, i + 1, static_cast<size_t>(level.ops[i].next), values);
-    m_pending = level.records[level.ops[i].detail].separator;
+    const RecordPlan &plan = level.records[level.ops[i].detail];
+    if (plan.end == End::Filled) fill(plan, start);
+    if (plan.hasLength) recordLength(level.fields[plan.lengthField], start);
+    m_pending = plan.separator;
+  }
+
+  void fill(const RecordPlan &plan, size_t start) {
+    const size_t used = m_out.offset() - start;
+    if (used > plan.length) {
+      throw Fault(start, "a record of at most " + std::to_string(plan.length) + " bytes",
+                  std::to_string(used), "");
+    }
+    m_out.fill(plan.pad, plan.length - used);
+  }
+
+  // --- Lengths: written when what they measure has been
+  // -------------------------------------------------------------------------------
+
+  // Pool memory has no alignment of its own.
+  size_t *lengthTable() {
+    const size_t size = m_plan.lengths * sizeof(size_t);
+    size_t room = size + alignof(size_t);
+    void *table = cvtMalloc(static_cast<int>(room), m_call.memory);
+    if (table == nullptr) throw std::bad_alloc();
+    return static_cast<size_t *>(std::align(alignof(size_t), size, table, room));
+  }
+
+  void special(const LevelPlan &level, size_t i, size_t to, const List &values) {
+    const Op &op = level.ops[i];
+    const FieldPlan &plan = level.fields[op.detail];
+    if (plan.optional && !anyGiven(level, i, to, values)) return;
+    m_call.path.field(plan.name);
+    endRecord();
+    const size_t start = m_out.offset();
+    if (plan.lengthOf != LengthOf::Nothing) {
+      m_lengthsAt[plan.lengthNumber] = start;
+      return writeField(plan, "0", m_out);
+    }
+    if (plan.lengthBy == Length::Fixed) return writeField(plan, values.get(op.slot), m_out);
+    writeVariable(plan, values.get(op.slot), m_out);
+    if (plan.lengthBy == Length::Field) {
+      writeLength(level.fields[plan.lengthField], m_out.offset() - start);
+    }
+  }
+
+  // Whether an optional field, or one behind it, was given a value, be it an empty one.
+  static bool anyGiven(const LevelPlan &level, size_t from, size_t to, const List &values) {
+    for (size_t i = from; i < to; ++i) {
+      if (values.given(level.ops[i].slot)) return true;
+    }
+    return false;
+  }
+
+  void recordLength(const FieldPlan &plan, size_t start) {
+    const size_t behind = m_lengthsAt[plan.lengthNumber] + plan.length;
+    writeLength(plan, m_out.offset() - (plan.lengthOf == LengthOf::RecordAll ? start : behind));
+  }
+
+  void writeLength(const FieldPlan &plan, size_t length) {
+    const size_t at = m_lengthsAt[plan.lengthNumber];
+    kit::Output there(m_out.at(0), at, at + plan.length);
+    m_call.path.field(plan.name);
+    char digits[24];
+    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, length);
+    (void)error;  // a length always fits
+    writeField(plan, {digits, static_cast<size_t>(end - digits)}, there);
   }
 
   // The separator of the last record is written when something follows: only the end may do without.
@@ -128,11 +244,13 @@ class Generator {
   void loop(const LoopPlan &plan, int slot, const List &values) {
     const int repetitions = values.repetitions(slot);
     checkNumber(plan, static_cast<size_t>(repetitions));
+    m_enclosing.enter(values);
     for (int k = 0; k < repetitions; ++k) {
       m_call.path.repetition(k);
       const List repetition = values.repetition(slot, k, plan.body->slots);
       members(*plan.body, 0, plan.body->ops.size(), repetition);
     }
+    m_enclosing.leave();
     if (plan.room == 0) return;
     m_call.path.repetition(-1);
     endRecord();
@@ -152,6 +270,8 @@ class Generator {
   kit::GenerateCall &m_call;
   kit::Output &m_out;
   Separator m_pending = kSeparatorNone;
+  size_t *m_lengthsAt = nullptr;  // where each length stands, by its number
+  Enclosing m_enclosing;
 };
 
 }  // namespace

@@ -12,10 +12,26 @@
 
 namespace cvt::fix {
 
+// What says how long a field is.
+enum class Length : unsigned char {
+  Fixed,  // nLen
+  Field,  // a number in another field
+  Mark,   // a byte behind it
+  Rest,   // the end of the record
+};
+
+// What a number counts besides being a number.
+enum class LengthOf : unsigned char {
+  Nothing,
+  Field,       // the bytes of another field
+  RecordRest,  // the bytes of the record behind this field
+  RecordAll,   // the bytes of the record
+};
+
 // What a call needs of every field stands first.
 struct FieldPlan {
   const char *name = nullptr;
-  size_t length = 0;  // in bytes, or in characters
+  size_t length = 0;  // in bytes, or in characters; the most of a field that is not Fixed
   const kit::Charset *charset = nullptr;
   FieldType type = FieldType::Text;
   bool constant = false;
@@ -28,9 +44,17 @@ struct FieldPlan {
   bool controlKept = false;
   bool cut = false;
   bool hasDefault = false;
-  char pad = ' ';      // the byte that fills
-  char padText = ' ';  // the same inside a decoded text
-  char blank = ' ';    // a blank number
+  bool optional = false;  // the record may end before it
+  bool decides = false;   // its value tells whether a node is there
+  char pad = ' ';         // the byte that fills
+  char padText = ' ';     // the same inside a decoded text
+  char blank = ' ';       // a blank number
+  char mark = ' ';        // behind a field that a mark ends
+  Length lengthBy = Length::Fixed;
+  LengthOf lengthOf = LengthOf::Nothing;
+  size_t lengthField = 0;   // Length::Field: position in the level's fields
+  int lengthSlot = -1;      // and slot of the field that says it
+  size_t lengthNumber = 0;  // a field that is a length: which one of the plan's
   kit::NumberSpec number;
   std::vector<int> counts;           // slots of the loops that this field counts
   std::vector<std::string> allowed;  // as values; empty: all
@@ -50,11 +74,32 @@ struct Tag {
 // How a record starts: all of its tags.
 using Start = std::vector<Tag>;
 
+// How the end of a record is known. Where nothing below needs it, its fields alone decide.
+enum class End : unsigned char {
+  Fields,     // where the last field ends
+  Filled,     // after `length` bytes, the last of which are pads
+  Length,     // where a field of it says
+  Separator,  // before its separator
+};
+
 struct RecordPlan {
   size_t length = 0;  // 0: its fields decide
   Separator separator = kSeparatorNone;
   bool plain = false;  // texts only: a separator byte inside means that the record is too short
   char blank = ' ';
+  char pad = ' ';
+  End end = End::Fields;
+  size_t lengthField = 0;  // of a record with one: its position in the level's fields
+  bool hasLength = false;
+};
+
+// The value of an earlier field tells whether a node is there.
+struct Condition {
+  int up = 0;  // the field stands that many levels further out
+  int slot = -1;
+  FieldPlan field;                  // what its values look like
+  std::vector<std::string> values;  // as they are read
+  bool otherwise = false;           // with any other value
 };
 
 struct LevelPlan;
@@ -73,7 +118,16 @@ struct LoopPlan {
   std::unique_ptr<LevelPlan> body;
 };
 
-enum class Kind : unsigned char { Field, Group, Choice, Record, Loop, End };
+// Special: a field whose length is not fixed, that may be missing, or that is a length itself.
+// Those that have a value of their own come first.
+enum class Kind : unsigned char { Field, Special, Loop, Group, Choice, Record, End };
+
+constexpr bool isField(Kind kind) {
+  return kind <= Kind::Special;
+}
+constexpr bool hasValue(Kind kind) {
+  return kind <= Kind::Loop;
+}
 
 // One node. Members of groups follow directly, up to `next`.
 struct Op {
@@ -84,6 +138,7 @@ struct Op {
   const char *name;
   size_t detail;              // position in the level's fields, records or loops
   std::vector<Start> starts;  // how it may start: known where a record must be recognised
+  int condition = -1;         // position in the level's conditions: a value tells, and no tag
 };
 
 struct LevelPlan {
@@ -91,6 +146,7 @@ struct LevelPlan {
   std::vector<FieldPlan> fields;
   std::vector<RecordPlan> records;
   std::vector<LoopPlan> loops;
+  std::vector<Condition> conditions;
   int slots = 0;
 };
 
@@ -103,6 +159,7 @@ struct Plan {
   int endSlot = -1;  // of the field of type end; -1: none
   bool lenient = false;
   bool whole = false;
+  size_t lengths = 0;  // fields that are lengths
 };
 
 // Value of a field of type end when the message ended without its last separator.

@@ -19,6 +19,7 @@ constexpr const char *kSigns[] = {"none", "leading", "trailing"};
 constexpr const char *kPluses[] = {"sign", "blank"};
 constexpr const char *kSeparators[] = {"none", "lf", "crlf"};
 constexpr const char *kLasts[] = {"required", "optional"};
+constexpr const char *kCounts[] = {"rest", "all"};
 constexpr const char *kKinds[] = {"all", "choice"};
 constexpr const char *kUntils[] = {"tag", "end"};
 
@@ -36,7 +37,8 @@ constexpr kit::Attribute kMsgRows[] = {
 };
 
 constexpr kit::Attribute kFieldRows[] = {
-    KIT_INT(FixField, nLen, 0, 1, kMaxLength, "length; may be left out with psConst"),
+    KIT_INT(FixField, nLen, 0, 1, kMaxLength,
+            "length; may be left out with psConst. With psLenField, psEnd or nRest: at most that many bytes"),
     KIT_WORD(FixField, nType, "psType", 0, kTypes, "what the bytes are"),
     KIT_WORD(FixField, nUnit, "psUnit", kNotGiven, kUnits, "what nLen counts; default: the message's"),
     KIT_WORD(FixField, nAlign, "psAlign", kNotGiven, kAligns, "default: texts left, numbers right"),
@@ -58,6 +60,11 @@ constexpr kit::Attribute kFieldRows[] = {
     KIT_WORD(FixField, nSign, "psSign", 0, kSigns, "numbers: where the sign is"),
     KIT_WORD(FixField, nPlus, "psPlus", 0, kPluses, "number: the sign of a positive number is + or a blank"),
     KIT_FLAG(FixField, nPoint, 0, "number: 1: the point is written, 0: it is implied"),
+    KIT_TEXT(FixField, psLenField, nullptr,
+             "the field that holds this one's length in bytes; it stands before it in the same group"),
+    KIT_BYTE(FixField, nEnd, "psEnd", kNotGiven, "the mark behind the field, which ends it"),
+    KIT_FLAG(FixField, nRest, 0, "1: the field has what is left of the record"),
+    KIT_FLAG(FixField, nOptional, 0, "1: the record may end before this field"),
 };
 
 constexpr kit::Attribute kRecordRows[] = {
@@ -65,12 +72,25 @@ constexpr kit::Attribute kRecordRows[] = {
             "length in bytes without the separator; checked against the fields"),
     KIT_WORD(FixRecord, nSeparator, "psSeparator", kNotGiven, kSeparators, "default: the message's"),
     KIT_FLAG(FixRecord, nOptional, 0, "1: the record may be missing"),
+    KIT_BYTE(FixRecord, nPad, "psPad", kNotGiven,
+             "fills the record up to nLen behind its fields; default: they must add up to nLen"),
+    KIT_TEXT(FixRecord, psLenField, nullptr, "the field of the record that holds its length in bytes"),
+    KIT_WORD(FixRecord, nLenCounts, "psLenCounts", kCountsRest, kCounts,
+             "what that length counts: the rest of the record behind it, or all of the record"),
+    KIT_TEXT(FixRecord, psBy, nullptr, "the field whose value tells whether an optional record is there"),
+    KIT_TEXT(FixRecord, psWhen, nullptr,
+             "the values with which it is, with a vertical bar between them; in a choice: the choice's psBy"),
 };
 
 constexpr kit::Attribute kGroupRows[] = {
     KIT_WORD(FixGroup, nKind, "psKind", kGroupAll, kKinds,
              "all of its members in their order, or exactly one"),
     KIT_FLAG(FixGroup, nOptional, 0, "1: the group may be missing"),
+    KIT_TEXT(
+        FixGroup, psBy, nullptr,
+        "the field whose value tells which member of a choice is there, or whether an optional group is"),
+    KIT_TEXT(FixGroup, psWhen, nullptr,
+             "the values with which it is, with a vertical bar between them; in a choice: the choice's psBy"),
 };
 
 constexpr kit::Attribute kLoopRows[] = {

@@ -30,6 +30,7 @@ enum Control { kControlRefused, kControlKept };
 enum Overflow { kOverflowError, kOverflowCut };
 enum Separator { kSeparatorNone, kSeparatorLf, kSeparatorCrLf };  // each is as long as its number
 enum Last { kLastRequired, kLastOptional };
+enum Counts { kCountsRest, kCountsAll };
 enum GroupKind { kGroupAll, kGroupChoice };
 enum Until { kUntilTag, kUntilEnd };
 
@@ -62,11 +63,14 @@ struct CVT_RECORD FixField {
   int nSign;
   int nPlus;
   int nPoint;
-  char caGap[4];
+  int nEnd;
+  int nRest;
+  int nOptional;
   char *psConst;
   char *psValues;
   char *psDefault;
   char *psCharset;
+  char *psLenField;
 };
 
 // A group that is one record: FormatAttr.pInfo.
@@ -75,7 +79,12 @@ struct CVT_RECORD FixRecord {
   int nLen;
   int nSeparator;
   int nOptional;
+  int nPad;
+  int nLenCounts;
   char caGap[4];
+  char *psLenField;
+  char *psBy;
+  char *psWhen;
 };
 
 // A group that is optional or a choice: FormatAttr.pInfo. A group without a record of its own is plain.
@@ -83,6 +92,8 @@ struct CVT_RECORD FixGroup {
   kit::RecordHead head;
   int nKind;
   int nOptional;
+  char *psBy;
+  char *psWhen;
 };
 
 // A loop: LoopType.ptInfo.
