@@ -58,7 +58,7 @@ class Compiler {
   void checkField(const JsonField &record, const Item &field, const Scope &scope) const;
   void checkNode(const Node &node, const Scope &scope) const;
   void checkDepth(const Scope &scope) const;
-  std::string key(const std::string &name) const;
+  std::string spelled(const std::string &name) const;
   Scope inside(const Scope &scope, const Node &node) const;
 
   const Msg &m_msg;
@@ -327,24 +327,26 @@ void Compiler::add(Item &parent, Item child, const Scope &scope) const {
                           "a second one", "Remove it");
     }
     parent.others = position;
+    child.spelled = "\"";
   } else {
     if (!parent.names.add(child.name, position)) {
       throw Misconfigured(scope.path, scope.record, "members of different names",
                           "a second \"" + child.name + "\"",
                           "Give it another psName, or make one loop of both");
     }
-    child.key = key(child.name);
+    child.spelled = spelled(child.name);
+    child.key = ",\"" + child.spelled + (m_plan->indent == 0 ? "\":" : "\": ");
   }
   const bool required = child.mandatory || child.minTimes > 0;
   if (required && child.form != Form::Others) parent.required.push_back(parent.children.size());
   parent.children.push_back(std::move(child));
 }
 
-std::string Compiler::key(const std::string &name) const {
+std::string Compiler::spelled(const std::string &name) const {
   std::string room(12 * name.size() + 2, '\0');
   kit::Output out(room.data(), 0, room.size());
   putString(out, name, m_plan->ascii);
-  return "," + room.substr(0, out.offset()) + (m_plan->indent == 0 ? ":" : ": ");
+  return room.substr(1, out.offset() - 2);
 }
 
 void Compiler::checkDepth(const Scope &scope) const {

@@ -254,15 +254,10 @@ void Parser::member(const Item &item, List values, Open &open) {
 
 // Texts mostly keep the definition's order, so the next child is tried before the table.
 int Parser::find(const Item &item, std::string_view raw, size_t next) {
-  if (hasEscape(raw)) {
-    f_room.text.resize(raw.size());
-    return item.names.find({f_room.text.data(), m_in.decode(raw, f_room.text.data())});
-  }
-  if (next < item.children.size() && item.children[next].name == raw &&
-      item.children[next].form != Form::Others) {
-    return static_cast<int>(next);
-  }
-  return item.names.find(raw);
+  if (next < item.children.size() && item.children[next].spelled == raw) return static_cast<int>(next);
+  if (!hasEscape(raw)) return item.names.find(raw);
+  f_room.text.resize(raw.size());
+  return item.names.find({f_room.text.data(), m_in.decode(raw, f_room.text.data())});
 }
 
 void Parser::unknown(const Item &item, std::string_view raw, const Open &open) {

@@ -35,8 +35,9 @@ enum class Form {
 struct Item {
   const char *node = nullptr;  // null: no node stands for it (the root, a repetition)
   Form form = Form::Object;
-  std::string name;  // of the member; empty in an array
-  std::string key;   // `,"name":` as it is written
+  std::string name;     // of the member; empty in an array
+  std::string spelled;  // as it is written, without quotes; of a child that has no name, as none is
+  std::string key;      // `,"name":` as it is written
   Null null = Null::Refuse;
   bool mandatory = false;
   bool keepEmpty = false;
