@@ -59,6 +59,9 @@ TEST(DamagedConfiguration, OfTheLookupExample) {
 TEST(DamagedConfiguration, OfTheFixSamples) {
   expectGood("fix", 400);
 }
+TEST(DamagedConfiguration, OfTheIsoExample) {
+  expectGood("iso8583", 300);
+}
 TEST(DamagedConfiguration, OfTheXmlSamples) {
   expectGood("xml payments", 200);
 }

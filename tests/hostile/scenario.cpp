@@ -76,6 +76,14 @@ Scenario payments() {
   return scenario;
 }
 
+Scenario reversal() {
+  const std::string sData = "examples/iso8583/data/iso_reversal_message.";
+  return Scenario("iso8583", "examples/iso8583",
+                  {{"IsoReversal", "iso", "json", source(sData + "dat")},
+                   {"JsonReversal", "json", "xml", source(sData + "json")},
+                   {"XmlReversal", "xml", "iso", source(sData + "xml")}});
+}
+
 std::string firstLine(const std::string &s) {
   return s.substr(0, s.find('\n'));
 }
@@ -109,6 +117,7 @@ std::vector<Scenario> allScenarios() {
                          {{"Order", "fix", "", source(kFix + "data/order.dat")},
                           {"Accounts", "fix", "", source(kFix + "data/accounts.bin").substr(0, 2202)},
                           {"Amounts", "fix", "", source(kFix + "data/amounts.bin").substr(0, 80)}}));
+  all.push_back(reversal());
   all.push_back(payments());
   all.push_back(
       Scenario("nacha", "examples/nacha",
