@@ -80,6 +80,13 @@ TEST_F(CsvTable, QuotesInTheWrongPlaceAreRefusedWithTheirOffset) {
   refused("Row", "\"", "Field[A] Offset[0]: expected a closing quote");
 }
 
+TEST_F(CsvTable, AQuoteInsideAValueMayBeAPartOfIt) {
+  with("psInnerQuote=\"keep\"");
+  values("37\"N,\"a\"\"\",b\"\n", "37\"N", "a\"", "b\"");
+  EXPECT_EQ(pass("Row", "37\"N,\"\"\"a\",b\"\n"), "37\"N,\"\"\"a\",b\"\n");
+  refused("Row", "1,\"2\"x,3\n", "Field[B] Offset[5]: expected");
+}
+
 TEST_F(CsvTable, ALineEndIsTheOneThatWasDeclared) {
   with("");
   refused("Row", "1,2,3\r\n",

@@ -133,6 +133,7 @@ void compileDialect(const CsvMsg &text, Dialect &dialect) {
   dialect.comment = mark(text.psComment, "psComment").text;
   dialect.lineEnd = static_cast<LineEnd>(text.nLineEnd);
   dialect.lastLineEnd = static_cast<LastLineEnd>(text.nLastLineEnd);
+  dialect.innerQuotes = text.nInnerQuote == static_cast<int>(InnerQuote::Keep);
   dialect.terminated = text.nTerminated != 0;
   dialect.skipBlank = text.nBlankLines == static_cast<int>(BlankLines::Skip);
   dialect.maxField = static_cast<size_t>(text.nMaxField);

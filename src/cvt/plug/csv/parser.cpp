@@ -377,8 +377,11 @@ void Parser::columnName(size_t position) {
         shown(), "Correct the line, or set psHeader of CsvMsg to names");
   }
   if (m_plan.header == Header::Names && column < 0 && !m_plan.skipUnknown) {
+    static constexpr size_t kShown = 12;
     std::string known;
-    for (const std::string &each : m_plan.columnNames) known += (known.empty() ? "" : ", ") + each;
+    for (size_t i = 0; i < m_plan.columnNames.size() && i <= kShown; ++i) {
+      known += (i == 0 ? "" : ", ") + (i == kShown ? "..." : m_plan.columnNames[i]);
+    }
     throw Fault(m_reader.offset(), "one of the columns " + known, shown(),
                 "Define it, or set psUnknown of CsvMsg to skip");
   }

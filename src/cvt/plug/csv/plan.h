@@ -48,6 +48,7 @@ struct Dialect {
   std::string comment;
   char quoteByte = 0;   // 0: there are none
   char escapeByte = 0;  // 0: a quote is doubled
+  bool innerQuotes = false;  // a quote inside a field without quotes means nothing
   bool terminated = false;
   bool tagged = false;
   bool skipBlank = false;

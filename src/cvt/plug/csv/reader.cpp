@@ -206,6 +206,7 @@ const char *Reader::step(const char *where, bool &escaped) const {
   const char c = *where;
   if (c == m_dialect.separator.text[0]) return where + 1;
   if (m_dialect.quoteByte != 0 && c == m_dialect.quoteByte) {
+    if (m_dialect.innerQuotes) return where + 1;
     fault(where, "no quote inside a field without quotes",
           "Write the whole field in quotes and the quote inside it " +
               std::string(m_dialect.escapeByte == 0 ? "twice" : "behind the escape"));

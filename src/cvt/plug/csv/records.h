@@ -10,6 +10,7 @@ struct Plan;
 enum class LineEnd { Lf, CrLf, Any, None };
 enum class LastLineEnd { Required, Optional, None };
 enum class Quoting { Needed, Always };
+enum class InnerQuote { Refuse, Keep };
 enum class Header { None, Order, Names, Ignore };
 enum class Unknown { Refuse, Skip };
 enum class BlankLines { Record, Skip };
@@ -21,6 +22,7 @@ enum class GroupKind { All, Any, Choice };
 inline constexpr const char *kLineEndWords[] = {"lf", "crlf", "any", "none"};
 inline constexpr const char *kLastLineEndWords[] = {"required", "optional", "none"};
 inline constexpr const char *kQuotingWords[] = {"needed", "always"};
+inline constexpr const char *kInnerQuoteWords[] = {"refuse", "keep"};
 inline constexpr const char *kHeaderWords[] = {"none", "order", "names", "ignore"};
 inline constexpr const char *kUnknownWords[] = {"refuse", "skip"};
 inline constexpr const char *kBlankLinesWords[] = {"record", "skip"};
@@ -43,6 +45,7 @@ struct CVT_RECORD CsvMsg {
   char *psCharset;
   int nTerminated;
   int nQuoting;
+  int nInnerQuote;
   int nLineEnd;
   int nLastLineEnd;
   int nHeader;
@@ -55,6 +58,7 @@ struct CVT_RECORD CsvMsg {
   int nMaxField;
   int nMaxRecord;
   int nMaxColumns;
+  char caGap[4];
   const Plan *ptPlan;  // what parsing and generating run on; set when the definition is compiled
 };
 
@@ -114,6 +118,8 @@ inline constexpr kit::Attribute kCsvMsgRows[] = {
              "or r, or a tab as t. Absent: a quote is doubled"),
     KIT_WORD(CsvMsg, nQuoting, "psQuoting", 0, kQuotingWords,
              "which fields are written in quotes, for fields that do not say it themselves"),
+    KIT_WORD(CsvMsg, nInnerQuote, "psInnerQuote", 0, kInnerQuoteWords,
+             "a quote inside a field that does not begin with one; keep: it is a part of the value"),
     KIT_WORD(CsvMsg, nLineEnd, "psLineEnd", 0, kLineEndWords,
              "what ends a line; any: as the first line of the message ends, written as lf unless a field of "
              "kind line-end says otherwise; none: records stand in one line"),

@@ -62,7 +62,7 @@ bool Writer::mustQuote(std::string_view text) const {
     if (c == '\n' || c == '\r') {
       if (m_dialect.lineEnd != LineEnd::None) return true;
     } else if (m_dialect.quoteByte != 0 && c == m_dialect.quoteByte) {
-      return true;
+      if (!m_dialect.innerQuotes || text[0] == c) return true;
     }
   }
   if (collides(text, m_dialect.separator.text)) return true;
