@@ -30,12 +30,16 @@ std::string describe(std::string_view token) {
   return kit::quoted(token.data(), std::min<size_t>(token.size(), 24));
 }
 
-std::string Cursor::found() const {
-  return describe(token());
+// Whether the end of an object or array stands where a comma promised more.
+bool Cursor::commaBefore() const {
+  return (peek() == ']' || peek() == '}') && m_at > m_begin && m_text[m_at[-1]] == ',';
 }
 
 void Cursor::refuse(const std::string &expected, const std::string &advice) const {
-  if (!atEnd()) throw kit::Fault(offset(), expected, found(), advice);
+  if (!atEnd()) {
+    throw kit::Fault(offset(), expected, describe(token()),
+                     commaBefore() ? "Remove the comma before it" : advice);
+  }
   if (m_damage.expected == nullptr) {
     throw kit::Fault(offset(), expected, "the end of the text", "The message is cut off");
   }
