@@ -107,7 +107,7 @@ TEST_F(Group, GroupsStandInGroups) {
 }
 
 TEST_F(Group, ALoopRepeatsItsSubfieldsToTheEndOfTheElement) {
-  define(loop("G", "IsoGroup", "nNumber=\"43\" psPrefix=\"LL\"", "nMax=\"3\"",
+  define(loop("G", "IsoGroup", "nNumber=\"43\" psPrefix=\"LL\"", "nMin=\"1\" nMax=\"3\"",
               {field("A", "nLen=\"1\""), field("B", "psPrefix=\"L\"")}));
   expectBack("02A0");
   expectBack("07A1xB2yz");
@@ -128,6 +128,18 @@ TEST_F(Group, ALoopRepeatsItsSubfieldsToTheEndOfTheElement) {
   set(wire, "G.A", "A");
   expectNotWritten(
       wire, "G] Offset[22]: expected at most 3 repetitions, found 4. See nMin and nMax of its IsoLoop.");
+}
+
+TEST_F(Group, ALoopMayBeThereWithoutRepetitions) {
+  const IsoNode notes = loop("Notes", "IsoGroup", "psPrefix=\"L\"", "", {field("Note", "psPrefix=\"L\"")});
+  define(loop("G", "IsoGroup", "nNumber=\"43\" psPrefix=\"LL\"", "", {field("A", "nLen=\"1\""), notes}));
+  for (const char *const psContent : {"00", "02A0",
+                                      "07A0B3"
+                                      "1x0"})
+    expectBack(psContent);
+  cvtEnd();
+  define(group("G", "IsoGroup", "nNumber=\"43\" psPrefix=\"LL\"", {field("A", "nLen=\"1\""), notes}));
+  for (const char *const psContent : {"00", "01A", "02A0", "03A10"}) expectBack(psContent);
 }
 
 }  // namespace

@@ -18,12 +18,7 @@ using kit::NodeKind;
 
 namespace {
 
-constexpr IsoLoop plainLoop() {
-  IsoLoop loop{};
-  loop.nMin = 1;
-  return loop;
-}
-constexpr IsoLoop kPlainLoop = plainLoop();
+constexpr IsoLoop kPlainLoop{};
 
 [[noreturn]] void refuse(const Place &place, const std::string &expected, const std::string &found,
                          const std::string &advice = {}) {
@@ -308,8 +303,7 @@ Element Compiler::groupElement(const kit::Rules &rules, size_t at, const IsoGrou
   }
   members(container, rules, at + 1, static_cast<size_t>(node.next), place.path);
   for (size_t i = at + 1; i < static_cast<size_t>(node.next); ++i) {
-    const Node &inner = rules.level().nodes[i];
-    (inner.kind == NodeKind::Loop ? container.loopSlots : container.slots).push_back(inner.slot);
+    container.slots.push_back(rules.level().nodes[i].slot);
   }
   return element;
 }

@@ -72,8 +72,7 @@ enum class Form : unsigned char { Subfields, Tlv };
 struct Container {
   Form form = Form::Subfields;
   std::vector<Element> members;
-  std::vector<int> slots;      // of the values and groups inside that the level around holds
-  std::vector<int> loopSlots;  // of the loops
+  std::vector<int> slots;  // of the nodes inside that the level around holds
 
   bool loop = false;  // repetitions of the members, in a value list each
   int bodySlots = 0;

@@ -77,8 +77,8 @@ void Reader::group(const Element &element, Input &in, List &list) {
 
 void Reader::inside(const Element &element, Input in, List &list) {
   const Container &container = *element.inside;
-  if (container.loop) return repetitions(element, in, list);
   if (in.atEnd()) list.put(element.slot, m_call.store.take(0), 0);  // remembers that it was there
+  if (container.loop) return repetitions(element, in, list);
   if (container.form == Form::Tlv) return tags(container, in, list);
   subfields(element, in, list);
 }

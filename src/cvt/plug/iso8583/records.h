@@ -181,7 +181,7 @@ inline constexpr kit::RecordType kIsoTlv =
     KIT_RECORD(IsoTlv, kIsoGroupRows, "a group, or a loop, of BER-TLV");
 
 inline constexpr kit::Attribute kIsoLoopRows[] = {
-    KIT_INT(IsoLoop, nMin, 1, 1, kMaxTimes, "least number of repetitions, where the loop is there"),
+    KIT_INT(IsoLoop, nMin, 0, 0, kMaxTimes, "least number of repetitions, where the loop is there"),
     KIT_INT(IsoLoop, nMax, 0, 1, kMaxTimes, "largest number of repetitions"),
 };
 inline constexpr kit::RecordType kIsoLoop = KIT_RECORD(IsoLoop, kIsoLoopRows, "a loop");
