@@ -15,7 +15,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     std::string input(fuzz::text(data, size));
     const fuzz::Message message = fuzz::parse(name, "fuzz", input);
     if (message == nullptr) continue;
-    const std::optional<std::string> written = fuzz::generate(*message);
+    const std::optional<std::string> written = fuzz::generate(*message, input.size());
     fuzz::require(written.has_value(), name + " writes what it has read");
     fuzz::require(input.rfind(*written, 0) == 0, name + " writes the bytes that it has read:\n" + *written);
   }
