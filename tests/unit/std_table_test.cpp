@@ -109,10 +109,28 @@ TEST_F(StdTable, AllTablesTogetherAreNoLargerThanTheyMayBe) {
   loadTables("nTableBytes='16'");
   EXPECT_EQ(of("B", "a"), "12345");
   again();
-  EXPECT_EQ(refusal("nTableBytes='15'")[0],
-            place("B") +
-                "]: expected a table that can be read, and at most 15 bytes in all, found another. Shorten "
-                "the tables, or raise nTableBytes.");
+  EXPECT_EQ(
+      refusal("nTableBytes='15'")[0],
+      place("B") +
+          "]: expected 15 bytes in all tables at most, found more. Shorten them, or raise nTableBytes.");
+}
+
+TEST_F(StdTable, AFileThatCannotBeReadIsRefused) {
+  tree.file("Table/T.txt/inside", "");
+  EXPECT_EQ(refusal()[0], place("T") +
+                              "]: expected 16777216 bytes in all tables at most, found a file that cannot be "
+                              "read. Look at its permissions.");
+}
+
+TEST_F(StdTable, TheNamesOfManyTablesAreNotAllTold) {
+  for (int i = 100; i < 200; ++i) table("Table" + std::to_string(i), "a\t1\n");
+  loadTables();
+  EXPECT_EQ(of("Table199", "a"), "1");
+  EXPECT_EQ(of("T", "a"), "refused");
+  const std::string sLine = test::logTexts()[0];
+  EXPECT_NE(sLine.find("one of the tables Table100, Table101, "), std::string::npos) << sLine;
+  EXPECT_NE(sLine.find(", ..., found none of that name"), std::string::npos) << sLine;
+  EXPECT_LT(sLine.size(), 500U);
 }
 
 TEST_F(StdTable, ADirectoryThatIsNotThereIsRefused) {

@@ -94,18 +94,17 @@ class Tables {
  public:
   // False (logged) when one of them cannot be read.
   bool read(const fs::path &directory, std::string_view separator, size_t most) {
-    size_t bytes = 0;
+    size_t left = most;
     for (const fs::path &file : filesOf(directory)) {
       std::string text;
-      if (!load(file, most - bytes, text)) {
-        KIT_ERR(
-            "File[%s]: expected a table that can be read, and at most %zu bytes in all, found another. "
-            "Shorten "
-            "the tables, or raise nTableBytes.",
-            file.c_str(), most);
+      if (!load(file, left, text)) {
+        const bool tooLong = text.size() > left;
+        KIT_ERR("File[%s]: expected %zu bytes in all tables at most, found %s. %s.", file.c_str(), most,
+                tooLong ? "more" : "a file that cannot be read",
+                tooLong ? "Shorten them, or raise nTableBytes" : "Look at its permissions");
         return false;
       }
-      bytes += text.size();
+      left -= text.size();
       auto table = std::make_unique<Table>(file.string(), std::move(text));
       if (!table->read(separator)) return false;
       m_tables.emplace(file.stem().string(), std::move(table));
@@ -118,9 +117,14 @@ class Tables {
     return table == m_tables.end() ? nullptr : table->second.get();
   }
 
+  // Their names, for an error.
   std::string names() const {
+    constexpr size_t kEnough = 200;
     std::string all;
-    for (const auto &[name, table] : m_tables) all += (all.empty() ? "" : ", ") + name;
+    for (const auto &[name, table] : m_tables) {
+      if (all.size() + name.size() > kEnough) return all + ", ...";
+      all += (all.empty() ? "" : ", ") + name;
+    }
     return all;
   }
 
@@ -204,7 +208,12 @@ void configureTables(const Settings &settings) {
     throw kit::Misconfigured("", &settings, "a directory in psTablePath", "none at " + directory.string(),
                              "A path that is not absolute counts from the configuration root");
   }
-  if (f_tables.read(directory, separator, static_cast<size_t>(settings.nTableBytes))) return;
+  try {
+    if (f_tables.read(directory, separator, static_cast<size_t>(settings.nTableBytes))) return;
+  } catch (const fs::filesystem_error &failure) {
+    throw kit::Misconfigured("", &settings, "a directory in psTablePath that can be read",
+                             failure.code().message());
+  }
   throw kit::Misconfigured("", &settings, "code tables that can be read", "one that cannot",
                            "The line before says which");
 }
