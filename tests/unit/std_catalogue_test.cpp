@@ -41,11 +41,15 @@ class StdCatalogue : public test::StdTest, public testing::WithParamInterface<co
   }
 
   void call(const kit::FunctionRow &function, const kit::Example &example) {
-    for (size_t i = 0; i < example.arguments.size(); ++i) {
-      from.set(std::string(1, "ABCDEF"[i]).c_str(), std::string(example.arguments[i]));
+    const std::vector<std::string> arguments(example.arguments.begin(), example.arguments.end());
+    call(function, arguments);
+  }
+  void call(const kit::FunctionRow &function, const std::vector<std::string> &arguments) {
+    for (size_t i = 0; i < arguments.size(); ++i) {
+      from.set(std::string(1, "ABCDEF"[i]).c_str(), arguments[i]);
     }
     to.set("X", "");
-    nStatus = ConvertTest::run(converter(function, example.arguments.size()).c_str(), from, to);
+    nStatus = ConvertTest::run(converter(function, arguments.size()).c_str(), from, to);
   }
 
   // A converter for each number of arguments that the examples have.
@@ -100,6 +104,23 @@ class StdCatalogue : public test::StdTest, public testing::WithParamInterface<co
       }
     }
   }
+  // Each example with a secret in the place of each argument: whatever comes of it, no line of the log has it.
+  void expectSecrecy() {
+    for (const kit::FunctionRow &function : GetParam()->functions) {
+      for (const kit::Example &example : function.examples) {
+        for (size_t i = 0; i < example.arguments.size(); ++i) {
+          for (const std::string sSecret : {"secret", "\xFFsecret", "4111secret(", "1secret"}) {
+            std::vector<std::string> arguments(example.arguments.begin(), example.arguments.end());
+            arguments[i] = sSecret;
+            call(function, arguments);
+            for (const std::string &sLine : test::logTexts(0)) {
+              EXPECT_EQ(sLine.find("secret"), std::string::npos) << sLine;
+            }
+          }
+        }
+      }
+    }
+  }
   static std::string firstLine() { return test::logTexts().empty() ? "no line" : test::logTexts()[0]; }
 
   int nStatus = 0;
@@ -114,6 +135,11 @@ TEST_P(StdCatalogue, ItsErrorsHold) {
   load();
   expectRefusals();
   expectRefusedCounts();
+}
+
+TEST_P(StdCatalogue, ItsErrorsShowNoArgument) {
+  load();
+  expectSecrecy();
 }
 
 INSTANTIATE_TEST_SUITE_P(Topics, StdCatalogue, testing::ValuesIn(functions::kTopics));
