@@ -120,7 +120,14 @@ class FieldCompiler {
     if (m_record.nCounts != kNotGiven && m_frame.digits == 0) {
       refuse(m_place, "psCounts with psPrefix", "no prefix", "Remove psCounts");
     }
+    if (m_record.nMaxLen == 0 && m_frame.digits != 0) largestByPrefix();
     checkLargest();
+  }
+
+  // The longest content whose count the prefix can say.
+  void largestByPrefix() {
+    if (is(Coding::Bcd) && m_frame.countsBytes) m_frame.most *= 2;
+    if (is(Coding::Hex) && !m_frame.countsBytes) m_frame.most /= 2;
   }
 
   // The prefix must be able to say the largest length.
@@ -130,7 +137,7 @@ class FieldCompiler {
     const size_t counted = is(Coding::Bcd) && m_frame.countsBytes    ? wireBytes(m_content, m_frame.most)
                            : is(Coding::Hex) && !m_frame.countsBytes ? 2 * m_frame.most
                                                                      : m_frame.most;
-    if (counted <= limit || m_record.nMaxLen == 0) return;
+    if (counted <= limit) return;
     refuse(m_place, "nMaxLen that the prefix can say, at most " + std::to_string(limit),
            std::to_string(counted), "Write a longer psPrefix");
   }
