@@ -67,6 +67,7 @@ class Parser {
   void putUnescaped(const Field &field, const Token &token, List values);
   void choice(const Compound &choice, const Compound &record, List values);
   void fieldLoop(const Compound &loop, const Compound &record, List values);
+  size_t countOf(const Compound &loop, List values);
   void checkUtf8(const Token &token) const;
   void noteWrap() {
     if (!m_reader.continued()) return;
@@ -301,17 +302,27 @@ void Parser::choice(const Compound &choice, const Compound &record, List values)
   m_path.leave();
 }
 
+// The number of repetitions that a count field says. It is written without leading zeros, and so it is kept.
+size_t Parser::countOf(const Compound &loop, List values) {
+  const std::string_view text = values.get(loop.countSlot);
+  int times = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), times);
+  if (!text.empty() && (error != std::errc() || end != text.data() + text.size() || times < 0)) {
+    throw Fault(Fault::kHere, "a count of repetitions", kit::quoted(text.data(), text.size()));
+  }
+  kit::Digits digits;
+  const char *const stop = std::to_chars(digits.bytes, digits.bytes + sizeof digits.bytes, times).ptr;
+  const std::string_view canonical(digits.bytes, static_cast<size_t>(stop - digits.bytes));
+  if (text != canonical) {
+    values.put(loop.countSlot, m_call.store.copy(canonical.data(), canonical.size()), canonical.size());
+  }
+  return static_cast<size_t>(times);
+}
+
 // A loop of fields: as many as its count says, or to the end of the record.
 void Parser::fieldLoop(const Compound &loop, const Compound &record, List values) {
   const bool counted = loop.countSlot >= 0;
-  size_t times = 0;
-  if (counted) {
-    const std::string_view text = values.get(loop.countSlot);
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), times);
-    if (!text.empty() && (error != std::errc() || end != text.data() + text.size())) {
-      throw Fault(Fault::kHere, "a count of repetitions", kit::quoted(text.data(), text.size()));
-    }
-  }
+  const size_t times = counted ? countOf(loop, values) : 0;
   size_t done = 0;
   for (; counted ? done < times : m_reader.more(); ++done) {
     m_path.repetition(static_cast<int>(done));

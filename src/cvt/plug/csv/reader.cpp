@@ -85,7 +85,7 @@ bool Reader::takeEnd() {
   if (m_dialect.lineEnd != LineEnd::None) {
     m_open = behind == m_end && (behind == m_at || behind[-1] != '\n');
     if (behind != m_at && behind[-1] == '\n') {
-      m_lineEnd = behind - m_at > 1 && behind[-2] == '\r' ? LineEnd::CrLf : LineEnd::Lf;
+      m_lineEnd = m_recordsEnd = behind - m_at > 1 && behind[-2] == '\r' ? LineEnd::CrLf : LineEnd::Lf;
       if (behind == m_end && m_dialect.lastLineEnd == LastLineEnd::None) {
         fault(behind - (m_lineEnd == LineEnd::CrLf ? 2 : 1), "no line end behind the last record",
               "Remove it, or set psLastLineEnd of CsvMsg to optional");

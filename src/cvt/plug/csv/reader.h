@@ -86,7 +86,8 @@ class Reader {
   // Whether the record was continued just before the next field.
   bool continued() const { return m_continued; }
 
-  LineEnd lineEnd() const { return m_lineEnd; }
+  // How the records ended; Any: none did.
+  LineEnd lineEnd() const { return m_recordsEnd; }
   bool openEnd() const { return m_open; }
   bool high() const { return m_scan.high(); }
 
@@ -157,7 +158,8 @@ class Reader {
   bool m_separated = false;
   bool m_continued = false;
   bool m_open = false;
-  LineEnd m_lineEnd = LineEnd::Any;  // Any: none was seen yet
+  LineEnd m_lineEnd = LineEnd::Any;  // of the first line; Any: none was seen yet
+  LineEnd m_recordsEnd = LineEnd::Any;
   int m_tag = -1;
   std::string_view m_tagText;
   const char *m_tagEnd = nullptr;
