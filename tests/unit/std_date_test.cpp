@@ -213,6 +213,13 @@ TEST(StdPattern, OfEveryByteOnlyItsLettersAreLetters) {
   }
 }
 
+TEST(StdPattern, WhatStandsBetweenNumbersKeepsThemApart) {
+  EXPECT_EQ(resultOf("reformatDate", {"2024-1-2", "yyyy-M-d", "d.M.yyyy"}), "2.1.2024");
+  EXPECT_EQ(resultOf("reformatDate", {"2024-01-02", "yyyy-MM-dd", "d''1'M'M"}), "2'1M1");
+  EXPECT_EQ(resultOf("reformatDate", {"2024-01-02", "yyyy-MM-dd", "dMMM'1'yy"}), "2Jan124");
+  EXPECT_EQ(resultOf("reformatDate", {"2024-01-02", "yyyy-MM-dd", "ddMMyyyyH"}), "020120240");
+}
+
 TEST(StdPattern, OnesThatMakeNoSenseAreRefused) {
   for (const std::string sPattern : {"yyy",
                                      "yyyyy",
@@ -249,7 +256,13 @@ TEST(StdPattern, OnesThatMakeNoSenseAreRefused) {
                                      "ddMMdd",
                                      "YYYY",
                                      "DDMMYYYY",
-                                     "yyyy-MM-ddTHH"}) {
+                                     "yyyy-MM-ddTHH",
+                                     "dMyyyy",
+                                     "yyyyMd",
+                                     "Hmm",
+                                     "yyyy-MM-d1",
+                                     "h'1'a",
+                                     "d''HH1H"}) {
     EXPECT_EQ(resultOf("reformatDate", {"2024-01-01", "yyyy-MM-dd", sPattern}), "refused") << sPattern;
     EXPECT_EQ(resultOf("reformatDate", {"", sPattern, ""}), "refused") << sPattern;
   }
@@ -317,6 +330,19 @@ TEST(StdPattern, TextsThatDoNotFitAreToldWhere) {
   }
   EXPECT_EQ(resultOf("isDate", {std::string(1'000'000, '9'), "yyyy"}), "0");
   EXPECT_EQ(resultOf("isDate", {std::string("2024\0", 5), "yyyy"}), "0");
+}
+
+TEST(StdPattern, PartsThatSayTheSameTwiceAgree) {
+  EXPECT_EQ(resultOf("isDate", {"2024-02-29 060", "yyyy-MM-dd DDD"}), "1");
+  EXPECT_EQ(resultOf("isDate", {"060 2024-02-29", "DDD yyyy-MM-dd"}), "1");
+  EXPECT_EQ(resultOf("isDate", {"2024-02-29 061", "yyyy-MM-dd DDD"}), "0");
+  EXPECT_EQ(resultOf("isDate", {"2024-03 060", "yyyy-MM DDD"}), "0");
+  EXPECT_EQ(resultOf("isDate", {"13 01 PM", "HH hh a"}), "1");
+  EXPECT_EQ(resultOf("isDate", {"13 02 PM", "HH hh a"}), "0");
+  EXPECT_EQ(resultOf("isDate", {"13 01 AM", "HH hh a"}), "0");
+  EXPECT_EQ(resultOf("isDate", {"00 01 PM", "HH hh a"}), "0");
+  EXPECT_EQ(resultOf("isDate", {"PM", "a"}), "refused");
+  EXPECT_EQ(resultOf("isDate", {"01", "hh"}), "refused");
 }
 
 TEST(StdPattern, EveryCutOfATextIsNoDate) {

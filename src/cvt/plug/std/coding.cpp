@@ -240,13 +240,14 @@ constexpr kit::FunctionRow kFunctions[] = {
 };
 // clang-format on
 
+constexpr const char *kAbout =
+    "Values are texts in UTF-8. Bytes that are none, such as those of another character set, are for a field "
+    "that its format writes as bytes, or for a function that makes a text of them: "
+    "`hexEncode(toCharset(text, set))`. Conversions are exact: what a set does not have is refused, never "
+    "replaced.";
+
 }  // namespace
 
-constinit const kit::Topic kCoding = kit::topic<kFunctions>(
-    "Bytes and character sets",
-    "Values are texts in UTF-8. Bytes that are none, such as those of another character set, are for a field "
-    "that its "
-    "format writes as bytes, or for a function that makes a text of them: `hexEncode(toCharset(text, set))`. "
-    "Conversions are exact: what a set does not have is refused, never replaced.");
+constinit const kit::Topic kCoding = kit::topic<kFunctions>("Bytes and character sets", kAbout);
 
 }  // namespace cvt::functions

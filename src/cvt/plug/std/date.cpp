@@ -349,30 +349,23 @@ constexpr kit::FunctionRow kFunctions[] = {
 #undef TO
 // clang-format on
 
+constexpr const char *kAbout =
+    "A pattern says how a date or a time is written: `yyyy` the year, `yy` its last two digits; `MM` the "
+    "month, `MMM` Jan, `MMMM` January; `dd` the day, `DDD` the day of the year; `EEE` Mon, `EEEE` Monday; "
+    "`HH` the hour, `hh` the hour to 12, with `a` AM or PM; `mm` the minute; `ss` the second; `S` to "
+    "`SSSSSSSSS` as many digits of a second; `XXX` the offset from UTC, +02:00 or Z; `XX` +0200 or Z; `xxx` "
+    "+02:00, also +00:00; `Z` +0200. `M`, `d`, `H` and `h` alone are one or two digits, and no digit "
+    "follows. Other letters are refused; `'T'` is a letter that stands for itself, `''` a quote, and every "
+    "other character stands for itself. Names are English, in capitals or not. Years are 0001 to 9999 of the "
+    "Gregorian calendar, also before it began; `yy` is in the hundred years from 1969 on, unless the "
+    "plug-in's `nFirstYear` says otherwise. A time that a pattern leaves out is midnight; digits of a second "
+    "that the result has no room for are cut off. A local time that comes twice, when clocks are put back, "
+    "is the first of the two; one that is skipped, when they are put forward, counts on with the offset from "
+    "before: both as in RFC 5545.";
+
 }  // namespace
 
-constinit const kit::Topic kDate =
-    kit::topic<kFunctions>("Dates and times",
-                           "A pattern says how a date or a time is written: `yyyy` the year, `yy` its last "
-                           "two digits; `MM` the month, `MMM` "
-                           "Jan, `MMMM` January; `dd` the day, `DDD` the day of the year; `EEE` Mon, `EEEE` "
-                           "Monday; `HH` the hour, `hh` the "
-                           "hour to 12, with `a` AM or PM; `mm` the minute; `ss` the second; `S` to "
-                           "`SSSSSSSSS` as many digits of a second; "
-                           "`XXX` the offset from UTC, +02:00 or Z; `XX` +0200 or Z; `xxx` +02:00, also "
-                           "+00:00; `Z` +0200. `M`, `d`, `H` and "
-                           "`h` alone are one or two digits. Other letters are refused; `'T'` is a letter "
-                           "that stands for itself, `''` a "
-                           "quote, and every other character stands for itself. Names are English, in "
-                           "capitals or not. Years are 0001 to "
-                           "9999 of the Gregorian calendar, also before it began; `yy` is in the hundred "
-                           "years from 1969 on, unless the "
-                           "plug-in's `nFirstYear` says otherwise. A time that a pattern leaves out is "
-                           "midnight; digits of a second that the "
-                           "result has no room for are cut off. A local time that comes twice, when clocks "
-                           "are put back, is the first of the "
-                           "two; one that is skipped, when they are put forward, counts on with the offset "
-                           "from before: both as in RFC 5545.");
+constinit const kit::Topic kDate = kit::topic<kFunctions>("Dates and times", kAbout);
 
 void configureDates(const Settings &settings) {
   setFirstYear(settings.nFirstYear);

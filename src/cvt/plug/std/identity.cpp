@@ -144,14 +144,13 @@ constexpr kit::FunctionRow kFunctions[] = {
 };
 // clang-format on
 
+constexpr const char *kAbout =
+    "A sequence belongs to the process: a reload of the configuration leaves it, and a new process begins "
+    "again, so what must be unique for longer needs a date in front of it, or the database, or a UUID. "
+    "Chance is the system's, unless `nSeed` fixes it.";
+
 }  // namespace
 
-constinit const kit::Topic kIdentity =
-    kit::topic<kFunctions>("Sequences and identifiers",
-                           "A sequence belongs to the process: a reload of the configuration leaves it, and "
-                           "a new process begins again, so "
-                           "what must be unique for longer needs a date in front of it, or the database, or "
-                           "a UUID. Chance is the system's, "
-                           "unless `nSeed` fixes it.");
+constinit const kit::Topic kIdentity = kit::topic<kFunctions>("Sequences and identifiers", kAbout);
 
 }  // namespace cvt::functions

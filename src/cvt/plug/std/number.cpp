@@ -215,14 +215,13 @@ constexpr kit::FunctionRow kFunctions[] = {
 #undef ROUNDING
 // clang-format on
 
+constexpr const char *kAbout =
+    "Exact decimal arithmetic. A number is an optional sign, digits, and an optional point with digits; "
+    "blanks around it are left out, and zeros in front do not count. It has at most 100 digits, and so has a "
+    "result. Results have a `-` or no sign, no zeros in front, and never an exponent.";
+
 }  // namespace
 
-constinit const kit::Topic kNumber =
-    kit::topic<kFunctions>("Numbers",
-                           "Exact decimal arithmetic. A number is an optional sign, digits, and an optional "
-                           "point with digits; blanks "
-                           "around it are left out, and zeros in front do not count. It has at most 100 "
-                           "digits, and so has a result. "
-                           "Results have a `-` or no sign, no zeros in front, and never an exponent.");
+constinit const kit::Topic kNumber = kit::topic<kFunctions>("Numbers", kAbout);
 
 }  // namespace cvt::functions

@@ -183,12 +183,12 @@ constexpr kit::FunctionRow kFunctions[] = {
 #undef STYLES
 // clang-format on
 
+constexpr const char *kAbout =
+    "From and to what other systems write: implied decimals, separators, signs at either end. A number that "
+    "the other functions read, and that these give, is one of the chapter before.";
+
 }  // namespace
 
-constinit const kit::Topic kNumberFormat =
-    kit::topic<kFunctions>("Ways of writing numbers",
-                           "From and to what other systems write: implied decimals, separators, signs at "
-                           "either end. A number that the other "
-                           "functions read, and that these give, is one of the chapter before.");
+constinit const kit::Topic kNumberFormat = kit::topic<kFunctions>("Ways of writing numbers", kAbout);
 
 }  // namespace cvt::functions

@@ -8,8 +8,8 @@
 //   DDD  day of the year         'text'  as it stands          Z    offset, +0200, also +0000
 //   EEE  Mon, EEEE Monday        ''  a quote
 //
-// M, d, H and h alone are one or two digits. Other letters mean nothing and are refused; any other character
-// stands for itself.
+// M, d, H and h alone are one or two digits, and no digit follows. Other letters mean nothing and are refused;
+// any other character stands for itself.
 #pragma once
 
 #include <cstddef>

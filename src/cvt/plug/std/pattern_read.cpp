@@ -95,7 +95,7 @@ class Reader {
         m_moment.day = number(count, 2, 1, 31, "a day of the month, 01 to 31");
         return;
       case 'D':
-        m_dayAt = m_at;
+        m_dayOfYearAt = m_at;
         m_dayOfYear = number(3, 3, 1, 366, "a day of the year, 001 to 366");
         return;
       case 'E':
@@ -118,6 +118,7 @@ class Reader {
         m_hour = number(count, 2, 0, 23, "an hour, 00 to 23");
         return;
       case 'h':
+        m_hour12At = m_at;
         m_hour12 = number(count, 2, 1, 12, "an hour, 01 to 12") % kNoon;
         return;
       case 'a':
@@ -164,17 +165,27 @@ class Reader {
     if (m_weekday != 0 && m_moment.hasDate() && weekdayOf(m_moment) != m_weekday) {
       refuse("the weekday of the date", m_weekdayAt);
     }
-    if (m_hour12 >= 0 && m_half < 0) m_tokens.refuse("an a (AM or PM) beside hours to 12");
-    if (m_hour12 >= 0) m_hour = m_hour12 + m_half * kNoon;
+    if (m_hour12 >= 0) setHour12();
+    if (m_half >= 0 && m_hour < 0) return m_tokens.refuse("hours beside AM or PM");
     if (m_half >= 0 && m_hour / kNoon != m_half) refuse("the half of the day that the hour is in", m_halfAt);
-    m_moment.second += m_hour * 3600;
+    if (m_hour > 0) m_moment.second += m_hour * 3600;
+  }
+
+  void setHour12() {
+    if (m_half < 0) return m_tokens.refuse("an a (AM or PM) beside hours to 12");
+    const int hour = m_hour12 + m_half * kNoon;
+    if (m_hour >= 0 && m_hour != hour) return refuse("the hour to 12 of the hour", m_hour12At);
+    m_hour = hour;
   }
 
   void setDayOfYear() {
     if (m_moment.year == 0) return m_tokens.refuse("a year beside the day of the year");
     const int64_t first = secondsOf({m_moment.year, 1, 1, 0, 0, {}});
     const Moment date = momentOf(first + int64_t{m_dayOfYear - 1} * kDay, 0);
-    if (date.year != m_moment.year) return refuse("a day that the year has", m_dayAt);
+    if (date.year != m_moment.year) return refuse("a day that the year has", m_dayOfYearAt);
+    const bool same = (m_moment.month == 0 || m_moment.month == date.month) &&
+                      (m_moment.day == 0 || m_moment.day == date.day);
+    if (!same) return refuse("the day of the year that the date is", m_dayOfYearAt);
     m_moment.month = date.month;
     m_moment.day = date.day;
   }
@@ -185,11 +196,13 @@ class Reader {
   size_t m_at = 0;
   Moment m_moment;
   int m_dayOfYear = 0;
+  size_t m_dayOfYearAt = 0;
   size_t m_dayAt = 0;
   int m_weekday = 0;
   size_t m_weekdayAt = 0;
-  int m_hour = 0;
+  int m_hour = -1;
   int m_hour12 = -1;
+  size_t m_hour12At = 0;
   int m_half = -1;  // 0 before noon, 1 after
   size_t m_halfAt = 0;
 };

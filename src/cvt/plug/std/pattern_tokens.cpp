@@ -20,6 +20,15 @@ bool isLetter(char c) {
   return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }
 
+bool isNumber(const Token &token) {
+  constexpr std::string_view kNumbers = "yMdDHhmsS";
+  return kNumbers.find(token.letter) != kNumbers.npos && (token.letter != 'M' || token.count < 3);
+}
+
+bool beginsWithDigit(const Token &token) {
+  return token.count == 0 ? token.letter >= '0' && token.letter <= '9' : isNumber(token);
+}
+
 }  // namespace
 
 bool Tokens::next(Token &token) {
@@ -28,6 +37,7 @@ bool Tokens::next(Token &token) {
     if (m_pattern.substr(m_at, 2) == "''") {
       m_at += 2;
       token = {'\'', 0};
+      m_openEnd = false;
       return m_misfit.expected == nullptr;
     }
     m_quoted = !m_quoted;
@@ -42,6 +52,8 @@ bool Tokens::next(Token &token) {
   } else {
     part(token);
   }
+  if (m_openEnd && beginsWithDigit(token)) refuse("something between a number without zeros and more digits");
+  m_openEnd = token.count == 1 && token.letter != 'S' && isNumber(token);
   return m_misfit.expected == nullptr;
 }
 
