@@ -3,7 +3,7 @@
 namespace formats {
 
 const std::vector<const Format *> &allFormats() {
-  static const std::vector<const Format *> all = {&csv(), &example(), &fix(), &json(), &xml()};
+  static const std::vector<const Format *> all = {&csv(), &example(), &fix(), &iso8583(), &json(), &xml()};
   return all;
 }
 

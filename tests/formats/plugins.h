@@ -8,6 +8,7 @@ namespace formats {
 const Format &csv();
 const Format &example();
 const Format &fix();
+const Format &iso8583();
 const Format &json();
 const Format &xml();
 
