@@ -40,7 +40,7 @@ struct Day {
     ++nYear;
   }
   std::string text() const {
-    char s[64];
+    char s[128];
     snprintf(s, sizeof s, "%04d%02d%02d", nYear, nMonth, nDay);
     return s;
   }
@@ -54,7 +54,7 @@ TEST(StdDate, EveryDayOfTwoCenturiesHasItsPlace) {
   Day day = {1899, 12, 31, 365, 7};
   std::string sBefore = "18991230";
   for (int n = -25568; day.nYear <= 2100; ++n, day.next()) {
-    char s[64];
+    char s[128];
     snprintf(s, sizeof s, "%s, %d %s %04d, %03d", kWeekdays[day.nOfWeek], day.nDay, kMonths[day.nMonth],
              day.nYear, day.nOfYear);
     const std::string sDay = day.text();
@@ -72,7 +72,7 @@ TEST(StdDate, EveryDayOfTwoCenturiesHasItsPlace) {
 TEST(StdDate, EveryYearBeginsWhereTheOneBeforeEnds) {
   long nDays = 0;
   for (int nYear = 1; nYear <= 9999; ++nYear) {
-    char s[16];
+    char s[32];
     snprintf(s, sizeof s, "%04d", nYear);
     const std::string sYear = s;
     ASSERT_EQ(resultOf("daysBetween", {"00010101", sYear + "0101", "yyyyMMdd"}), std::to_string(nDays));
@@ -136,7 +136,7 @@ TEST(StdPattern, WhatIsWrittenIsReadAgain) {
   std::mt19937 random{20240229};
   const auto below = [&](int n) { return std::uniform_int_distribution<int>(0, n - 1)(random); };
   for (int i = 0; i < 1000; ++i) {
-    char s[64];
+    char s[128];
     const int nOffset = below(2 * 23 * 60 + 1) - 23 * 60;
     snprintf(s, sizeof s, "%04d-%02d-%02d %02d:%02d:%02d.%09d%c%02d:%02d", 1970 + below(98), 1 + below(12),
              1 + below(28), below(24), below(60), below(60), below(1'000'000'000), nOffset < 0 ? '-' : '+',
