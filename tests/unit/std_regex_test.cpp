@@ -119,6 +119,18 @@ TEST_P(StdRegex, AMatchIsFoundBetweenCharactersOnly) {
   EXPECT_EQ(of("a", "a", "\xc3"), "refused");
 }
 
+TEST_P(StdRegex, APatternThatCallsItselfWithoutEndIsRefused) {
+  loadCall("regexReplace", 3);
+  EXPECT_EQ(of("ab", "(?R)?a", "x"), "refused");
+  const bool bMachineCode = GetParam();  // which finds no place for one more call of itself
+  EXPECT_EQ(firstLine().find(
+                bMachineCode ? "Func[regexReplace] Arg[1] Len[2]: expected a match with at most 1024 KiB"
+                             : "Func[regexReplace] Arg[2] Len[6]: expected a regular expression that this "
+                               "text can be matched with, found an error: nested recursion"),
+            0U)
+      << firstLine();
+}
+
 TEST_P(StdRegex, ErrorsNeverShowTheText) {
   loadCall("regexReplace", 3, "nRegexSteps='5'");
   for (const std::string sPattern : {"(4111", "4111.*(secret)+x", "(4111)+secret$", "4111"}) {

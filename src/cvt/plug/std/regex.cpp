@@ -1,5 +1,5 @@
 // regex.cpp: regular expressions: matched, extracted, replaced.
-#include <cstring>
+#include <new>
 
 #include "regex_cache.h"
 #include "settings.h"
@@ -63,7 +63,8 @@ class Matching {
     const int count = pcre2_substitute(m_regex.code.get(), units(m_text), m_text.size(), 0, kOptions,
                                        f_cache->match(), f_cache->context(), units(replacement),
                                        replacement.size(), reinterpret_cast<unsigned char *>(out), &length);
-    if (count == PCRE2_ERROR_NOMEMORY) return length - 1;
+    const bool tooLong = count == PCRE2_ERROR_NOMEMORY && length != PCRE2_UNSET;
+    if (tooLong) return length - 1;
     if (count < 0) failReplacing(count, length);
     return length;
   }
@@ -79,15 +80,28 @@ class Matching {
     }
   }
 
+  [[noreturn]] void failLimit(const std::string &expected, const char *attribute) {
+    m_call.refuse(
+        0, kWhole, "a match " + expected, "more",
+        std::string("Let no repetition stand inside another one of the same characters, or raise ") +
+            attribute + " of the plug-in");
+  }
+
   [[noreturn]] void fail(int error) {
     const RegexLimits &limits = f_cache->limits();
-    const char *advice = "Let no repetition stand inside another one of the same characters, or raise ";
-    if (error == PCRE2_ERROR_MATCHLIMIT) {
-      m_call.refuse(0, kWhole, "a match in at most " + std::to_string(limits.steps) + " steps", "more",
-                    std::string(advice) + "nRegexSteps of the plug-in");
+    switch (error) {
+      case PCRE2_ERROR_MATCHLIMIT:
+        failLimit("in at most " + std::to_string(limits.steps) + " steps", "nRegexSteps");
+      case PCRE2_ERROR_DEPTHLIMIT:
+      case PCRE2_ERROR_HEAPLIMIT:
+      case PCRE2_ERROR_JIT_STACKLIMIT:
+        failLimit("with at most " + std::to_string(limits.memory) + " KiB of memory", "nRegexMemory");
+      case PCRE2_ERROR_NOMEMORY:
+        throw std::bad_alloc();
+      default:
+        m_call.refuse(1, kWhole, "a regular expression that this text can be matched with",
+                      "an error: " + regexMessage(error), "Write it in another way");
     }
-    m_call.refuse(0, kWhole, "a match with at most " + std::to_string(limits.memory) + " KiB of memory",
-                  "more", std::string(advice) + "nRegexMemory of the plug-in");
   }
 
   [[noreturn]] void failReplacing(int error, size_t offset) {

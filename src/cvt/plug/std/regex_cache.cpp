@@ -18,13 +18,13 @@ T *there(T *object) {
   return object;
 }
 
-RegexError errorAt(int number, size_t offset) {
-  unsigned char text[256] = {};
-  pcre2_get_error_message(number, text, sizeof text);
-  return {reinterpret_cast<const char *>(text), offset};
-}
-
 }  // namespace
+
+std::string regexMessage(int error) {
+  unsigned char text[256] = {};
+  pcre2_get_error_message(error, text, sizeof text);
+  return reinterpret_cast<const char *>(text);
+}
 
 RegexCache::RegexCache(const RegexLimits &limits)
     : m_limits(limits),
@@ -66,7 +66,7 @@ Regex RegexCache::compile(std::string_view pattern) const {
   Regex regex{std::string(pattern), nullptr, 0};
   constexpr uint32_t kOptions = PCRE2_UTF | PCRE2_NO_UTF_CHECK | PCRE2_AUTO_CALLOUT | PCRE2_NEVER_BACKSLASH_C;
   regex.code.reset(pcre2_compile(units(regex.text), regex.text.size(), kOptions, &error, &offset, nullptr));
-  if (regex.code == nullptr) throw errorAt(error, offset);
+  if (regex.code == nullptr) throw RegexError{regexMessage(error), offset};
   uint32_t groups = 0;
   pcre2_pattern_info(regex.code.get(), PCRE2_INFO_CAPTURECOUNT, &groups);
   if (groups > kMostGroups) {

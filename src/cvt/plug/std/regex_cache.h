@@ -37,6 +37,9 @@ struct Regex {
   int groups;  // the largest number of one
 };
 
+// PCRE2's words for one of its errors.
+std::string regexMessage(int error);
+
 // What is wrong with a pattern: PCRE2's words, and where.
 struct RegexError {
   std::string text;
