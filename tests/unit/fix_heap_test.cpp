@@ -46,10 +46,26 @@ TEST(FixHeap, IsSilentOnceWarm) {
   config.file("msg/NachaFile.xml", contentOf(CVT2_SOURCE_DIR "/examples/nacha/Message/NachaFile.xml"));
   config.message("Chinese", "psCharset=\"GB18030\" psUnit=\"chars\"",
                  {field("A", "nLen=\"10\""), field("B", "nLen=\"4\" psUnit=\"bytes\"")});
+  config.file("msg/ChequeFile.xml", contentOf(CVT2_SOURCE_DIR "/examples/x937/Message/ChequeFile.xml"));
+  config.message("Lengths", "psCharset=\"IBM037\"",
+                 {field("CountOfTheManyParts", "nLen=\"2\" psType=\"number\""),
+                  loop("Parts", "",
+                       {field("Kind", "nLen=\"1\""), field("Len", "nLen=\"3\" psType=\"number\""),
+                        field("Text", "psLenField=\"Len\""), field("Marked", "psEnd=\"*\""),
+                        group("By", "FixGroup psKind=\"choice\" psBy=\"Kind\"",
+                              {group("A", "FixGroup psWhen=\"A\"", {field("X", "nLen=\"1\"")}),
+                               group("B", "FixGroup", {field("Y", "nLen=\"2\"")})})},
+                       "CountOfTheManyParts"),
+                  field("Rest", "nRest=\"1\" psType=\"raw\"")});
   ASSERT_EQ(config.start(), 0) << told();
   EXPECT_EQ(allocationsOf("Order", contentOf(kSamples + "data/order.dat")), 0);
   EXPECT_EQ(allocationsOf("Accounts", contentOf(kSamples + "data/accounts.bin").substr(0, 2202)), 0);
   EXPECT_EQ(allocationsOf("Groups", "21A2BC"), 0);
   EXPECT_EQ(allocationsOf("NachaFile", contentOf(CVT2_SOURCE_DIR "/examples/nacha/data/iat-debit.ach")), 0);
   EXPECT_EQ(allocationsOf("Chinese", "\xD6\xD0\xB9\xFA       a\xD6\xD0\xB9\xFA"), 0);
+  EXPECT_EQ(allocationsOf("ChequeFile", contentOf(CVT2_SOURCE_DIR "/examples/x937/data/valid-ebcdic.x937")),
+            0);
+  EXPECT_EQ(
+      allocationsOf("Lengths", "\xF0\xF2\xC1\xF0\xF0\xF2\xC1\xC2\xC3\x5C\xC1\xC2\xF0\xF0\xF0\x5C\xC1\xC2xyz"),
+      0);
 }
