@@ -3,6 +3,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -104,7 +105,29 @@ class AtTheEdge {
   char *m_room;
 };
 
-TEST(JsonScan, NothingBehindTheTextIsRead) {
+// Each of simdjson's implementations that this processor can run. It chooses once in a process.
+class JsonScanOn : public testing::TestWithParam<std::string> {
+ protected:
+  void SetUp() override {
+    if (!supported()) GTEST_SKIP() << "this processor has no " << GetParam();
+    ASSERT_EQ(setenv("SIMDJSON_FORCE_IMPLEMENTATION", GetParam().c_str(), 1), 0);
+  }
+
+  static bool supported() {
+#if defined(__x86_64__)
+    if (GetParam() == "westmere")
+      return __builtin_cpu_supports("sse4.2") != 0 && __builtin_cpu_supports("pclmul") != 0;
+    if (GetParam() == "haswell")
+      return __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("bmi") != 0;
+#endif
+    return GetParam() == "fallback";
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(, JsonScanOn, testing::Values("fallback", "westmere", "haswell"),
+                         [](const auto &one) { return one.param; });
+
+void readAtTheEdge() {
   AtTheEdge edge;
   ASSERT_TRUE(edge.works());
   const std::string s =
@@ -120,6 +143,14 @@ TEST(JsonScan, NothingBehindTheTextIsRead) {
     const std::string sAny = anything(random);
     verdict(scan(edge.put(sAny), true));
   }
+}
+
+TEST(JsonScan, NothingBehindTheTextIsRead) {
+  readAtTheEdge();
+}
+
+TEST_P(JsonScanOn, NothingBehindTheTextIsRead) {
+  readAtTheEdge();
 }
 
 TEST(JsonScan, AnUnusuallyLargeTextLeavesNoMemoryBehind) {

@@ -2,8 +2,8 @@
 // when the definition loads, with the place in its file.
 #include <utility>
 
+#include "cursor.h"
 #include "escape.h"
-#include "grammar.h"
 #include "kit/attributes.h"
 #include "kit/fault.h"
 #include "kit/shape.h"
@@ -24,6 +24,17 @@ constexpr JsonLoop kPlainLoop{};
 
 std::string text(const char *s) {
   return s == nullptr ? "" : s;
+}
+
+bool isValue(const std::string &text) {
+  try {
+    Cursor in(scan(text, true), 0, kMaxDepth);
+    in.value();
+    in.end("");
+    return true;
+  } catch (const kit::Fault &) {
+    return false;
+  }
 }
 
 // What a level of values inherits from the one around it.
@@ -195,6 +206,7 @@ void Compiler::checkField(const JsonField &record, const Item &field, const Scop
       refuse("a number as JSON writes it", "\"" + value + "\"", "");
     if (field.type == Type::Boolean && value != "true" && value != "false")
       refuse("true or false", "\"" + value + "\"", "");
+    if (field.type == Type::Any && !isValue(value)) refuse("a JSON value", "\"" + value + "\"", "");
     if (field.type == Type::Null || field.form == Form::Others)
       refuse("no psDefault and psConst", "\"" + value + "\"", "Remove it");
   }
@@ -263,10 +275,9 @@ Item Compiler::repeatedField(const Node &node, Item &loop, const Scope &scope) {
     throw Misconfigured(scope.path, scope.record, "psKind=\"member\" without nKeepEmpty in a loop",
                         "another kind", "A repetition is always written, also when it is empty");
   }
+  loop.name = std::exchange(repeated.name, repeated.node);
   checkElement(repeated, scope);
-  loop.name = repeated.name;
   repeated.node = nullptr;  // the loop stands for it
-  repeated.name.clear();
   return repeated;
 }
 
@@ -310,6 +321,10 @@ void Compiler::checkElement(const Item &element, const Scope &scope) const {
   if (element.form == Form::Others || element.form == Form::Name) {
     throw Misconfigured(scope.path, scope.record, "psKind=\"member\" outside of objects", "another kind",
                         "Remove psKind");
+  }
+  if (element.name != element.node) {
+    throw Misconfigured(scope.path, scope.record, "no psName for a value that is no member",
+                        "\"" + element.name + "\"", "Remove psName");
   }
   if (element.null == Null::Absent) {
     throw Misconfigured(scope.path, scope.record, "psNull refuse or empty for a value that is no member",

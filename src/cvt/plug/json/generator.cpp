@@ -55,7 +55,7 @@ class Generator {
   kit::Store m_store;
   bool m_first = true;  // nothing has been written in the innermost object or array
   size_t m_depth = 0;
-  kit::Digits m_digits;  // a count being written
+  kit::Digits m_digits{};  // a count being written
 };
 
 // What stands before each value or member but the first, and the line it stands on.
@@ -106,7 +106,10 @@ bool Generator::hasValue(const Item &item, const List &list) {
 
 // Whether an element of a tuple has something to say.
 bool Generator::stands(const Item &item, const List &list) {
-  if (item.form == Form::Scalar) return isWritten(item.rule, list, textToWrite(item.rule, list, m_digits));
+  if (item.form == Form::Scalar) {
+    m_path.field(item.node);
+    return isWritten(item.rule, list, textToWrite(item.rule, list, m_digits));
+  }
   return item.mandatory || item.keepEmpty || item.minTimes > 0 || hasValue(item, list);
 }
 

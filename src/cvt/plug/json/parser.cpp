@@ -294,8 +294,8 @@ void Parser::tuple(const Item &item, List values) {
   m_in.open('[', "an array", m_in.peek() == 'n' ? kSeeNull : "");
   const size_t seen = f_room.seen.size();
   f_room.seen.resize(seen + item.children.size(), kNothing);
-  size_t position = 0;
   if (m_in.peek() != ']') {
+    size_t position = 0;
     do {
       if (position < item.children.size()) {
         const Seen came = read(item.children[position], values);

@@ -75,6 +75,7 @@ struct CVT_RECORD JsonLoop {
 };
 
 inline constexpr int kNoLimit = 0;  // what nMaxLen, nMaxSize and nMax are when they are not given
+inline constexpr int kMaxDepth = 1000;
 inline constexpr int kMaxInt = 0x7FFFFFFF;
 
 inline constexpr kit::Attribute kJsonMsgRows[] = {
@@ -88,7 +89,7 @@ inline constexpr kit::Attribute kJsonMsgRows[] = {
              "what parsing does with members and elements that the definition does not have"),
     KIT_FLAG(JsonMsg, nWhole, 1,
              "1: nothing but white space may follow the value; 0: what follows is left to the caller"),
-    KIT_INT(JsonMsg, nMaxDepth, 64, 1, 1000, "objects and arrays that may be open at once"),
+    KIT_INT(JsonMsg, nMaxDepth, 64, 1, kMaxDepth, "objects and arrays that may be open at once"),
     KIT_INT(JsonMsg, nMaxMembers, 1000, 1, 10000,
             "members that one object may have, of those whose names the definition does not know or reads as "
             "data"),

@@ -5,6 +5,7 @@
 #include <bit>
 #include <memory>
 #include <new>
+#include <string>
 #include <vector>
 
 #include "grammar.h"
@@ -24,6 +25,15 @@ using Stage = simdjson::internal::dom_parser_implementation;
 std::unique_ptr<Stage> f_stage;
 
 std::vector<uint32_t> f_offsets;  // of scanBytes
+
+// Without instructions for many bytes at a time simdjson reads behind the text, and is no faster.
+bool isWorthwhile() {
+  static const bool worthwhile = [] {
+    const std::string name = simdjson::get_active_implementation()->name();
+    return name != "fallback" && name != "unsupported";
+  }();
+  return worthwhile;
+}
 
 Stage &stageFor(size_t bytes) {
   if (f_stage == nullptr || f_stage->capacity() < bytes) {
@@ -75,7 +85,7 @@ Tokens tokens(std::string_view text, const uint32_t *begin, size_t count, const 
 }  // namespace
 
 Tokens scan(std::string_view text, bool whole) {
-  if (!whole || text.empty()) return scanBytes(text, whole);
+  if (!whole || text.empty() || !isWorthwhile()) return scanBytes(text, whole);
   Stage &stage = stageFor(text.size());
   const auto *bytes = reinterpret_cast<const uint8_t *>(text.data());
   if (stage.stage1(bytes, text.size(), simdjson::stage1_mode::regular) != simdjson::SUCCESS) {

@@ -5,7 +5,7 @@
 // simdjson finds them: dozens of bytes at a time, with whatever the processor has, it tells what is inside of
 // strings from what is not, and checks the UTF-8. What the tokens are, and whether they may stand there, is
 // left to the Cursor. A text that it refuses, and one that ends before the buffer does, is scanned byte by
-// byte, which tells where the damage is.
+// byte, which tells where the damage is; so is everything on a processor that simdjson has no instructions for.
 #pragma once
 
 #include <cstddef>
