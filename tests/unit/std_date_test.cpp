@@ -399,6 +399,17 @@ TEST(StdClock, EpochsReachFromTheFirstYearToTheLast) {
     EXPECT_EQ(resultOf("fromEpoch", {sSeconds, sPattern}), "refused") << sSeconds;
   }
   EXPECT_EQ(resultOf("fromEpoch", {"253402300799", sPattern, "+00:01"}), "refused");
+  const std::string sMicros = "yyyy-MM-dd HH:mm:ss.SSSSSS";
+  for (const std::string sCount : {"-62135596800000000", "-1", "0", "1", "-1000001", "253402300799999999"}) {
+    EXPECT_EQ(
+        resultOf("toEpoch", {resultOf("fromEpoch", {sCount, sMicros, "UTC", "6"}), sMicros, "UTC", "6"}),
+        sCount);
+  }
+  EXPECT_EQ(resultOf("fromEpoch", {"-1", sMicros, "UTC", "6"}), "1969-12-31 23:59:59.999999");
+  EXPECT_EQ(resultOf("fromEpoch", {"253402300800000000", sMicros, "UTC", "6"}), "refused");
+  EXPECT_EQ(resultOf("fromEpoch", {"-62135596800000001", sMicros, "UTC", "6"}), "refused");
+  EXPECT_EQ(resultOf("fromEpoch", {"1", sMicros, "UTC", "7"}), "refused");
+  EXPECT_EQ(resultOf("toEpoch", {"1969-12-31 23:59:59.999999", sMicros, "UTC"}), "-1") << "cut, not rounded";
   EXPECT_EQ(resultOf("toEpoch", {"2024-01-01 00:00:00+01:00", "yyyy-MM-dd HH:mm:ssXXX", "UTC"}), "1704063600")
       << "the value's own offset counts";
 }

@@ -190,20 +190,40 @@ void toZone(kit::Call &call) {
   answerIn(call, utc, moment.nanoseconds, zone(call, 3), call.has(4) ? 4 : 1, 0);
 }
 
+// What an epoch counts: seconds, or parts of them with so many digits.
+struct Unit {
+  int64_t perSecond = 1;
+  int nanoseconds = 1'000'000'000;
+};
+
+Unit unit(kit::Call &call, int argument) {
+  Unit unit;
+  for (int digits = call.has(argument) ? call.number(argument, 0, 6) : 0; digits > 0; --digits) {
+    unit.perSecond *= 10;
+    unit.nanoseconds /= 10;
+  }
+  return unit;
+}
+
 void toEpoch(kit::Call &call) {
   const Moment moment = readDate(call, 0, 1);
-  answerNumber(call, utcOf(call, moment, 2));
+  const Unit counted = unit(call, 3);
+  answerNumber(call, utcOf(call, moment, 2) * counted.perSecond + moment.nanoseconds / counted.nanoseconds);
 }
 
 void fromEpoch(kit::Call &call) {
   const std::string_view digits = call.text(0);
-  int64_t seconds = 0;
-  const auto [stop, error] = std::from_chars(digits.data(), digits.data() + digits.size(), seconds);
-  if (error != std::errc() || stop != digits.data() + digits.size() || seconds < kFirstSecond ||
-      seconds > kLastSecond) {
-    call.refuse(0, kWhole, "seconds since 1970 of the years 0001 to 9999", "something else");
+  const Unit counted = unit(call, 3);
+  int64_t count = 0;
+  const auto [stop, error] = std::from_chars(digits.data(), digits.data() + digits.size(), count);
+  if (error != std::errc() || stop != digits.data() + digits.size() ||
+      count < kFirstSecond * counted.perSecond || count >= (kLastSecond + 1) * counted.perSecond) {
+    call.refuse(0, kWhole, "a time since 1970 of the years 0001 to 9999", "something else");
   }
-  answerIn(call, seconds, 0, call.has(2) ? zone(call, 2) : AnyZone{}, 1, 0);
+  const int64_t rest = (count % counted.perSecond + counted.perSecond) % counted.perSecond;
+  const int64_t seconds = (count - rest) / counted.perSecond;
+  answerIn(call, seconds, static_cast<int>(rest) * counted.nanoseconds,
+           call.has(2) ? zone(call, 2) : AnyZone{}, 1, 0);
 }
 
 void now(kit::Call &call) {
@@ -218,6 +238,7 @@ void now(kit::Call &call) {
 #define ZONES "Zones are UTC, offsets such as +02:00, and names such as Europe/Berlin, of the package tzdata."
 #define VALUE {"value", "a date, a time, or both"}
 #define PATTERN {"pattern", "how it is written"}
+#define DIGITS {"digits", "how many digits of a second the number ends with: 3 for milliseconds, 6 at most"}
 #define TO {"toPattern", "how the result is written; like the value when left out"}
 
 constexpr kit::FunctionRow kFunctions[] = {
@@ -315,21 +336,23 @@ constexpr kit::FunctionRow kFunctions[] = {
                                                                "text. " ZONES}}},
 
     {"toEpoch",
-     {VALUE, PATTERN, {"zone", "where the value's clock hangs; UTC when left out"}}, 2, 3, toEpoch,
-     "seconds since 1970-01-01T00:00:00Z",
+     {VALUE, PATTERN, {"zone", "where the value's clock hangs; UTC when left out"}, DIGITS}, 2, 4, toEpoch,
+     "seconds since 1970-01-01T00:00:00Z, or parts of them",
      {{{"2024-07-01 12:00:00", "yyyy-MM-dd HH:mm:ss"}, "1719835200"},
       {{"2024-07-01 12:00:00", "yyyy-MM-dd HH:mm:ss", "Europe/Berlin"}, "1719828000"},
-      {{"1969-12-31", "yyyy-MM-dd"}, "-86400"}}},
+      {{"1969-12-31", "yyyy-MM-dd"}, "-86400"},
+      {{"2024-07-01T12:00:00.678Z", "yyyy-MM-dd'T'HH:mm:ss.SSSXXX", "UTC", "3"}, "1719835200678"}}},
 
     {"fromEpoch",
      {{"seconds", "since 1970-01-01T00:00:00Z"}, {"pattern", "how the result is written"},
-      {"zone", "where the result's clock hangs; UTC when left out"}},
-     2, 3, fromEpoch,
-     "the time of so many seconds",
+      {"zone", "where the result's clock hangs; UTC when left out"}, DIGITS},
+     2, 4, fromEpoch,
+     "the time of so many seconds, or parts of them",
      {{{"1719835200", "yyyy-MM-dd HH:mm:ss"}, "2024-07-01 12:00:00"},
       {{"1719835200", "yyyy-MM-dd'T'HH:mm:ssXXX", "Europe/Berlin"}, "2024-07-01T14:00:00+02:00"},
-      {{"-1", "HH:mm:ss"}, "23:59:59"}},
-     {{{"1e9", "HH:mm"}, "Arg[1] Len[3]: expected seconds since 1970 of the years 0001 to 9999, found something "
+      {{"-1", "HH:mm:ss"}, "23:59:59"},
+      {{"1719835200678", "yyyy-MM-dd HH:mm:ss.SSS", "UTC", "3"}, "2024-07-01 12:00:00.678"}},
+     {{{"1e9", "HH:mm"}, "Arg[1] Len[3]: expected a time since 1970 of the years 0001 to 9999, found something "
                          "else."}}},
 
     {"now",
@@ -346,6 +369,7 @@ constexpr kit::FunctionRow kFunctions[] = {
 #undef ZONES
 #undef VALUE
 #undef PATTERN
+#undef DIGITS
 #undef TO
 // clang-format on
 

@@ -62,6 +62,10 @@ void formatNumber(kit::Call &call) {
   style.point = mark(call, 2, ".");
   style.group = mark(call, 3, "");
   style.sign = static_cast<SignStyle>(word(call, 4, kSignStyles, 0));
+  if (call.has(5)) style.width = static_cast<size_t>(call.number(5, 1, kMaxWidth));
+  if (style.width > 0 && !style.group.empty()) {
+    call.refuse(5, kWhole, "no width beside a separator", "one", "Fill up with padLeft");
+  }
   answer(call, formatted, style);
 }
 
@@ -118,20 +122,24 @@ constexpr kit::FunctionRow kFunctions[] = {
       {"decimals", "0 to 100; a number that has more, other than zeros, is refused"},
       {"point", "a character, or nothing for an implied point; `.` when left out"},
       {"separator", "a character before every third digit; nothing when left out"},
-      {"sign", STYLES}},
-     2, 5, formatNumber,
+      {"sign", STYLES},
+      {"width", "zeros in front make the result as long as that, 1 to 1000; not beside a separator"}},
+     2, 6, formatNumber,
      "the number as it is written elsewhere",
      {{{"1234567.5", "2", ".", ","}, "1,234,567.50"},
       {{"-1234567.5", "2", ",", ".", "trailing-minus"}, "1.234.567,50-"},
       {{"12.5", "2", ""}, "1250"},
       {{"7", "0", "", "", "leading"}, "+7"},
-      {{"0.5", "3"}, "0.500"}},
+      {{"0.5", "3"}, "0.500"},
+      {{"-12.5", "2", ".", "", "leading", "10"}, "-000012.50"}},
      {{{"12.505", "2"}, "Arg[1] Len[6]: expected a number with no more decimals than wanted, found more. Use round "
                         "before."},
       {{"-1", "0", "", "", "unsigned"}, "Arg[1] Len[2]: expected a number that is not negative, found a negative "
                                         "one."},
       {{"1", "2", "::"}, "Arg[3] Len[2]: expected one ASCII character that is no digit and no sign, or none, found "
-                         "another text."}}},
+                         "another text."},
+      {{"1234", "0", ".", ",", "leading", "10"}, "Arg[6] Len[2]: expected no width beside a separator, found one. Fill "
+                                                 "up with padLeft."}}},
 
     {"parseNumber",
      {{"text", "digits, with a sign at one of their ends"},
