@@ -363,6 +363,7 @@ Item Compiler::field(const Scope &scope, size_t at) {
   const kit::RuleText rule{said.nMandatory, said.nKeepEmpty, said.nMaxLen, said.psDefault, said.psConst};
   Item item;
   static_cast<kit::Rule &>(item.field) = scope.rules->make(at, rule, path, &said);
+  item.field.simple = item.field.constant == nullptr && item.field.countedLoop < 0;
   item.field.column = said.psName != nullptr ? said.psName : node.name;
   const int quoting = said.nQuoting == kNotGiven ? m_text.nQuoting : said.nQuoting;
   item.field.quoted = quoting == static_cast<int>(Quoting::Always);

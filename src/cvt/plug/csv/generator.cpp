@@ -148,6 +148,12 @@ void Generator::members(const std::vector<Item> &members, const List &values) {
 
 void Generator::field(const Field &field, const List &values) {
   m_path.field(field.node);
+  if (field.simple && field.shape == Shape::Variable) {
+    const std::string_view value = values.get(field.slot);
+    if (!value.empty() && (field.maxLength == 0 || value.size() <= field.maxLength)) {
+      return m_write.field(value, {field.quoted, false});
+    }
+  }
   const std::string_view text = textToWrite(field, values, m_digits);
   if (field.shape == Shape::Fixed) return m_write.fixed(field, text);
   if (field.shape == Shape::Rest) return m_write.rest(text);

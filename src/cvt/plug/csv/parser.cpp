@@ -266,7 +266,10 @@ void Parser::put(const Field &field, const Token &token, List values) {
   }
   // Nothing at all is an empty value that was given only where it could not have been put in quotes.
   if (bytes.empty() && !token.quoted && m_plan.dialect.quoteByte != 0) return;
-  putRead(field, values, m_call.store, bytes);
+  if (bytes.empty() && field.empty != kit::Empty::KeepGiven) return;
+  char *const copy = m_call.store.take(bytes.size());
+  kit::copyShort(copy, bytes.data(), bytes.size());
+  values.put(field.slot, copy, bytes.size());
 }
 
 void Parser::putUnescaped(const Field &field, const Token &token, List values) {

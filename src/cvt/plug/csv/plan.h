@@ -46,8 +46,8 @@ struct Dialect {
   Literal lf;
   Literal crlf;
   std::string comment;
-  char quoteByte = 0;   // 0: there are none
-  char escapeByte = 0;  // 0: a quote is doubled
+  char quoteByte = 0;        // 0: there are none
+  char escapeByte = 0;       // 0: a quote is doubled
   bool innerQuotes = false;  // a quote inside a field without quotes means nothing
   bool terminated = false;
   bool tagged = false;
@@ -69,6 +69,7 @@ struct Field : kit::Rule {
   Shape shape = Shape::Variable;
   bool quoted = false;  // always written in quotes
   bool padded = false;
+  bool simple = false;  // no constant and no count
   char pad = ' ';
   size_t length = 0;  // fixed: characters
 };

@@ -34,9 +34,15 @@ struct Marks {
     return std::find(bytes, bytes + count, static_cast<unsigned char>(byte)) != bytes + count;
   }
   // No byte of the text is one of them.
-  bool absentIn(std::string_view text) const {
-    return kit::noneOf(text.data(), text.size(), other, [this](uint64_t word) {
-      uint64_t found = 0;
+  bool absentIn(std::string_view text) const { return absentIn(text, 0); }
+
+  // Nor is any byte of it above ASCII.
+  bool absentInAscii(std::string_view text) const { return absentIn(text, ~uint64_t{0}); }
+
+ private:
+  bool absentIn(std::string_view text, uint64_t otherwise) const {
+    return kit::noneOf(text.data(), text.size(), other, [this, otherwise](uint64_t word) {
+      uint64_t found = word & otherwise;
       for (size_t i = 0; i < count; ++i) {
         const uint64_t apart = word ^ (kit::kOnes * bytes[i]);
         found |= (apart - kit::kOnes) & ~apart;

@@ -179,7 +179,7 @@ bool Writer::postponed(const Field *fixed, bool needed) {
   return false;
 }
 
-void Writer::field(std::string_view text, Style style) {
+void Writer::anyField(std::string_view text, Style style) {
   const bool quoted = m_dialect.quoteByte != 0 && style.quoted;
   if (!postponed(nullptr, !text.empty() || style.kept || quoted)) putField(text, style);
 }
@@ -259,6 +259,7 @@ void Writer::putRest(std::string_view text) {
   }
   m_separate = true;
   m_afterRest = true;
+  m_simple = false;
   done(before, behindLead, wrapped);
 }
 
@@ -283,6 +284,8 @@ void Writer::begin(const Literal *tag, bool quotedTag, bool shortened, std::stri
   m_number = 0;
   m_separate = false;
   m_shortened = shortened;
+  m_simple = !shortened && wraps.empty() && !m_dialect.terminated && m_dialect.maxRecord == 0 &&
+             m_dialect.maxField == 0 && m_dialect.charset->containsAscii();
   f_waiting.clear();
   m_afterRest = false;
   m_blank = false;

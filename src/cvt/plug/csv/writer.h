@@ -28,7 +28,14 @@ class Writer {
   // tag: null or the record's. shortened: empty fields at the end are left out. wraps: numbers of the fields
   // before which the record was continued when it was read.
   void begin(const Literal *tag, bool quotedTag, bool shortened, std::string_view wraps);
-  void field(std::string_view value, Style style);
+  void field(std::string_view value, Style style) {
+    if (!m_simple || !m_separate || value.empty() || style.quoted || !m_dialect.marks.absentInAscii(value)) {
+      return anyField(value, style);
+    }
+    // What most fields are: nothing in the value needs a thought, and nobody counts the line's bytes.
+    m_out.put(m_dialect.separator.bytes);
+    kit::copyShort(m_out.reserve(value.size()), value.data(), value.size());
+  }
   void fixed(const Field &field, std::string_view value);
   void rest(std::string_view value);
   void end();
@@ -47,6 +54,7 @@ class Writer {
     m_out.put(literal.bytes);
     m_line += literal.text.size();
   }
+  void anyField(std::string_view value, Style style);
   void value(std::string_view text);
   void quotedValue(std::string_view text);
   void escapedValue(std::string_view text);
@@ -77,6 +85,7 @@ class Writer {
   size_t m_start = 0;   // offset of the record
   size_t m_number = 0;  // of the field, from 1
   bool m_shortened = false;
+  bool m_simple = false;  // fields of the record may be written without further ado
   std::string_view m_wraps;
 };
 

@@ -26,6 +26,24 @@ inline uint64_t loadHalf(const char *in) {
   return half;
 }
 
+// Copies a text that is short more often than not: without a call up to sixteen bytes.
+inline void copyShort(char *out, const char *in, size_t n) {
+  if (n > 16) {
+    std::memcpy(out, in, n);
+  } else if (n >= 8) {
+    const uint64_t first = loadWord(in);
+    const uint64_t last = loadWord(in + n - 8);
+    std::memcpy(out, &first, 8);
+    std::memcpy(out + n - 8, &last, 8);
+  } else if (n >= 4) {
+    const uint64_t halves = loadHalf(in) | loadHalf(in + n - 4) << 32;
+    std::memcpy(out, &halves, 4);
+    std::memcpy(out + n - 4, reinterpret_cast<const char *>(&halves) + 4, 4);
+  } else {
+    for (size_t i = 0; i < n; ++i) out[i] = in[i];
+  }
+}
+
 // Whether bad(word) & kHighBits is 0 for the bytes of the text; a byte decides for itself. `neutral` is a
 // byte for which it is 0, for words that are not full.
 template <class Bad>
