@@ -86,7 +86,8 @@ TEST_F(CsvSamples, DamagedTextsAreReadAsWhatTheyAreOrRefused) {
       std::string s = sGood;
       s[i] = c;
       const Text text = parse("Bai2File", s);
-      if (text != nullptr) EXPECT_NE(generate(text), "failed") << s << told();
+      if (text == nullptr) continue;
+      EXPECT_NE(generate(text), "failed") << s << told();
     }
     test::clearLog();
   }
