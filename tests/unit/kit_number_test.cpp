@@ -185,6 +185,18 @@ TEST(KitNumber, BcdHasTwoDigitsAByte) {
   EXPECT_EQ(read(make(NumberForm::Bcd, NumberSign::None), hex("012F")), "!1");
 }
 
+TEST(KitNumber, BcdMayHaveItsMinusInFront) {
+  const NumberSpec front = make(NumberForm::Bcd, NumberSign::Leading);
+  expectBoth(front, hex("1088"), "1088");
+  expectBoth(front, hex("D123"), "-123");
+  expectBoth(front, hex("D000"), "-0");
+  expectBoth(make(NumberForm::Bcd, NumberSign::Leading, 2), hex("D5"), "-0.05");
+  EXPECT_EQ(read(front, hex("B123")), "!0");
+  EXPECT_EQ(read(front, hex("D1D3")), "!1");
+  char bytes[2];
+  EXPECT_STREQ(cvt::kit::writeNumber(front, "-1234", bytes, 2).expected, "no more digits than the field has");
+}
+
 TEST(KitNumber, ZonedAsciiCarriesTheSignInTheFirstOrLastDigit) {
   expectBoth(make(NumberForm::ZonedAscii, NumberSign::Leading), "1234567890", "1234567890");
   expectBoth(make(NumberForm::ZonedAscii, NumberSign::Leading), "q234567890", "-1234567890");

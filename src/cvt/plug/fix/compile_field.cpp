@@ -181,8 +181,8 @@ class FieldCompiler {
     spec.plusBlank = m_record.nPlus != 0;
     spec.lenient = m_settings.nLenient != 0;
     if (is(FieldType::Number)) compileFill(spec);
-    if (is(FieldType::Bcd) && spec.sign != NumberSign::None) {
-      refuse("psSign none", "a sign on bcd", "Use packed, or remove psSign");
+    if (is(FieldType::Bcd) && spec.sign == NumberSign::Trailing) {
+      refuse("psSign none or leading", "trailing on bcd", "Use packed, or remove psSign");
     }
     if (spec.sign == NumberSign::Leading &&
         (is(FieldType::Packed) || is(FieldType::Binary) || is(FieldType::BinaryLittle))) {

@@ -277,9 +277,16 @@ void writeZoned(const NumberSpec &spec, const Digits &number, char *out, size_t 
 // --- Packed, BCD
 // ------------------------------------------------------------------------------------------------
 
+constexpr unsigned kMinus = 0x0D;
+
+bool signInFront(const NumberSpec &spec) {
+  return spec.form == NumberForm::Bcd && spec.sign == NumberSign::Leading;
+}
+
 NumberResult readNibbles(const NumberSpec &spec, const char *in, size_t bytes, Digits &number) {
   const size_t nibbles = bytes * 2 - (spec.form == NumberForm::Packed ? 1 : 0);
-  for (size_t i = 0; i < nibbles; ++i) {
+  number.negative = signInFront(spec) && high(in[0]) == kMinus;
+  for (size_t i = number.negative ? 1 : 0; i < nibbles; ++i) {
     const unsigned digit = i % 2 == 0 ? high(in[i / 2]) : low(in[i / 2]);
     if (digit > 9) return wrong("packed digits 0 to 9", i / 2);
     number.add(static_cast<int>(digit));
@@ -301,6 +308,7 @@ void writeNibbles(const NumberSpec &spec, const Digits &number, char *out, size_
   for (size_t i = 0; i < bytes; ++i) {
     out[i] = join(digit(i * 2), packed && i + 1 == bytes ? sign : digit(i * 2 + 1));
   }
+  if (!packed && number.negative) out[0] = join(kMinus, digit(1));
 }
 
 // --- Binary
@@ -444,10 +452,10 @@ NumberResult writeNumber(const NumberSpec &spec, std::string_view value, char *o
   Digits number;
   NumberResult result = scan(value, spec.decimals, number);
   if (result.expected != nullptr) return result;
-  if (number.negative && (spec.sign == NumberSign::None || spec.form == NumberForm::Bcd)) {
-    return wrong(kUnsigned, 0);
-  }
-  if (!isBinary(spec.form) && number.count > digitsOf(spec, bytes)) return wrong(kTooLong, 0);
+  if (number.negative && spec.sign == NumberSign::None) return wrong(kUnsigned, 0);
+  // A minus in front takes the place of a digit.
+  const int taken = number.negative && signInFront(spec) ? 1 : 0;
+  if (!isBinary(spec.form) && number.count + taken > digitsOf(spec, bytes)) return wrong(kTooLong, 0);
   switch (spec.form) {
     case NumberForm::Text:
       return writeText(spec, number, out, bytes);

@@ -16,14 +16,14 @@ enum class NumberForm {
   ZonedAscii,       // 0-9; negative sign digit p-y
   ZonedTranslated,  // 0-9; sign digit { A-I plus, } J-R minus
   Packed,           // two digits a byte, last nibble the sign: C plus, D minus, F unsigned
-  Bcd,              // two digits a byte, unsigned
+  Bcd,              // two digits a byte; unsigned, or D as the first nibble of a negative number
   BinaryBig,        // two's complement or unsigned, 1 .. 8 bytes
   BinaryLittle,
 };
 
 enum class NumberSign {
   None,      // unsigned
-  Leading,   // Text: a sign character in front; zoned: in the first digit
+  Leading,   // Text: a sign character in front; zoned: in the first digit; bcd: the first nibble
   Trailing,  // Text: behind; zoned: in the last digit; packed: the sign nibble; binary: two's complement
 };
 
