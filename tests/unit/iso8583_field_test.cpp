@@ -70,8 +70,7 @@ TEST_F(Field, ANumberMayLoseItsZeros) {
   expectBoth("000120", "120");
   expectBoth("000000", "0");
   expectBoth("100000", "100000");
-  expectNotWritten("",
-                   "Offset[20]: expected a value, found an empty one. nTrim=\"1\" allows a text of pads.");
+  expectNotWritten("", "Offset[20]: expected a value, found an empty one.");
 }
 
 TEST_F(Field, EachTypeHasItsCharacters) {

@@ -216,8 +216,7 @@ TEST_F(Message, TheBitsOfABitmapFieldDecideWhatIsThere) {
       "Field[De3] Offset[4]: expected no value, as its bit in the bitmap says, found one. Set the bit, "
       "or leave the bitmap's value empty: it is then made from the values.");
   expectNotWritten(with({{"First", bitmap({4})}}),
-                   "Field[De4] Offset[20]: expected a value, found an empty one. "
-                   "nTrim=\"1\" allows a text of pads.");
+                   "Field[De4] Offset[20]: expected a value, found an empty one.");
   expectNotWritten(
       with({{"First", bitmap({9})}}),
       "Field[] Offset[4]: expected bits of data elements that the definition has, found that of data "

@@ -7,6 +7,7 @@
 #include "kit/fault.h"
 #include "kit/shape.h"
 #include "plan.h"
+#include "presence.h"
 #include "seen.h"
 
 namespace cvt::iso8583 {
@@ -272,7 +273,11 @@ void Compiler::finish() {
             [](const Element &a, const Element &b) { return a.number < b.number; });
   plan.byNumber.fill(-1);
   for (size_t i = 0; i < plan.elements.size(); ++i) {
-    plan.byNumber[static_cast<size_t>(plan.elements[i].number)] = static_cast<int16_t>(i);
+    const Element &element = plan.elements[i];
+    plan.byNumber[static_cast<size_t>(element.number)] = static_cast<int16_t>(i);
+    plan.presences.push_back({element.slot, static_cast<int16_t>(element.number),
+                              element.empty == kit::Empty::KeepGiven, writesItself(element),
+                              element.inside != nullptr});
   }
 }
 

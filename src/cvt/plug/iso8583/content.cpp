@@ -126,7 +126,8 @@ size_t writeText(const Element &field, std::string_view value, kit::Output &out)
     return length;
   }
   if (length == 0 && (!content.trim || content.type == Type::N)) {
-    throw Fault(from, "a value", "an empty one", "nTrim=\"1\" allows a text of pads");
+    throw Fault(from, "a value", "an empty one",
+                content.type == Type::N ? "" : "nTrim=\"1\" allows a text of pads");
   }
   const size_t pads = frame.most - length;
   out.reserve(pads);

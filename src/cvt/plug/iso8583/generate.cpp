@@ -102,21 +102,25 @@ class Generator {
   // --- Which data elements there are
 
   void decide() {
-    for (const Element &element : m_plan.elements) {
-      const size_t k = Bits::word(element.number);
-      if (isGiven(element, m_list)) {
-        m_given.set(element.number);
-        m_bits.set(element.number);
-      } else if (!m_isTold[k] && isPresent(element, m_list)) {
-        m_bits.set(element.number);
+    for (const Presence &one : m_plan.presences) {
+      if (given(one)) {
+        m_given.set(one.number);
+      } else if (one.always && !m_isTold[Bits::word(one.number)]) {
+        m_bits.set(one.number);
       }
     }
+    for (size_t k = 0; k < kMaxBitmaps; ++k) m_bits.words[k] |= m_given.words[k];
     for (size_t k = 0; k < kMaxBitmaps; ++k) {
       if (m_restFirst != 0) beside(k);
       if (m_isTold[k]) agree(k);
     }
     const int missing = m_plan.mandatory.without(m_bits).first();
     if (missing != 0) refuse(missing, "a value", "none", "The field is mandatory");
+  }
+
+  bool given(const Presence &one) const {
+    if (one.group) return groupGiven(m_plan.element(one.number), m_list);
+    return !m_list.empty(one.slot) || (one.keepsGiven && m_list.given(one.slot));
   }
 
   // What the rest has nobody else has, and nothing stands behind its first number.

@@ -109,9 +109,20 @@ struct BitmapField {
   bool bits;
 };
 
+// What tells whether a data element is written; apart from the elements, so that all of them are looked at
+// quickly.
+struct Presence {
+  int slot;
+  int16_t number;
+  bool keepsGiven;  // an empty value that was given is written
+  bool always;      // its definition alone says what to write
+  bool group;
+};
+
 struct Plan {
   int slots = 0;
   std::vector<Element> opening;  // headers and the message type
+  std::vector<Presence> presences;
   std::vector<BitmapField> bitmapFields;
   std::vector<Element> elements;                   // ascending numbers
   std::array<int16_t, kMaxNumber + 1> byNumber{};  // position in elements; -1: not defined

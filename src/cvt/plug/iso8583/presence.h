@@ -17,10 +17,14 @@ inline bool isGiven(const Element &element, const kit::List &list) {
   return element.inside == nullptr ? fieldGiven(element, list) : groupGiven(element, list);
 }
 
-// Whether it is written: it is given, or its definition alone says what to write.
+// Whether its definition alone says what to write.
+inline bool writesItself(const Element &element) {
+  return element.fallback != nullptr || element.constant != nullptr || element.empty == kit::Empty::Keep;
+}
+
+// Whether it is written.
 inline bool isPresent(const Element &element, const kit::List &list) {
-  return isGiven(element, list) || element.fallback != nullptr || element.constant != nullptr ||
-         element.empty == kit::Empty::Keep;
+  return isGiven(element, list) || writesItself(element);
 }
 
 // Whether anything inside of a group is given.
