@@ -553,7 +553,7 @@ TEST(XmlPlugin, UnknownContentIsRefusedWithThePlaceAndTheNamesExpectedThere) {
            {"<order id='1'><items><item/><item><sku/></item></items></order>",
             "Field[Items[1]] Offset[34]: expected qty, note in <item>, found element sku."},
            {"<order id='1'><buyer>\n stray </buyer></order>",
-            "Field[Buyer] Offset[22]: expected name, addr in <buyer>, found text \"stray\"."},
+            "Field[Buyer] Offset[23]: expected name, addr in <buyer>, found text \"stray\"."},
            {"<order id='1'><buyer><name>a<b/></name></buyer></order>",
             "Field[Buyer.Name] Offset[28]: expected text alone in <name>, found element b."},
            {"<order id='1'><buyer/><buyer/></order>",

@@ -38,6 +38,10 @@ void List::badValue(int length) {
   throw Fault(Fault::kHere, "a value", "a length of " + std::to_string(length) + " with no bytes", "");
 }
 
+void List::clear(int slots) {
+  for (int slot = 0; slot < slots; ++slot) put(slot, nullptr, 0);
+}
+
 int List::repetitions(int slot) const {
   const ValueList *loop = loopList(at(slot));
   if (loop == nullptr) return 0;

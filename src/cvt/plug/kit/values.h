@@ -52,6 +52,9 @@ class List {
   // Appends a repetition. Throws Fault when the loop is full; the message names gnMaxLoop.
   List append(int slot, int slots);
 
+  // Forgets the values and repetitions of the first `slots` slots.
+  void clear(int slots);
+
   ValueList *raw() const { return m_list; }
 
  private:

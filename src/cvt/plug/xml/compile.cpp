@@ -70,6 +70,20 @@ struct Scope {
   size_t depth;              // open elements
 };
 
+// Makes room for a name at the end of `all`; false when it is there already.
+template <class T>
+bool addName(std::vector<T> &all, kit::NameTable &locals, const T &added) {
+  const auto position = static_cast<int>(all.size());
+  if (locals.add(added.local, position)) return true;
+  int *link = nullptr;
+  for (int at = locals.find(added.local); at >= 0; at = *link) {
+    if (all[static_cast<size_t>(at)].space == added.space) return false;
+    link = &all[static_cast<size_t>(at)].sameLocal;
+  }
+  *link = position;
+  return true;
+}
+
 class Compiler {
  public:
   Compiler(const Msg &msg, const XmlMsg &document)
@@ -97,7 +111,8 @@ class Compiler {
 
   Element element(const char *node, const std::string &name, const Scope &scope, const char *space = nullptr);
   Text textOf(const XmlField &field, const kit::Rules &rules, size_t at, const Scope &scope) const;
-  std::string expand(const std::string &name, const std::string &defaultSpace, const Scope &scope) const;
+  void expand(Named &named, const std::string &defaultSpace, const Scope &scope);
+  int addSpace(const std::string &uri);
   std::string encoded(const std::string &markup, const Scope &scope) const;
   Scope inside(const Scope &scope, const Node &node) const;
 
@@ -260,8 +275,12 @@ void Compiler::addField(Element &parent, const kit::Rules &rules, size_t at, con
 
 void Compiler::addAttribute(Element &parent, Text value, const std::string &name, const Scope &scope) {
   // An attribute without prefix is in no namespace.
-  Attribute attribute{value, name, expand(name, "", scope), encoded(" " + name + "=\"", scope)};
-  if (!parent.attributeNames.add(attribute.expanded, static_cast<int>(parent.attributes.size()))) {
+  Attribute attribute;
+  attribute.name = name;
+  attribute.text = value;
+  attribute.open = encoded(" " + name + "=\"", scope);
+  expand(attribute, "", scope);
+  if (!addName(parent.attributes, parent.attributeNames, attribute)) {
     throw Misconfigured(scope.path, scope.record, "attributes of different names",
                         "a second \"" + name + "\" of <" + parent.name + ">", "Give it another psName");
   }
@@ -352,9 +371,10 @@ Element Compiler::wrapped(Element repeated, const XmlLoop &loop, const Scope &sc
 }
 
 // The attribute that a group or repetition must have with one value and no other, or null.
-const Attribute *constantAttribute(const Element &element, const std::string &expanded) {
+const Attribute *constantAttribute(const Element &element, const Named &name) {
   for (const Attribute &attribute : element.attributes) {
-    if (attribute.text.constant != nullptr && attribute.expanded == expanded) return &attribute;
+    const bool same = attribute.space == name.space && attribute.local == name.local;
+    if (attribute.text.constant != nullptr && same) return &attribute;
   }
   return nullptr;
 }
@@ -362,7 +382,7 @@ const Attribute *constantAttribute(const Element &element, const std::string &ex
 // The attribute by which two elements of one name can be told apart, or null.
 const Attribute *difference(const Element &one, const Element &other) {
   for (const Attribute &attribute : one.attributes) {
-    if (attribute.text.constant != nullptr && constantAttribute(other, attribute.expanded) != nullptr) {
+    if (attribute.text.constant != nullptr && constantAttribute(other, attribute) != nullptr) {
       return &attribute;
     }
   }
@@ -372,18 +392,18 @@ const Attribute *difference(const Element &one, const Element &other) {
 bool addTo(Alternatives &all, Element &element, int position) {
   const Attribute *attribute = constantAttribute(element, all.attribute);
   if (attribute == nullptr || !all.positions.add(attribute->text.constant, position)) return false;
-  element.shown = element.name + " " + all.shown + "=\"" + attribute->text.constant + "\"";
+  element.shown = element.name + " " + all.attribute.name + "=\"" + attribute->text.constant + "\"";
   return true;
 }
 
 // A further child of a name that is there already.
 void Compiler::addAlternative(Element &parent, Element &child, const Scope &scope) {
-  const int first = parent.childNames.find(child.expanded);
+  const int first = find(parent.children, parent.childNames, {{}, child.local, child.space});
   Element &known = parent.children[static_cast<size_t>(first)];
   const Attribute *told = known.alternative < 0 ? difference(known, child) : nullptr;
   if (told != nullptr) {
     known.alternative = static_cast<int>(parent.alternatives.size());
-    parent.alternatives.push_back({told->expanded, told->name, {}});
+    parent.alternatives.push_back({*told, {}});
     addTo(parent.alternatives.back(), known, first);
   }
   child.alternative = known.alternative;
@@ -399,7 +419,7 @@ void Compiler::addAlternative(Element &parent, Element &child, const Scope &scop
 }
 
 void Compiler::addChild(Element &parent, Element child, const Scope &scope) {
-  if (!parent.childNames.add(child.expanded, static_cast<int>(parent.children.size()))) {
+  if (!addName(parent.children, parent.childNames, child)) {
     addAlternative(parent, child, scope);
   }
   if (child.mandatory || child.minTimes > 0) parent.requiredChildren.push_back(parent.children.size());
@@ -418,7 +438,7 @@ Element Compiler::element(const char *node, const std::string &name, const Scope
   made.node = node;
   made.name = name;
   made.shown = name;
-  made.expanded = expand(name, own, scope);
+  expand(made, own, scope);
   std::string open = "<" + name;
   if (own != scope.defaultSpace) {
     open += " xmlns=\"" + escaped(own) + "\"";
@@ -435,25 +455,41 @@ Text Compiler::textOf(const XmlField &field, const kit::Rules &rules, size_t at,
   return {rules.make(at, text, scope.path, scope.record), static_cast<Space>(space)};
 }
 
-std::string Compiler::expand(const std::string &name, const std::string &defaultSpace,
-                             const Scope &scope) const {
+// The name's namespace and local part.
+void Compiler::expand(Named &named, const std::string &defaultSpace, const Scope &scope) {
+  const std::string &name = named.name;
   const size_t colon = name.find(':');
-  const std::string local = colon == std::string::npos ? name : name.substr(colon + 1);
-  if (!isPlainName(local)) {
+  named.local = colon == std::string::npos ? name : name.substr(colon + 1);
+  if (!isPlainName(named.local)) {
     throw Misconfigured(scope.path, scope.record, "an XML name", "\"" + name + "\"", "Write psName");
   }
   if (colon == std::string::npos) {
-    if (name != "xmlns") return expandedName(defaultSpace, local);
-    throw Misconfigured(scope.path, scope.record, "an attribute or element", "xmlns",
-                        "Write psNamespace or psPrefixes of XmlMsg");
+    if (name == "xmlns") {
+      throw Misconfigured(scope.path, scope.record, "an attribute or element", "xmlns",
+                          "Write psNamespace or psPrefixes of XmlMsg");
+    }
+    named.space = addSpace(defaultSpace);
+    return;
   }
   const std::string prefix = name.substr(0, colon);
-  if (prefix == "xml") return expandedName(kXmlUri, local);
+  if (prefix == "xml") {
+    named.space = addSpace(std::string(kXmlUri));
+    return;
+  }
   for (const Prefix &known : m_plan->prefixes) {
-    if (known.prefix == prefix) return expandedName(known.uri, local);
+    if (known.prefix != prefix) continue;
+    named.space = addSpace(known.uri);
+    return;
   }
   throw Misconfigured(scope.path, scope.record, "a prefix of psPrefixes", "\"" + prefix + "\" in " + name,
                       "Write psPrefixes=\"" + prefix + "=URI\" into XmlMsg");
+}
+
+int Compiler::addSpace(const std::string &uri) {
+  const int known = m_plan->spaceOf(uri);
+  if (known != Plan::kUnknownSpace) return known;
+  m_plan->spaces.push_back(uri);
+  return static_cast<int>(m_plan->spaces.size()) - 1;
 }
 
 std::string Compiler::encoded(const std::string &markup, const Scope &scope) const {

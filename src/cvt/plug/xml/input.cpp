@@ -79,6 +79,10 @@ Input convert(const InputEncoding &encoding, std::string_view raw, size_t from, 
 
 }  // namespace
 
+bool Input::mayBeUtf8() const {
+  return encoding == nullptr || same(encoding, "UTF-8");
+}
+
 size_t Input::rawOffset(size_t offset) const {
   if (convertedFrom == nullptr) return offset;
   std::string part(offset, '\0');

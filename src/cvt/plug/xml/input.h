@@ -15,6 +15,9 @@ struct Input {
   std::string_view raw;               // as it came
   const kit::Charset *convertedFrom;  // null: bytes are raw
 
+  // Whether the bytes are UTF-8, unless the document says otherwise itself.
+  bool mayBeUtf8() const;
+
   // The place in `raw` of an offset in `bytes`.
   size_t rawOffset(size_t offset) const;
 };

@@ -51,19 +51,4 @@ bool isPlainName(const std::string &name) {
   return name.find(':') == std::string::npos && isName(name);
 }
 
-std::string expandedName(std::string_view uri, std::string_view local) {
-  std::string expanded(uri);
-  if (!expanded.empty()) expanded += kSeparator;
-  return expanded.append(local);
-}
-
-std::string_view namespaceOf(std::string_view expanded) {
-  const size_t separator = expanded.find(kSeparator);
-  return separator == std::string_view::npos ? std::string_view() : expanded.substr(0, separator);
-}
-
-std::string_view localName(std::string_view expanded) {
-  return expanded.substr(expanded.find(kSeparator) + 1);
-}
-
 }  // namespace cvt::xml

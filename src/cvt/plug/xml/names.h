@@ -6,9 +6,6 @@
 
 namespace cvt::xml {
 
-// Stands between namespace URI and local name in an expanded name; no XML document can contain it.
-inline constexpr char kSeparator = '\x1F';
-
 inline constexpr std::string_view kXmlUri = "http://www.w3.org/XML/1998/namespace";
 inline constexpr std::string_view kXmlnsUri = "http://www.w3.org/2000/xmlns/";
 
@@ -18,11 +15,17 @@ bool isName(const std::string &name);
 // Whether it may be the prefix or the local part of a name: a name without colon.
 bool isPlainName(const std::string &name);
 
-// "URI", separator, "local"; only "local" for an empty URI.
-std::string expandedName(std::string_view uri, std::string_view local);
+// A name of a document: its namespace as text and as the plan numbers it (plan.h), and its local part.
+struct Name {
+  std::string_view uri;
+  std::string_view local;
+  int space;
+};
 
-// Its two parts; the namespace may be empty.
-std::string_view namespaceOf(std::string_view expanded);
-std::string_view localName(std::string_view expanded);
+// An attribute of a document. Its value is UTF-8.
+struct Given {
+  Name name;
+  std::string_view value;
+};
 
 }  // namespace cvt::xml

@@ -1,4 +1,4 @@
-// parser.h: drives a Reader with the documents that expat reads.
+// parser.h: takes a document into a message's values.
 #pragma once
 
 #include "kit/plugin.h"

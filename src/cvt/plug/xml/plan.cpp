@@ -1,23 +1,24 @@
 #include "plan.h"
 
-#include "names.h"
-
 namespace cvt::xml {
 
-std::string shownName(const Plan &plan, std::string_view expanded) {
-  const size_t separator = expanded.find(kSeparator);
-  if (separator == std::string_view::npos) {
-    return std::string(expanded) + (plan.defaultSpaces.empty() ? "" : " of no namespace");
+int Plan::spaceOf(std::string_view uri) const {
+  for (size_t i = 0; i < spaces.size(); ++i) {
+    if (spaces[i] == uri) return static_cast<int>(i);
   }
-  const std::string uri(expanded.substr(0, separator));
-  std::string local(expanded.substr(separator + 1));
+  return kUnknownSpace;
+}
+
+std::string shownName(const Plan &plan, const Name &name) {
+  std::string local(name.local);
+  if (name.uri.empty()) return local + (plan.defaultSpaces.empty() ? "" : " of no namespace");
   for (const std::string &known : plan.defaultSpaces) {
-    if (known == uri) return local;
+    if (known == name.uri) return local;
   }
   for (const Prefix &known : plan.prefixes) {
-    if (known.uri == uri) return known.prefix + ":" + local;
+    if (known.uri == name.uri) return known.prefix + ":" + local;
   }
-  return uri == kXmlUri ? "xml:" + local : local + " of namespace \"" + uri + "\"";
+  return name.uri == kXmlUri ? "xml:" + local : local + " of namespace \"" + std::string(name.uri) + "\"";
 }
 
 }  // namespace cvt::xml

@@ -22,6 +22,7 @@
 #include "kit/charset.h"
 #include "kit/name_table.h"
 #include "kit/rule.h"
+#include "names.h"
 #include "records.h"
 
 namespace cvt::xml {
@@ -31,36 +32,41 @@ struct Text : kit::Rule {
   Space space = Space::Preserve;
 };
 
-struct Attribute {
+// What elements and attributes of one level are told apart by.
+struct Named {
+  std::string name;    // as the definition writes it
+  int space = 0;       // position in the plan's namespaces
+  std::string local;   // the name without its prefix
+  int sameLocal = -1;  // position of the next one with the same local name in another namespace
+
+  bool is(const Name &other) const { return space == other.space && local == other.local; }
+};
+
+struct Attribute : Named {
   Text text;
-  std::string name;      // as the definition writes it
-  std::string expanded;  // as the parser tells it
-  std::string open;      // ` name="`, in the output encoding
+  std::string open;  // ` name="`, in the output encoding
 };
 
 // Children of one name, told apart by the value that an attribute must have.
 struct Alternatives {
-  std::string attribute;  // its expanded name
-  std::string shown;      // as the definition writes it
+  Named attribute;
   kit::NameTable positions;
 };
 
-struct Element {
+struct Element : Named {
   const char *node = nullptr;  // null for a wrapper, which no node stands for
-  std::string name;
-  std::string shown;  // for messages: the name, and what tells it apart from others of that name
-  std::string expanded;
-  std::string open;    // `<name`, with the namespaces that are declared on it
-  std::string close;   // `</name>`
-  bool field = false;  // a field: nothing but text
+  std::string shown;           // for messages: the name, and what tells it apart from others of that name
+  std::string open;            // `<name`, with the namespaces that are declared on it
+  std::string close;           // `</name>`
+  bool field = false;          // a field: nothing but text
   bool mandatory = false;
   bool keepEmpty = false;
 
   std::optional<Text> text;
   std::vector<Attribute> attributes;
-  kit::NameTable attributeNames;
+  kit::NameTable attributeNames;  // local names
   std::vector<Element> children;
-  kit::NameTable childNames;  // of several children of one name, the first
+  kit::NameTable childNames;  // local names; of several children of one name, the first
   std::vector<Alternatives> alternatives;
   std::vector<size_t> requiredAttributes;  // positions of the mandatory ones
   std::vector<size_t> requiredChildren;    // of the mandatory ones and of loops with a least number
@@ -103,13 +109,28 @@ struct Plan {
 
   std::vector<Prefix> prefixes;            // in the order of their declaration
   std::vector<std::string> defaultSpaces;  // every namespace that is the default one somewhere
+  std::vector<std::string> spaces{""};     // every namespace that a name is in; the first is none
+
+  // The position of a namespace, or kUnknownSpace.
+  static constexpr int kUnknownSpace = -1;
+  int spaceOf(std::string_view uri) const;
 };
+
+// The position of a name among the elements or attributes of a level, or -1. `locals` are their local names.
+template <class T>
+int find(const std::vector<T> &all, const kit::NameTable &locals, const Name &name) {
+  int found = locals.find(name.local);
+  while (found >= 0 && all[static_cast<size_t>(found)].space != name.space) {
+    found = all[static_cast<size_t>(found)].sameLocal;
+  }
+  return found;
+}
 
 // Throws Misconfigured.
 std::unique_ptr<Plan> compilePlan(const Msg &msg, const XmlMsg &document);
 
-// An expanded name for messages: as the definition writes it, and with words about its namespace where the
-// definition knows none of that name.
-std::string shownName(const Plan &plan, std::string_view expanded);
+// A name for messages: as the definition writes it, and with words about its namespace where the definition
+// knows none of that name.
+std::string shownName(const Plan &plan, const Name &name);
 
 }  // namespace cvt::xml

@@ -1,5 +1,7 @@
 #include "reader.h"
 
+#include <functional>
+
 #include "kit/log.h"
 #include "names.h"
 
@@ -48,8 +50,8 @@ const std::string &shownIn(const Attribute &attribute) {
 }
 
 // "a, b, c" for messages; long lists are cut.
-template <class Named>
-std::string list(const std::vector<Named> &all, const char *none) {
+template <class T>
+std::string list(const std::vector<T> &all, const char *none) {
   static constexpr size_t kShown = 12;
   std::string names;
   for (size_t i = 0; i < all.size() && i < kShown; ++i) names += (i == 0 ? "" : ", ") + shownIn(all[i]);
@@ -58,9 +60,9 @@ std::string list(const std::vector<Named> &all, const char *none) {
 }
 
 // The value of an attribute; null when the element has none of that name.
-const char *valueOf(const std::string &attribute, const char *const *attributes) {
-  for (; *attributes != nullptr; attributes += 2) {
-    if (attributes[0] == attribute) return attributes[1];
+const std::string_view *valueOf(const Named &attribute, Attributes attributes) {
+  for (const Given &given : attributes) {
+    if (attribute.is(given.name)) return &given.value;
   }
   return nullptr;
 }
@@ -72,14 +74,14 @@ const Alternatives *alternativesOf(const Element &parent, size_t child) {
 }
 
 // What to write in place of a name that is not in the list.
-template <class Named>
-std::string advice(const std::vector<Named> &all, std::string_view expanded) {
+template <class T>
+std::string advice(const Plan &plan, const std::vector<T> &all, const Name &name) {
   const std::string skip = kSkipUnknown;
-  const std::string local(localName(expanded));
+  const std::string local(name.local);
   std::vector<const char *> known;
-  for (const Named &named : all) {
-    if (localName(named.expanded) == local) {
-      const std::string_view uri = namespaceOf(named.expanded);
+  for (const T &named : all) {
+    if (named.local == local) {
+      const std::string &uri = plan.spaces[static_cast<size_t>(named.space)];
       return uri.empty() ? "Write it without a namespace; " + skip
                          : "Write it in the namespace " + quoted(uri) + "; " + skip;
     }
@@ -108,27 +110,26 @@ void Reader::limitAttributes(size_t count, size_t offset, const char *soFar) con
               std::to_string(count) + soFar, "Raise nMaxAttributes of XmlMsg");
 }
 
-void Reader::limit(const char *const *attributes, size_t declarations) const {
+void Reader::limit(size_t attributes) const {
   if (m_depth > m_plan.maxDepth) {
     throw Fault(Fault::kHere, "at most " + std::to_string(m_plan.maxDepth) + " open elements", "one more",
                 "Raise nMaxDepth of XmlMsg");
   }
-  size_t count = declarations;
-  for (; *attributes != nullptr; attributes += 2) ++count;
-  limitAttributes(count, Fault::kHere, "");
+  limitAttributes(attributes, Fault::kHere, "");
 }
 
-void Reader::open(std::string_view name, const char *const *attributes, size_t declarations) {
+void Reader::open(const Name &name, Attributes attributes, size_t declarations) {
+  if (!m_only.empty()) collect({});
   ++m_depth;
-  limit(attributes, declarations);
+  limit(attributes.size() + declarations);
   if (m_skipped > 0) {
     ++m_skipped;
   } else if (!m_room.frames.empty()) {
     openChild(m_room.frames.back(), name, attributes);
-  } else if (name == m_plan.root.expanded) {
+  } else if (m_plan.root.is(name)) {
     enter(m_plan.root, kit::List(m_call.values, m_plan.slots), attributes);
   } else {
-    const std::string uri(namespaceOf(m_plan.root.expanded));
+    const std::string &uri = m_plan.spaces[static_cast<size_t>(m_plan.root.space)];
     throw Fault(Fault::kHere,
                 "the root element " + m_plan.root.name + (uri.empty() ? "" : " of namespace \"" + uri + "\""),
                 shownName(m_plan, name), "See psRoot, psNamespace and psPrefixes of XmlMsg");
@@ -136,20 +137,20 @@ void Reader::open(std::string_view name, const char *const *attributes, size_t d
 }
 
 // Documents mostly keep the definition's order, so the next child is tried before the table.
-int Reader::find(const Frame &top, std::string_view name, const char *const *attributes) const {
+int Reader::child(const Frame &top, const Name &name, Attributes attributes) const {
   const Element &parent = *top.element;
   const size_t next = top.nextChild;
-  const bool inOrder = next < parent.children.size() && parent.children[next].expanded == name;
-  const int found = inOrder ? static_cast<int>(next) : parent.childNames.find(name);
+  const bool inOrder = next < parent.children.size() && parent.children[next].is(name);
+  const int found = inOrder ? static_cast<int>(next) : find(parent.children, parent.childNames, name);
   if (found < 0) return found;
   const Alternatives *all = alternativesOf(parent, static_cast<size_t>(found));
   if (all == nullptr) return found;
-  const char *value = valueOf(all->attribute, attributes);
-  return value == nullptr ? -1 : all->positions.find(value);
+  const std::string_view *value = valueOf(all->attribute, attributes);
+  return value == nullptr ? -1 : all->positions.find(*value);
 }
 
-void Reader::openChild(Frame &top, std::string_view name, const char *const *attributes) {
-  const int found = find(top, name, attributes);
+void Reader::openChild(Frame &top, const Name &name, Attributes attributes) {
+  const int found = child(top, name, attributes);
   if (found < 0) {
     if (!m_plan.skipUnknown) unknown(top, name, attributes);
     m_skipped = 1;
@@ -188,30 +189,31 @@ kit::List Reader::repetition(const Element &child, kit::List &list) {
   return list.append(child.loopSlot, child.bodySlots);
 }
 
-void Reader::enter(const Element &element, kit::List list, const char *const *given) {
+void Reader::enter(const Element &element, kit::List list, Attributes given) {
   Room &room = m_room;
   room.frames.push_back({&element, list, room.text.size(), room.seen.size(), 0});
   room.seen.resize(room.seen.size() + element.children.size() + element.attributes.size(), 0);
   attributes(room.frames.back(), given);
 }
 
-void Reader::unknown(const Frame &top, std::string_view name, const char *const *attributes) const {
+void Reader::unknown(const Frame &top, const Name &name, Attributes attributes) const {
   const Element &parent = *top.element;
   std::string found = "element " + shownName(m_plan, name);
   std::string help;
-  if (const int first = parent.childNames.find(name); first >= 0) {
+  if (const int first = find(parent.children, parent.childNames, name); first >= 0) {
     const Alternatives &all = *alternativesOf(parent, static_cast<size_t>(first));
-    const char *value = valueOf(all.attribute, attributes);
-    found += value == nullptr ? " without " + all.shown : " " + all.shown + "=" + quoted(value);
+    const std::string &shown = all.attribute.name;
+    const std::string_view *value = valueOf(all.attribute, attributes);
+    found += value == nullptr ? " without " + shown : " " + shown + "=" + quoted(*value);
     help = kSkipUnknown;
   } else {
-    help = advice(parent.children, name);
+    help = advice(m_plan, parent.children, name);
   }
   throw Fault(Fault::kHere, list(parent.children, "text alone") + " in <" + parent.name + ">", found, help);
 }
 
-void Reader::attributes(const Frame &frame, const char *const *given) {
-  for (; *given != nullptr; given += 2) attribute(frame, given[0], given[1]);
+void Reader::attributes(const Frame &frame, Attributes given) {
+  for (const Given &each : given) attribute(frame, each);
   const Element &element = *frame.element;
   const size_t first = frame.seenStart + element.children.size();
   for (const size_t required : element.requiredAttributes) {
@@ -223,33 +225,53 @@ void Reader::attributes(const Frame &frame, const char *const *given) {
   }
 }
 
-void Reader::attribute(const Frame &frame, std::string_view name, std::string_view value) {
+void Reader::attribute(const Frame &frame, const Given &given) {
   const Element &element = *frame.element;
-  const int found = element.attributeNames.find(name);
+  const int found = find(element.attributes, element.attributeNames, given.name);
   if (found >= 0) {
     const Attribute &attribute = element.attributes[static_cast<size_t>(found)];
     m_room.seen[frame.seenStart + element.children.size() + static_cast<size_t>(found)] = 1;
     m_call.path.field(attribute.text.node);
-    store(attribute.text, frame.list, value);
+    store(attribute.text, frame.list, given.value);
     m_call.path.field(nullptr);
   } else if (!m_plan.skipUnknown) {
-    const std::string shown = namespaceOf(name).empty() ? std::string(name) : shownName(m_plan, name);
+    const std::string shown =
+        given.name.uri.empty() ? std::string(given.name.local) : shownName(m_plan, given.name);
     throw Fault(Fault::kHere,
                 list(element.attributes, "no attribute") + " in the tag of <" + element.name + ">",
-                "attribute " + shown, advice(element.attributes, name));
+                "attribute " + shown, advice(m_plan, element.attributes, given.name));
   }
 }
 
-void Reader::text(std::string_view bytes) {
+// Of a text that stands in the buffer as it is; others are where the parser is.
+size_t Reader::offsetOf(std::string_view text) const {
+  const std::less<const char *> before;
+  const char *end = m_call.buffer + m_call.length;
+  const bool inside = !before(text.data(), m_call.buffer) && before(text.data(), end);
+  return inside ? static_cast<size_t>(text.data() - m_call.buffer) : Fault::kHere;
+}
+
+// Most texts are one piece, which is taken from where it stands.
+void Reader::collect(std::string_view bytes) {
+  m_room.text.append(m_only).append(bytes);
+  m_only = {};
+}
+
+void Reader::text(std::string_view bytes, Bytes bytesAre) {
   if (m_skipped > 0) return;
   const Element &element = *m_room.frames.back().element;
   if (element.text.has_value()) {
-    m_room.text.append(bytes);
+    const bool first = m_only.empty() && m_room.text.size() == m_room.frames.back().textStart;
+    if (first && bytesAre == Bytes::Staying) {
+      m_only = bytes;
+    } else {
+      collect(bytes);
+    }
     return;
   }
   const std::string_view inner = trimmed(bytes);
   if (inner.empty() || m_plan.skipUnknown) return;
-  throw Fault(Fault::kHere, list(element.children, "nothing") + " in <" + element.name + ">",
+  throw Fault(offsetOf(inner), list(element.children, "nothing") + " in <" + element.name + ">",
               "text " + quoted(inner), "Remove it; a field with psKind=\"text\" would take it");
 }
 
@@ -269,7 +291,9 @@ void Reader::close() {
   const Element &element = *frame.element;
   if (element.text.has_value()) {
     if (!element.field) m_call.path.field(element.text->node);
-    store(*element.text, frame.list, std::string_view(m_room.text).substr(frame.textStart));
+    const std::string_view collected = std::string_view(m_room.text).substr(frame.textStart);
+    store(*element.text, frame.list, collected.empty() ? m_only : collected);
+    m_only = {};
     if (!element.field) m_call.path.field(nullptr);
   }
   complete(frame);

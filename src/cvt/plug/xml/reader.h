@@ -5,14 +5,18 @@
 // Each call throws Fault for what the definition does not allow; the call's Path then says where.
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "kit/plugin.h"
 #include "plan.h"
+#include "region.h"
 
 namespace cvt::xml {
+
+using Attributes = std::span<const Given>;
 
 // An open element.
 struct Frame {
@@ -23,8 +27,12 @@ struct Frame {
   size_t nextChild;  // the child that comes next when the document keeps the definition's order
 };
 
-// Memory that a reader needs and that stays for the next one.
+// Memory that a reader and its parser need and that stays for the next document.
 struct Room {
+  explicit Room(size_t kept) : region(kept) {}
+
+  Region region;             // the parser's
+  std::vector<Given> given;  // attributes of the element that is opened
   std::vector<Frame> frames;
   std::string text;
   std::vector<char> seen;
@@ -35,10 +43,11 @@ class Reader {
  public:
   Reader(const Plan &plan, kit::ParseCall &call, Room &room);
 
-  // attributes: name, value, name, value, ..., null. Names are expanded (names.h), texts UTF-8.
   // declarations: number of namespace declarations of the element.
-  void open(std::string_view name, const char *const *attributes, size_t declarations);
-  void text(std::string_view bytes);
+  void open(const Name &name, Attributes attributes, size_t declarations);
+  // Whether the bytes of a text stay until the document's end.
+  enum class Bytes { Staying, Passing };
+  void text(std::string_view bytes, Bytes bytesAre);
   void close();
 
   // Refuses an element with too many attributes; soFar stands behind the number in the message.
@@ -48,24 +57,27 @@ class Reader {
   std::string_view innermost() const;
 
  private:
-  void enter(const Element &element, kit::List list, const char *const *attributes);
-  void openChild(Frame &top, std::string_view name, const char *const *attributes);
+  void enter(const Element &element, kit::List list, Attributes attributes);
+  void openChild(Frame &top, const Name &name, Attributes attributes);
   kit::List repetition(const Element &child, kit::List &list);
-  int find(const Frame &top, std::string_view name, const char *const *attributes) const;
-  void attributes(const Frame &frame, const char *const *attributes);
-  void attribute(const Frame &frame, std::string_view name, std::string_view value);
+  int child(const Frame &top, const Name &name, Attributes attributes) const;
+  void collect(std::string_view bytes);
+  size_t offsetOf(std::string_view text) const;
+  void attributes(const Frame &frame, Attributes given);
+  void attribute(const Frame &frame, const Given &given);
   void store(const Text &text, kit::List list, std::string_view value);
   void complete(const Frame &frame);
   void leave(const Element &element);
 
-  [[noreturn]] void unknown(const Frame &top, std::string_view name, const char *const *attributes) const;
-  void limit(const char *const *attributes, size_t declarations) const;
+  [[noreturn]] void unknown(const Frame &top, const Name &name, Attributes attributes) const;
+  void limit(size_t attributes) const;
 
   const Plan &m_plan;
   kit::ParseCall &m_call;
   Room &m_room;
-  size_t m_depth = 0;    // open elements
-  size_t m_skipped = 0;  // of them, those that the definition does not know
+  std::string_view m_only;  // the innermost element's text so far, while it is one piece that stays
+  size_t m_depth = 0;       // open elements
+  size_t m_skipped = 0;     // of them, those that the definition does not know
 };
 
 }  // namespace cvt::xml
