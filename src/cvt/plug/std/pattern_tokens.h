@@ -52,7 +52,7 @@ class Tokens {
   size_t m_at = 0;
   bool m_quoted = false;
   bool m_openEnd = false;  // the last token was a number that may go on
-  uint64_t m_seen = 0;  // letters
+  uint64_t m_seen = 0;     // letters
   size_t m_minutesAt = 0;
 };
 
