@@ -37,6 +37,15 @@ bool isValue(const std::string &text) {
   }
 }
 
+// What a constant or a default should be; null when it is that.
+const char *complaint(const Item &field, const std::string &value) {
+  if (field.form == Form::Others || field.type == Type::Null) return "no psDefault and psConst";
+  if (field.type == Type::Number && !isNumber(value)) return "a number as JSON writes it";
+  if (field.type == Type::Boolean && value != "true" && value != "false") return "true or false";
+  if (field.type == Type::Any && !isValue(value)) return "a JSON value";
+  return nullptr;
+}
+
 // What a level of values inherits from the one around it.
 struct Scope {
   std::string path;    // of the node around, for messages
@@ -200,15 +209,8 @@ void Compiler::checkField(const JsonField &record, const Item &field, const Scop
            "An empty value of this psType is null, or is left out");
   }
   for (const char *given : {record.psDefault, record.psConst}) {
-    if (given == nullptr) continue;
-    const std::string value = given;
-    if (field.type == Type::Number && !isNumber(value))
-      refuse("a number as JSON writes it", "\"" + value + "\"", "");
-    if (field.type == Type::Boolean && value != "true" && value != "false")
-      refuse("true or false", "\"" + value + "\"", "");
-    if (field.type == Type::Any && !isValue(value)) refuse("a JSON value", "\"" + value + "\"", "");
-    if (field.type == Type::Null || field.form == Form::Others)
-      refuse("no psDefault and psConst", "\"" + value + "\"", "Remove it");
+    const char *expected = given == nullptr ? nullptr : complaint(field, given);
+    if (expected != nullptr) refuse(expected, "\"" + text(given) + "\"", "");
   }
 }
 
