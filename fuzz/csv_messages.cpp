@@ -28,7 +28,7 @@ void addTables(fuzz::Configuration &config) {
   add(config, "Pairs", "psSeparator=\"::\" psQuote=\"'\" psEscape=\"\\\" psLineEnd=\"crlf\"", table);
   add(config, "Tabs", "psSeparator=\"&#9;\" psQuote=\"\" psEscape=\"\\\" psQuoting=\"always\"", table);
   add(config, "Limited", "psHeader=\"ignore\" nMaxField=\"8\" nMaxRecord=\"20\" psLastLineEnd=\"none\"",
-      table);
+      {rows(fields({"A", "B", "C"})), kLast});
   add(config, "Always", "psQuoting=\"always\" psLastLineEnd=\"required\" psHeader=\"order\"", table);
   add(config, "First", "nWhole=\"0\"", columns);
   add(config, "Gb", "psCharset=\"GB18030\" psLineEnd=\"any\"", table);

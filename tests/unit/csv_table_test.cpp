@@ -151,6 +151,16 @@ TEST_F(CsvTable, SeparatorsMayHaveSeveralCharacters) {
   EXPECT_EQ(get(again, "B"), "|x");
 }
 
+TEST_F(CsvTable, WithoutQuotesAValueMayNotEndLikeASeparatorBegins) {
+  with("psSeparator=\"||\" psQuote=\"\"");
+  values("a|b||c||d", "a|b", "c", "d");
+  refused("Row", "a||b||c|\n",
+          "Field[C] Offset[6]: expected a value that does not end like a mark begins, found \"c|\".");
+  const Text text = create("Row");
+  set(text, "A", "a|");
+  EXPECT_EQ(generate(text), "failed");
+}
+
 TEST_F(CsvTable, AnEscapeStandsBeforeQuotes) {
   with("psEscape=\"\\\"");
   values("\"a\\\"b\",\"\\\\\",\\", "a\"b", "\\", "\\");
@@ -365,6 +375,7 @@ TEST_F(CsvTable, AByteOrderMarkIsSaidToBeThere) {
           "\xEF\xBB\xBF"
           "1,2\n",
           "Offset[0]: expected no byte order mark, found one. Set psByteOrderMark");
+  refused("Skip", "\xEF\xBB\xBF\xEF\xBB\xBF,2\n", "Offset[0]: expected one byte order mark, found two.");
   EXPECT_EQ(pass("Skip",
                  "\xEF\xBB\xBF"
                  "1,2\n"),

@@ -145,6 +145,10 @@ void compileDialect(const CsvMsg &text, Dialect &dialect) {
             .c_str(),
         &text, "psContinuation");
   }
+  dialect.longMarks = dialect.quoteByte == 0 && dialect.escapeByte == 0 &&
+                      (dialect.separator.text.size() > 1 || dialect.recordEnd.text.size() > 1 ||
+                       dialect.tagFront.text.size() > 1);
+  dialect.guardMark = text.nMark != static_cast<int>(Mark::Write);
   checkTogether(text, dialect);
   addMarks(text, dialect);
 }

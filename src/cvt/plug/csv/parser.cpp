@@ -438,6 +438,9 @@ size_t rawOffset(const Plan &plan, const kit::ParseCall &call, size_t offset) {
 const char *behindMark(const Plan &plan, const char *from, const char *end) {
   const std::string_view text(from, static_cast<size_t>(end - from));
   if (!text.starts_with(kByteOrderMark)) return from;
+  const bool twice =
+      plan.mark == Mark::Skip && text.substr(kByteOrderMark.size()).starts_with(kByteOrderMark);
+  if (twice) throw Fault(Fault::kHere, "one byte order mark", "two", "Remove one");
   if (plan.mark != Mark::Refuse) return from + kByteOrderMark.size();
   throw Fault(Fault::kHere, "no byte order mark", "one", "Set psByteOrderMark of CsvMsg to skip or write");
 }

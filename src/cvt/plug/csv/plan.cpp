@@ -14,6 +14,14 @@ bool holds(const std::vector<std::string> &values, std::string_view value) {
 
 }  // namespace
 
+bool collides(std::string_view value, std::string_view mark) {
+  for (size_t at = value.find(mark[0]); at != std::string_view::npos; at = value.find(mark[0], at + 1)) {
+    const std::string_view tail = value.substr(at);
+    if (tail.size() >= mark.size() ? tail.starts_with(mark) : mark.starts_with(tail)) return true;
+  }
+  return false;
+}
+
 int chosenMember(const Compound &choice, std::string_view value) {
   if (holds(choice.none, value)) return -1;
   int otherwise = static_cast<int>(choice.fields.size());

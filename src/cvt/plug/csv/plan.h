@@ -52,6 +52,8 @@ struct Dialect {
   bool terminated = false;
   bool tagged = false;
   bool skipBlank = false;
+  bool longMarks = false;  // without quotes and escapes: a value may not end like a mark begins
+  bool guardMark = true;   // a text must not begin with what looks like a byte order mark
   LineEnd lineEnd = LineEnd::Lf;
   LastLineEnd lastLineEnd = LastLineEnd::Optional;
   size_t maxField = 0;   // 0: no limit
@@ -154,6 +156,9 @@ struct Plan {
 
 // Value of a field of kind end when the message ended without its last line end.
 inline constexpr std::string_view kOpenEnd = "open";
+
+// Whether a mark would be found inside the value, or begin there, when the mark stands behind it.
+bool collides(std::string_view value, std::string_view mark);
 
 // The member of a choice that a value chooses: its position, -1 for none, the number of members for a value
 // that the choice does not know.

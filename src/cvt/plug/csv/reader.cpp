@@ -271,6 +271,17 @@ void Reader::limitField(const Token &token) const {
               std::to_string(token.bytes.size()), "Raise nMaxField of CsvMsg");
 }
 
+// Such a value could not be written where another field follows it.
+void Reader::refuseHalfMark(const Token &token) const {
+  const std::string &separator = m_dialect.separator.text;
+  const std::string &end = !m_dialect.recordEnd.empty() || m_dialect.lineEnd != LineEnd::None
+                               ? m_dialect.recordEnd.text
+                               : m_dialect.tagFront.text;
+  if (!collides(token.bytes, separator) && (end.empty() || !collides(token.bytes, end))) return;
+  throw Fault(offset(m_from), "a value that does not end like a mark begins",
+              kit::quoted(std::string(token.bytes)), "Set psQuote or psEscape of CsvMsg");
+}
+
 Token Reader::fixed(size_t characters) {
   m_from = m_at;
   const std::string_view left(m_at, static_cast<size_t>(m_end - m_at));

@@ -61,6 +61,7 @@ class Reader {
       }
       const Token token{{m_from, static_cast<size_t>(at - m_from)}, false, escaped};
       if (m_dialect.maxField != 0) limitField(token);
+      if (m_dialect.longMarks) refuseHalfMark(token);
       moveTo(behind);
       return token;
     }
@@ -140,6 +141,7 @@ class Reader {
   const char *step(const char *at, bool &escaped) const;
   const char *stepQuoted(const char *at, bool &escaped) const;
   void limitField(const Token &token) const;
+  void refuseHalfMark(const Token &token) const;
   std::string fieldEnds() const;
   const char *lineEndName() const;
 

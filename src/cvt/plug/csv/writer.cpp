@@ -21,15 +21,6 @@ char escapeOf(char c) {
   return c == '\n' ? 'n' : c == '\r' ? 'r' : c == '\t' ? 't' : c;
 }
 
-// Whether a mark would be found inside the value, or begin there, when the mark stands behind it.
-bool collides(std::string_view value, std::string_view mark) {
-  for (size_t at = value.find(mark[0]); at != std::string_view::npos; at = value.find(mark[0], at + 1)) {
-    const std::string_view tail = value.substr(at);
-    if (tail.size() >= mark.size() ? tail.starts_with(mark) : mark.starts_with(tail)) return true;
-  }
-  return false;
-}
-
 }  // namespace
 
 // --- Values
@@ -52,7 +43,7 @@ void Writer::value(std::string_view text) {
 // Whether a line that begins with the value would be taken for something else.
 bool Writer::looksLikeStart(std::string_view text) const {
   return m_line == 0 && ((!m_dialect.comment.empty() && text.starts_with(m_dialect.comment)) ||
-                         text.starts_with(kByteOrderMark));
+                         (m_first && m_dialect.guardMark && text.starts_with(kByteOrderMark)));
 }
 
 bool Writer::mustQuote(std::string_view text) const {
@@ -70,9 +61,23 @@ bool Writer::mustQuote(std::string_view text) const {
   return m_dialect.lineEnd == LineEnd::None && collides(text, m_dialect.tagFront.text);
 }
 
+// What a field has between its marks, quotes not counted, is limited.
+void Writer::limitField(size_t from) const {
+  if (m_dialect.maxField == 0 || m_line - from <= m_dialect.maxField) return;
+  throw Fault(Fault::kHere, "a field of at most " + std::to_string(m_dialect.maxField) + " bytes",
+              std::to_string(m_line - from), "Raise nMaxField of CsvMsg");
+}
+
+void Writer::plainValue(std::string_view text) {
+  const size_t from = m_line;
+  value(text);
+  limitField(from);
+}
+
 void Writer::quotedValue(std::string_view text) {
   const char escape = m_dialect.escapeByte != 0 ? m_dialect.escapeByte : m_dialect.quoteByte;
   put(m_dialect.quote);
+  const size_t start = m_line;
   for (size_t from = 0; from <= text.size();) {
     size_t at = from;
     while (at < text.size() && text[at] != m_dialect.quoteByte && text[at] != escape) ++at;
@@ -82,10 +87,12 @@ void Writer::quotedValue(std::string_view text) {
     value({pair, 2});
     from = at + 1;
   }
+  limitField(start);
   put(m_dialect.quote);
 }
 
 void Writer::escapedValue(std::string_view text) {
+  const size_t start = m_line;
   for (size_t from = 0; from <= text.size();) {
     size_t at = from;
     while (at < text.size() && !m_dialect.marks.has(text[at])) ++at;
@@ -95,6 +102,7 @@ void Writer::escapedValue(std::string_view text) {
     value({pair, 2});
     from = at + 1;
   }
+  limitField(start);
 }
 
 // --- Fields
@@ -201,18 +209,14 @@ void Writer::putField(std::string_view text, Style style) {
   if (text.empty()) {
     if (quotes && (style.kept || style.quoted)) quotedValue(text);
   } else if (quotes) {
-    style.quoted || mustQuote(text) ? quotedValue(text) : value(text);
+    style.quoted || mustQuote(text) ? quotedValue(text) : plainValue(text);
   } else if (m_dialect.escapeByte != 0 && !looksLikeStart(text)) {
     escapedValue(text);
   } else if (!mustQuote(text)) {
-    value(text);
+    plainValue(text);
   } else {
     throw Fault(Fault::kHere, "a value without separators, line ends and marks",
                 kit::quoted(std::string(text)), "Without quotes they cannot be told from the text's own");
-  }
-  if (m_dialect.maxField != 0 && m_line - behindLead.line > m_dialect.maxField) {
-    throw Fault(Fault::kHere, "a field of at most " + std::to_string(m_dialect.maxField) + " bytes",
-                std::to_string(m_line - behindLead.line), "Raise nMaxField of CsvMsg");
   }
   if (m_dialect.terminated) put(m_dialect.separator);
   m_separate = true;
@@ -252,11 +256,7 @@ void Writer::putRest(std::string_view text) {
   if (breaks || marked || (m_line == 0 && mustQuote(text))) {
     throw Fault(Fault::kHere, "a value without line ends and marks", kit::quoted(std::string(text)));
   }
-  value(text);
-  if (m_dialect.maxField != 0 && text.size() > m_dialect.maxField) {
-    throw Fault(Fault::kHere, "a field of at most " + std::to_string(m_dialect.maxField) + " bytes",
-                std::to_string(text.size()), "Raise nMaxField of CsvMsg");
-  }
+  plainValue(text);
   m_separate = true;
   m_afterRest = true;
   m_simple = false;
@@ -276,6 +276,7 @@ void Writer::line(std::string_view bytes) {
   endLine();
   m_out.put(bytes);
   m_endPending = m_dialect.lineEnd != LineEnd::None;
+  m_first = false;
 }
 
 void Writer::begin(const Literal *tag, bool quotedTag, bool shortened, std::string_view wraps) {
@@ -292,7 +293,9 @@ void Writer::begin(const Literal *tag, bool quotedTag, bool shortened, std::stri
   m_wraps = wraps;
   if (tag != nullptr) {
     put(m_dialect.tagFront);
-    quotedTag ? quotedValue(tag->text) : put(*tag);
+    if (quotedTag) put(m_dialect.quote);
+    put(*tag);
+    if (quotedTag) put(m_dialect.quote);
     put(m_dialect.tagBack);
     m_separate = m_dialect.tagBack.empty();
     if (m_separate && m_dialect.terminated) put(m_dialect.separator);
@@ -316,6 +319,7 @@ void Writer::end() {
   put(m_dialect.recordEnd);
   if (m_dialect.maxRecord != 0 && m_line > m_dialect.maxRecord) tooLong();
   m_endPending = m_dialect.lineEnd != LineEnd::None;
+  m_first = false;
 }
 
 void Writer::blankLine() {

@@ -56,6 +56,8 @@ class Writer {
   }
   void anyField(std::string_view value, Style style);
   void value(std::string_view text);
+  void limitField(size_t from) const;
+  void plainValue(std::string_view text);
   void quotedValue(std::string_view text);
   void escapedValue(std::string_view text);
   bool looksLikeStart(std::string_view value) const;
@@ -77,6 +79,7 @@ class Writer {
   kit::Output &m_out;
   const Literal &m_lineEnd;
   bool m_openEnd;
+  bool m_first = true;        // nothing of the text was written
   bool m_endPending = false;  // the record before has no line end yet
   bool m_separate = false;    // a separator belongs before the next field
   bool m_afterRest = false;
