@@ -31,8 +31,8 @@ size_t readBcd(const Frame &frame, std::string_view bytes, size_t offset) {
   size_t count = 0;
   bool good = true;
   for (const char c : bytes) {
-    const unsigned high = static_cast<unsigned char>(c) >> 4;
-    const unsigned low = static_cast<unsigned char>(c) & 15;
+    const size_t high = static_cast<unsigned char>(c) >> 4;
+    const size_t low = static_cast<unsigned char>(c) & 15;
     good = good && high <= 9 && low <= 9;
     count = count * 100 + high * 10 + low;
   }

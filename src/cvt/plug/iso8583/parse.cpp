@@ -120,7 +120,7 @@ class Parser {
     m_call.path.field(m_plan.restNode);
     checkSize(m_in.left());
     const std::string_view bytes = m_in.take(m_in.left());
-    const size_t room = 4 * kMaxNumber + 2 * bytes.size();
+    const size_t room = size_t{4} * kMaxNumber + 2 * bytes.size();
     char *const text = m_call.store.take(room);
     char *at = text;
     for (size_t k = 0; k < m_count; ++k) {

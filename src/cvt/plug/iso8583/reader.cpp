@@ -75,7 +75,7 @@ void Reader::group(const Element &element, Input &in, List &list) {
   m_call.path.leave();
 }
 
-void Reader::inside(const Element &element, Input in, List &list) {
+void Reader::inside(const Element &element, const Input &in, List &list) {
   const Container &container = *element.inside;
   if (in.atEnd()) list.put(element.slot, m_call.store.take(0), 0);  // remembers that it was there
   if (container.loop) return repetitions(element, in, list);
@@ -157,7 +157,7 @@ void Reader::tags(const Container &container, Input in, List &list) {
   others(container, whole, list, orderLength, othersLength);
 }
 
-void Reader::knownTag(const Element &member, const Tlv &tlv, Input part, List &list) {
+void Reader::knownTag(const Element &member, const Tlv &tlv, const Input &part, List &list) {
   m_call.end = tlv.offset;
   if (member.inside != nullptr) {
     m_call.path.enter(member.node);

@@ -21,13 +21,13 @@ class Reader {
 
  private:
   void group(const Element &element, Input &in, kit::List &list);
-  void inside(const Element &element, Input in, kit::List &list);
+  void inside(const Element &element, const Input &in, kit::List &list);
   void repetitions(const Element &element, Input in, kit::List &list);
   void subfields(const Element &group, Input in, kit::List &list);
   void allMembers(const Container &container, Input &in, kit::List &list);
 
   void tags(const Container &container, Input in, kit::List &list);
-  void knownTag(const Element &member, const Tlv &tlv, Input part, kit::List &list);
+  void knownTag(const Element &member, const Tlv &tlv, const Input &part, kit::List &list);
   void tagAndValue(const Container &container, Input &in, kit::List &list);
   void others(const Container &container, Input in, kit::List &list, size_t orderLength, size_t othersLength);
 

@@ -33,7 +33,7 @@ class Writer {
 
   kit::GenerateCall &m_call;
   kit::Output &m_out;
-  kit::Digits m_digits;
+  kit::Digits m_digits{};
 };
 
 }  // namespace cvt::iso8583
