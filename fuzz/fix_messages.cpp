@@ -9,6 +9,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     config.add("src/cvt/plug/fix/samples/Message", "Message");
     config.add("examples/nacha/Message/NachaFile.xml", "Message");
     config.add("examples/envelope/Message/LinePAY.xml", "Message");
+    config.add("examples/x937/Message/ChequeFile.xml", "Message");
     return config.start();
   }();
   fuzz::require(started, "the library starts");

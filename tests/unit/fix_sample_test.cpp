@@ -17,7 +17,7 @@ std::string data(const std::string &sName) {
 class FixSample : public testing::Test {
  protected:
   void SetUp() override {
-    for (const char *psName : {"Order", "Accounts", "Groups", "Amounts"}) {
+    for (const char *psName : {"Order", "Accounts", "Groups", "Amounts", "Parcel"}) {
       m_config.file(std::string("msg/") + psName + ".xml",
                     contentOf(kSamples + "Message/" + psName + ".xml"));
     }
@@ -86,6 +86,16 @@ TEST_F(FixSample, OrderComesBack) {
   ASSERT_NE(order, nullptr) << told();
   EXPECT_EQ(get(order, "Customer"), "Zoë Müller");
   EXPECT_EQ(generate(order, sBytes.size()), sBytes);
+}
+
+TEST_F(FixSample, ParcelComesBack) {
+  const std::string sBytes = data("parcel.dat");
+  const Record parcel = parse("Parcel", sBytes);
+  ASSERT_NE(parcel, nullptr) << told();
+  EXPECT_EQ(get(parcel, "Label").size(), 34U);
+  EXPECT_EQ(get(parcel, "Remark"), "fragile");
+  EXPECT_EQ(get(parcel, "Tail"), std::string("\0end", 4));
+  EXPECT_EQ(generate(parcel, sBytes.size()), sBytes);
 }
 
 TEST_F(FixSample, AccountsAreThosePublished) {
