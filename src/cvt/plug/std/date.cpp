@@ -161,7 +161,7 @@ void dayOfWeek(kit::Call &call) {
 
 // The day that a date is compared with: an argument, or today in UTC.
 int64_t referenceDay(kit::Call &call, int argument) {
-  if (!call.has(argument)) return functions::now().seconds / kDay;
+  if (!call.has(argument)) return dayNumber(momentOf(functions::now().seconds, 0));
   Moment moment;
   check(call, readMoment(call.text(argument), "yyyy-MM-dd", moment), argument, argument);
   return dayNumber(moment);
