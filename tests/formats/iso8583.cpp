@@ -1,5 +1,5 @@
-// The plug-in iso8583 under the suite: the constant is the message type, the other outermost nodes are data
-// elements.
+// The plug-in iso8583 under the suite: the order's constant is the message type, its other outermost nodes
+// are data elements, and what is in them are subfields.
 #include "plugins.h"
 
 namespace formats {
@@ -10,6 +10,7 @@ class Iso8583 : public Format {
  public:
   std::string name() const override { return "iso8583"; }
   std::vector<std::string> charsets() const override { return {"ISO-8859-1", "windows-1252", "IBM037"}; }
+
   bool countsLoops() const override { return false; }
 
  protected:
@@ -20,18 +21,19 @@ class Iso8583 : public Format {
     if (field.kind == Item::Kind::Constant) {
       return std::string("<IsoField __ID=\"pInfo\" psKind=\"mti\" psConst=\"") + kConstant + "\"/>";
     }
-    const std::string type = field.kind == Item::Kind::Digits ? "n" : "ans";
-    return "<IsoField __ID=\"pInfo\"" + number(field) + " psType=\"" + type +
-           "\" psPrefix=\"LL\" nMaxLen=\"" + std::to_string(field.most) + "\"/>";
+    const std::string type = field.kind == Item::Kind::Text ? "ans" : "n";
+    return "<IsoField __ID=\"pInfo\" psType=\"" + type + "\" psPrefix=\"LL\" nMaxLen=\"" +
+           std::to_string(field.most) + "\"" + number(field) + "/>";
   }
   std::string groupRecord(const Item &group) const override {
-    return "<IsoGroup __ID=\"pInfo\"" + number(group) + " psPrefix=\"LLLL\"/>";
+    return "<IsoGroup __ID=\"pInfo\" psPrefix=\"LLLL\"" + number(group) + "/>";
   }
   std::string loopRecord(const Item &loop) const override {
     return "<IsoLoop __ID=\"ptInfo\" nMax=\"" + std::to_string(loop.most) + "\"/>";
   }
 
  private:
+  // The first node is the message type; data element 1 is the second bitmap.
   static std::string number(const Item &item) {
     return item.place == 0 ? "" : " nNumber=\"" + std::to_string(item.place) + "\"";
   }

@@ -9,6 +9,7 @@ const Format &csv();
 const Format &example();
 const Format &fix();
 const Format &iso8583();
+const Format &iso8583();
 const Format &json();
 const Format &xml();
 
