@@ -54,7 +54,8 @@ printf '21A3BC' >"$out/short"
 refused "a group that is cut" Groups "$out/short"
 printf '3' >"$out/many"
 refused "three groups of two" Groups "$out/many"
-{ head -c 40 "$data/test1.bin" && printf '\201\017' && tail -c +43 "$data/test1.bin" | head -c 2160; } >"$out/count"
+head -c 2202 "$data/test1.bin" >"$out/record"
+{ head -c 40 "$out/record" && printf '\201\017' && tail -c +43 "$out/record"; } >"$out/count"
 refused "810 accounts of 80" Customer "$out/count"
 
 exit $failed

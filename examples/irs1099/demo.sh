@@ -22,7 +22,7 @@ again() {
 }
 
 # record N of the published file
-record() { tail -c +$((($1 - 1) * 750 + 1)) "$data/oneTransactionFile.ascii" | head -c 750; }
+record() { dd if="$data/oneTransactionFile.ascii" bs=750 skip=$(($1 - 1)) count=1 status=none; }
 
 # with TYPE PAYEE: the published file with one payee and that type of return in the payer's record
 with() {
