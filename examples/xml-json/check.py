@@ -1,15 +1,20 @@
 #!/usr/bin/env python3
-"""Compares the demo's files, with the parsers of Python. Ends with 1 and a line when they differ.
+"""Compares the demo's files, with the parsers of Python. Reads what to compare from its standard input, a comparison
+a line, its parts divided by tabs. Ends with 1 and a line for each that does not hold.
 
-  check.py json EXPECTED FOUND      the same tree, members in any order, numbers digit by digit
-  check.py xml EXPECTED FOUND       the same document but for white space between elements and prefixes
-  check.py values XML JSON          every text and attribute of the document stands in the JSON, under the same name
-  check.py amounts JSON VALUE...    these are the numbers of the JSON, in any order
+  json EXPECTED FOUND      the same tree, members in any order, numbers digit by digit
+  xml EXPECTED FOUND       the same document but for white space between elements and prefixes
+  values XML JSON          every text and attribute of the document stands in the JSON, under the same name
+  amounts JSON VALUE...    these are the numbers of the JSON, in any order
 """
 import collections
 import json
 import sys
 import xml.etree.ElementTree as ET
+
+
+class Differs(Exception):
+    """What does not hold."""
 
 
 class Number(str):
@@ -28,19 +33,19 @@ def load(file):
 
 def same(expected, found, where="$"):
     if type(expected) is not type(found):
-        sys.exit(f"{where}: expected {expected!r}, found {found!r}")
+        raise Differs(f"{where}: expected {expected!r}, found {found!r}")
     if isinstance(expected, dict):
         if expected.keys() != found.keys():
-            sys.exit(f"{where}: expected members {list(expected)}, found {list(found)}")
+            raise Differs(f"{where}: expected members {list(expected)}, found {list(found)}")
         for name in expected:
             same(expected[name], found[name], f"{where}.{name}")
     elif isinstance(expected, list):
         if len(expected) != len(found):
-            sys.exit(f"{where}: expected {len(expected)} elements, found {len(found)}")
+            raise Differs(f"{where}: expected {len(expected)} elements, found {len(found)}")
         for i, (one, other) in enumerate(zip(expected, found)):
             same(one, other, f"{where}[{i}]")
     elif expected != found:
-        sys.exit(f"{where}: expected {expected!r}, found {found!r}")
+        raise Differs(f"{where}: expected {expected!r}, found {found!r}")
 
 
 def document(file):
@@ -78,17 +83,33 @@ def numbers(value):
             yield from numbers(inner)
 
 
-def main(what, first, *rest):
+def compare(what, first, *rest):
     if what == "json":
         same(load(first), load(rest[0]))
-    elif what == "xml" and document(first) != document(rest[0]):
-        sys.exit(f"{rest[0]} is another document than {first}")
+    elif what == "xml":
+        if document(first) != document(rest[0]):
+            raise Differs(f"{rest[0]} is another document than {first}")
     elif what == "values":
         expected, found = list(xml_values(ET.parse(first).getroot())), list(json_values(load(rest[0])))
         if collections.Counter(expected) != collections.Counter(found):
-            sys.exit(f"{rest[0]}: values differ: {set(expected) ^ set(found)}")
-    elif what == "amounts" and sorted(numbers(load(first))) != sorted(rest):
-        sys.exit(f"{first}: expected {sorted(rest)}, found {sorted(numbers(load(first)))}")
+            raise Differs(f"{rest[0]}: values differ: {set(expected) ^ set(found)}")
+    elif what == "amounts":
+        if sorted(numbers(load(first))) != sorted(rest):
+            raise Differs(f"{first}: expected {sorted(rest)}, found {sorted(numbers(load(first)))}")
+    else:
+        raise Differs(f"no comparison: {what}")
 
 
-main(*sys.argv[1:])
+def main():
+    failed = 0
+    for line in sys.stdin:
+        parts = line.rstrip("\n").split("\t")
+        try:
+            compare(*parts)
+        except (Differs, OSError, ValueError, AssertionError, ET.ParseError) as wrong:
+            print(f"FAILED: {' '.join(parts)}: {wrong}", file=sys.stderr)
+            failed = 1
+    return failed
+
+
+sys.exit(main())
