@@ -222,10 +222,10 @@ TEST_F(IsoSamples, AnAdviceHasItsElementsAndNoOthers) {
     const Wire wire = parse("Iso1987", s);
     EXPECT_EQ(generate(wire), s) << told();
   }
-  expectRefused("ReversalAdvice", "iso_reversal_message_advice_missing_field.dat",
+  expectRefused("Iso0420", "iso_reversal_message_advice_missing_field.dat",
                 "LocalDate] Offset[4]: expected data element 13, found none. It is mandatory.");
   expectRefused(
-      "ReversalAdvice", "iso_reversal_message_advice_unexpected_field.dat",
+      "Iso0420", "iso_reversal_message_advice_unexpected_field.dat",
       "] Offset[4]: expected bits of data elements that the definition has, found that of data element 14. "
       "Define it, or a field of psKind rest for what begins with an unknown one.");
 }
