@@ -43,10 +43,9 @@ void Cursor::refuse(const std::string &expected, const std::string &advice) cons
   if (m_damage.expected == nullptr) {
     throw kit::Fault(offset(), expected, "the end of the text", "The message is cut off");
   }
-  const char *at = m_text + m_damage.at;
-  const bool cut = std::string_view(m_damage.advice) == "The message is cut off";
-  throw kit::Fault(m_base + m_damage.at, m_damage.expected, cut ? "the end" : kit::quoted(at, 1),
-                   m_damage.advice);
+  const bool cut = m_damage.at == m_size;
+  throw kit::Fault(m_base + m_damage.at, m_damage.expected,
+                   cut ? "the end" : kit::quoted(m_text + m_damage.at, 1), m_damage.advice);
 }
 
 void Cursor::open(char bracket, const char *expected, const char *advice) {

@@ -17,6 +17,7 @@ class Cursor {
   // base: offset of the text in its buffer. depth: objects and arrays that are open around it.
   Cursor(const Tokens &tokens, size_t base, size_t maxDepth, size_t depth = 0)
       : m_text(tokens.text.data()),
+        m_size(tokens.text.size()),
         m_begin(tokens.begin),
         m_at(tokens.begin),
         m_end(tokens.end),
@@ -83,6 +84,7 @@ class Cursor {
   [[noreturn]] void badEscape(std::string_view string, const Unescaped &bad) const;
 
   const char *m_text;
+  size_t m_size;
   const uint32_t *m_begin;
   const uint32_t *m_at;
   const uint32_t *m_end;
