@@ -255,6 +255,14 @@ void compileGroup(const IsoGroup &record, bool inTag, const Place &place, Elemen
   }
 }
 
+Plain plainOf(const Element &field) {
+  const Content &content = field.content;
+  const bool same = field.frame.fixed && content.coding == Coding::Text && content.ascii && !content.trim &&
+                    field.constant == nullptr;
+  if (!same) return Plain::No;
+  return content.type == Type::N ? Plain::Digits : content.type == Type::Ans ? Plain::Printable : Plain::No;
+}
+
 void checkTexts(const Element &element, const Place &place) {
   checkText(element, element.fallback, place);
   checkText(element, element.constant, place);

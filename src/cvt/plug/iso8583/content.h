@@ -3,6 +3,7 @@
 
 #include <string_view>
 
+#include "kit/bytes.h"
 #include "kit/output.h"
 #include "kit/values.h"
 #include "plan.h"
@@ -25,6 +26,14 @@ std::string_view readContent(const Element &field, std::string_view bytes, size_
 
 // Writes the value, without a prefix; the length of the content. Throws Fault.
 size_t writeContent(const Element &field, std::string_view value, kit::Output &out);
+
+// Whether these are the field's bytes and its value at once. False says nothing: the functions above find out.
+inline bool isPlain(const Element &field, std::string_view bytes) {
+  if (field.plain == Plain::No || bytes.size() != field.frame.most) return false;
+  if (field.plain == Plain::Printable) return kit::isPrintable(bytes.data(), bytes.size());
+  return kit::isDigits(bytes.data(), bytes.size()) &&
+         (!field.content.date.has_value() || field.content.date->check(bytes) == nullptr);
+}
 
 // The letter of a value's hexadecimal digit, and its number: 0 .. 15, or 16 for what is none.
 inline constexpr char kHexLetters[] = "0123456789ABCDEF";

@@ -56,9 +56,13 @@ struct Content {
 
 struct Container;
 
+// Fields whose bytes are their value when all characters are of one kind.
+enum class Plain : unsigned char { No, Digits, Printable };
+
 // A data element, or a member of one.
 struct Element : kit::Rule {
   Kind kind = Kind::Data;
+  Plain plain = Plain::No;
   int number = 0;
   uint32_t tag = 0;
   Frame frame;

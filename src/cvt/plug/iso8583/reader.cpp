@@ -51,7 +51,7 @@ Extent readExtent(const Element &field, Input &in) {
 }  // namespace
 
 void Reader::put(const Element &field, std::string_view value, List &list) {
-  checkRead(field, value);
+  if (value.empty() || field.constant != nullptr) checkRead(field, value);
   if (value.empty() && field.empty == kit::Empty::Omit) {
     throw Fault(Fault::kHere, "a value", "an empty field", "nKeepEmpty=\"2\" allows it");
   }
@@ -60,6 +60,12 @@ void Reader::put(const Element &field, std::string_view value, List &list) {
 
 void Reader::field(const Element &field, Input &in, List &list) {
   m_call.path.field(field.node);
+  const std::string_view ahead = in.rest().substr(0, field.frame.most);
+  if (isPlain(field, ahead)) {
+    list.put(field.slot, m_call.store.copy(ahead.data(), ahead.size()), ahead.size());
+    in.take(ahead.size());
+    return;
+  }
   m_call.end = in.offset();
   const Extent extent = readExtent(field, in);
   const size_t offset = in.offset();

@@ -33,7 +33,8 @@ void putPrefix(const Element &field, size_t from, size_t length, kit::Output &ou
 }  // namespace
 
 size_t Writer::content(const Element &field, const List &list) {
-  const std::string_view text = textToWrite(field, list, m_digits);
+  std::string_view text = list.get(field.slot);
+  if (text.empty() || field.constant != nullptr) text = textToWrite(field, list, m_digits);
   if (text.empty() && field.empty == kit::Empty::Omit) {
     throw Fault(Fault::kHere, "a value", "an empty one", "nKeepEmpty=\"2\" allows it");
   }
@@ -42,6 +43,8 @@ size_t Writer::content(const Element &field, const List &list) {
 
 void Writer::field(const Element &field, const List &list) {
   m_call.path.field(field.node);
+  const std::string_view value = list.get(field.slot);
+  if (isPlain(field, value)) return m_out.put(value);
   const size_t from = m_out.offset();
   m_out.reserve(field.frame.bytes);
   putPrefix(field, from, content(field, list), m_out);
