@@ -75,28 +75,31 @@ class Generator {
   void readBitmapFields() {
     for (const BitmapField &field : m_plan.bitmapFields) {
       const std::string_view value = m_list.get(field.slot);
-      if (value.empty()) continue;
-      m_call.path.field(field.node);
-      const size_t each = field.bits ? kBitmapBits : 16;
-      const size_t first = field.which < 0 ? 0 : static_cast<size_t>(field.which);
-      const size_t most = field.which < 0 ? static_cast<size_t>(m_plan.bitmaps) : 1;
-      const size_t count = value.size() / each;
-      bool good = count * each == value.size() && count <= most;
-      for (size_t k = 0; good && k < count; ++k) {
-        good = valueToWord(value.substr(k * each, each), field.bits, m_told.words[first + k]);
-      }
-      if (!good) {
-        throw Fault(Fault::kHere,
-                    "a bitmap of " + std::to_string(each) + (field.bits ? " bits" : " hexadecimal digits"),
-                    shown(value));
-      }
-      for (size_t k = first; k < (field.which < 0 ? kMaxBitmaps : first + 1); ++k) m_isTold[k] = true;
-      m_count = std::max(m_count, first + count);
+      if (!value.empty()) readBitmapField(field, value);
     }
-    if (m_isTold[0] && m_plan.flags(0) != 0 && (m_told.words[0] & m_plan.flags(0)) != 0) {
-      m_count = std::max(m_count, size_t{2});
+    for (size_t k = 0; k + 1 < kMaxBitmaps; ++k) {
+      if (m_isTold[k] && (m_told.words[k] & m_plan.flags(k)) != 0) m_count = std::max(m_count, k + 2);
     }
-    if (m_isTold[1] && m_plan.flags(1) != 0 && (m_told.words[1] & m_plan.flags(1)) != 0) m_count = 3;
+  }
+
+  void readBitmapField(const BitmapField &field, std::string_view value) {
+    m_call.path.field(field.node);
+    const size_t each = field.bits ? kBitmapBits : 16;
+    const size_t first = field.which < 0 ? 0 : static_cast<size_t>(field.which);
+    const size_t most = field.which < 0 ? static_cast<size_t>(m_plan.bitmaps) : 1;
+    const size_t count = value.size() / each;
+    bool good = count * each == value.size() && count <= most;
+    for (size_t k = 0; good && k < count; ++k) {
+      good = valueToWord(value.substr(k * each, each), field.bits, m_told.words[first + k]);
+    }
+    if (!good) {
+      throw Fault(Fault::kHere,
+                  "a bitmap of " + std::to_string(each) + (field.bits ? " bits" : " hexadecimal digits"),
+                  shown(value));
+    }
+    const size_t end = field.which < 0 ? kMaxBitmaps : first + 1;
+    for (size_t k = first; k < end; ++k) m_isTold[k] = true;
+    m_count = std::max(m_count, first + count);
   }
 
   // --- Which data elements there are
@@ -156,10 +159,6 @@ class Generator {
     m_bits.words[k] = told;
   }
 
-  [[noreturn]] void refuse(int number, const char *expected, const std::string &found,
-                           const char *advice) const {
-    refuse(number, std::string(expected), found, advice);
-  }
   [[noreturn]] void refuse(int number, const std::string &expected, const std::string &found,
                            const char *advice) const {
     const bool known = number != 0 && m_plan.defined.has(number);
