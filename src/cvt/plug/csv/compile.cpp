@@ -98,7 +98,7 @@ void Compiler::top(const Level &level) {
   Compound &all = *item.compound;
   all.ofRecords = true;
   all.mandatory = true;
-  const Scope scope{"", &rules, nullptr};
+  const Scope scope{"", &rules};
   if (from == to) throw Misconfigured("", &m_text, "a record or a field", "none");
   if (hasRecords(level, from)) {
     item.kind = m_text.nOrder == static_cast<int>(Order::Any) ? ItemKind::AnyOrder : ItemKind::Group;
@@ -132,7 +132,6 @@ void Compiler::records(std::vector<Item> &into, const Scope &scope, size_t from,
 // What stands in a record: its fields, and then the records that belong to it.
 void Compiler::content(Compound &record, const Scope &scope, size_t from, size_t to) {
   const Level &level = scope.rules->level();
-  const Scope inner{scope.path, scope.rules, &record};
   size_t at = from;
   for (; at < to && !hasRecords(level, at); at = static_cast<size_t>(level.nodes[at].next)) {
     const CsvField *field = kit::recordAs<CsvField>(level.nodes[at].record, kCsvField);
@@ -146,7 +145,7 @@ void Compiler::content(Compound &record, const Scope &scope, size_t from, size_t
       record.wrapsSlot = level.nodes[at].slot;
       continue;
     }
-    record.fields.push_back(member(inner, at));
+    record.fields.push_back(member(scope, at));
   }
   records(record.records, scope, at, to);
 }
@@ -190,7 +189,7 @@ Item Compiler::recordItem(const Scope &scope, size_t at) {
                         "Give the record fields");
   }
   tag(record, said, path);
-  content(record, {path, scope.rules, nullptr}, at + 1, static_cast<size_t>(node.next));
+  content(record, {path, scope.rules}, at + 1, static_cast<size_t>(node.next));
   return item;
 }
 
@@ -208,7 +207,7 @@ Item Compiler::group(const Scope &scope, size_t at) {
   item.compound->node = node.name;
   item.compound->ofRecords = true;
   item.compound->mandatory = said.nMandatory != 0;
-  records(item.compound->records, {path, scope.rules, nullptr}, at + 1, static_cast<size_t>(node.next));
+  records(item.compound->records, {path, scope.rules}, at + 1, static_cast<size_t>(node.next));
   return item;
 }
 
@@ -237,7 +236,7 @@ Item Compiler::recordLoop(const Scope &scope, size_t at) {
   loop.ofRecords = true;
   limits(loop, node, path);
   loop.counts = kit::countsOf(*node.body);
-  const Scope inner{path, &rules, nullptr};
+  const Scope inner{path, &rules};
   Item body;
   body.compound = std::make_unique<Compound>();
   body.compound->ofRecords = true;

@@ -98,7 +98,7 @@ Item Compiler::fieldGroup(const Scope &scope, size_t at) {
   item.kind = said.nKind == static_cast<int>(GroupKind::Choice) ? ItemKind::Choice : ItemKind::Group;
   item.compound = std::make_unique<Compound>();
   item.compound->node = node.name;
-  const Scope inner{path, scope.rules, scope.record};
+  const Scope inner{path, scope.rules};
   const Level &level = scope.rules->level();
   for (size_t i = at + 1; i < static_cast<size_t>(node.next); i = static_cast<size_t>(level.nodes[i].next)) {
     item.compound->fields.push_back(member(inner, i));
@@ -168,7 +168,7 @@ Item Compiler::fieldLoop(const Scope &scope, size_t at) {
       throw Misconfigured(path, &said, "a CsvGroup without attributes on a loop of fields", "another");
     }
   }
-  const Scope inner{single ? scope.path : path, &rules, scope.record};
+  const Scope inner{single ? scope.path : path, &rules};
   for (size_t i = 0; i < body.nodes.size(); i = static_cast<size_t>(body.nodes[i].next)) {
     loop.fields.push_back(member(inner, i));
   }

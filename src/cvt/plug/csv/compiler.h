@@ -13,7 +13,6 @@ namespace cvt::csv {
 struct Scope {
   std::string path;         // of the node around
   const kit::Rules *rules;  // of the level
-  Compound *record;         // the record around; null: none
 };
 
 // The compiler of one definition.
