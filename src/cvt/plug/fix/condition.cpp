@@ -5,6 +5,12 @@
 
 namespace cvt::fix {
 
+std::string_view decidingValue(const Condition &condition, const kit::List &list, const Enclosing *around) {
+  if (condition.up == 0) return list.get(condition.slot);
+  for (int up = condition.up; up > 1; --up) around = around->outer;
+  return around->list.get(condition.slot);
+}
+
 bool holds(const Condition &condition, std::string_view value) {
   for (const std::string &one : condition.values) {
     if (value == one) return true;

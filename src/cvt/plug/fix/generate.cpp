@@ -107,7 +107,7 @@ class Generator {
   bool isThere(const LevelPlan &level, size_t i, const List &values) {
     if (level.ops[i].condition < 0) return present(level, i, values);
     const Condition &condition = conditionOf(level, i);
-    const std::string_view value = m_enclosing.value(condition, values);
+    const std::string_view value = decidingValue(condition, values, m_around);
     const bool there = holdsWritten(condition, value);
     if (!there && present(level, i, values)) unexpected(level, i, condition, value);
     return there;
@@ -129,7 +129,7 @@ class Generator {
   // The member that an earlier value tells. The others must be empty, or their values would be lost.
   void decided(const LevelPlan &level, size_t i, const List &values) {
     const auto end = static_cast<size_t>(level.ops[i].next);
-    const std::string_view value = m_enclosing.value(conditionOf(level, i + 1), values);
+    const std::string_view value = decidingValue(conditionOf(level, i + 1), values, m_around);
     size_t chosen = end;
     for (size_t child = i + 1; child < end; child = static_cast<size_t>(level.ops[child].next)) {
       if (chosen == end && holdsWritten(conditionOf(level, child), value)) {
@@ -244,13 +244,14 @@ class Generator {
   void loop(const LoopPlan &plan, int slot, const List &values) {
     const int repetitions = values.repetitions(slot);
     checkNumber(plan, static_cast<size_t>(repetitions));
-    m_enclosing.enter(values);
+    const Enclosing here{values, m_around};
+    m_around = &here;
     for (int k = 0; k < repetitions; ++k) {
       m_call.path.repetition(k);
       const List repetition = values.repetition(slot, k, plan.body->slots);
       members(*plan.body, 0, plan.body->ops.size(), repetition);
     }
-    m_enclosing.leave();
+    m_around = here.outer;
     if (plan.room == 0) return;
     m_call.path.repetition(-1);
     endRecord();
@@ -271,7 +272,7 @@ class Generator {
   kit::Output &m_out;
   Separator m_pending = kSeparatorNone;
   size_t *m_lengthsAt = nullptr;  // where each length stands, by its number
-  Enclosing m_enclosing;
+  const Enclosing *m_around = nullptr;
 };
 
 }  // namespace

@@ -53,7 +53,7 @@ inline void Parser::field(const FieldPlan &field, int slot, List &values) {
 inline bool Parser::isThere(const LevelPlan &level, const Op &op, const List &values) const {
   if (op.condition < 0) return starts(op.starts);
   const Condition &condition = level.conditions[static_cast<size_t>(op.condition)];
-  return holds(condition, m_enclosing.value(condition, values));
+  return holds(condition, decidingValue(condition, values, m_around));
 }
 
 inline bool Parser::starts(const std::vector<Start> &starts) const {
@@ -190,7 +190,7 @@ void Parser::noChoice(const LevelPlan &level, size_t i, const List &values) cons
   const int first = level.ops[i + 1].condition;
   if (first < 0) throw Fault(offset(), "one of " + memberNames(level, i), found(20), "");
   const Condition &condition = level.conditions[static_cast<size_t>(first)];
-  const std::string_view value = m_enclosing.value(condition, values);
+  const std::string_view value = decidingValue(condition, values, m_around);
   throw Fault(offset(), std::string(condition.field.name) + " one of " + decidingValues(level, i),
               quoted(value.data(), value.size()), "Correct it, or add a member without psWhen");
 }
@@ -202,7 +202,8 @@ void Parser::loop(const LoopPlan &plan, int slot, List &values) {
   const bool counted = plan.until == kNotGiven;
   const size_t count = !counted ? 0 : plan.fixed != 0 ? plan.fixed : countOf(plan, values);
   size_t done = 0;
-  m_enclosing.enter(values);
+  const Enclosing here{values, m_around};
+  m_around = &here;
   while (counted ? done < count : plan.until == kUntilEnd ? m_at < m_end : starts(plan.starts)) {
     m_call.path.repetition(static_cast<int>(done));
     m_call.end = offset();
@@ -211,7 +212,7 @@ void Parser::loop(const LoopPlan &plan, int slot, List &values) {
     members(*plan.body, 0, plan.body->ops.size(), repetition);
     ++done;
   }
-  m_enclosing.leave();
+  m_around = here.outer;
   m_call.path.repetition(-1);
   if (done < plan.least) {
     throw Fault(offset(), "at least " + std::to_string(plan.least) + " repetitions",

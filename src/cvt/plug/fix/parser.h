@@ -68,7 +68,7 @@ class Parser {
   const char *m_recordStart = nullptr;
   const RecordPlan *m_record = nullptr;  // the one that ends at m_end
   bool m_openEnd = false;
-  Enclosing m_enclosing;
+  const Enclosing *m_around = nullptr;
 };
 
 }  // namespace cvt::fix
