@@ -26,15 +26,20 @@ definition() {
   esac
 }
 
-# Whether two JSON files hold the same; a difference that is known is mended in the second.
+# compare OURS PUBLISHED: the files of one folder hold what those of the other do, but for a number that is known.
 compare() {
   python3 - "$@" <<'PYTHON'
-import json, sys
-ours, published = (json.load(open(name, encoding='utf-8')) for name in sys.argv[1:3])
-if sys.argv[2].endswith('/location_coordinates.json'):
-    assert published['Contact Phone Number'] == '1234567890', 'the published number has been mended'
-    published['Contact Phone Number'] = '2095257564'
-assert ours == published, f'{ours} instead of {published}'
+import json, pathlib, sys
+def read(folder, name):
+    return json.loads((pathlib.Path(folder) / name).read_text(encoding='utf-8'))
+names = sorted(file.name for file in pathlib.Path(sys.argv[2]).glob('*.json'))
+for name in names:
+    ours, published = (read(folder, name) for folder in sys.argv[1:3])
+    if name == 'location_coordinates.json':
+        assert published['Contact Phone Number'] == '1234567890', 'the published number has been mended'
+        published['Contact Phone Number'] = '2095257564'
+    assert ours == published, f'{name}: {ours} instead of {published}'
+print(f'{len(names)} tables: JSON as published, but for one number that is wrong there')
 PYTHON
 }
 
@@ -42,11 +47,12 @@ for table in "$here"/data/*.csv; do
   name=$(basename "$table" .csv)
   message=$(definition "$table")
   cvt2 convert -c "$here" -m "$message" -f csv -t json -o "$out/$name.json" "$table" || { fail "$name: not converted"; continue; }
-  compare "$out/$name.json" "$here/expected/$name.json" || fail "$name: not the published JSON"
   cvt2 parse -c "$here" -m "$message" -f csv --all --json "$table" |
     cvt2 generate -c "$here" -m "$message" -t csv --out-framing none >"$out/$name.csv" || fail "$name: not written again"
   cmp "$table" "$out/$name.csv" || fail "$name: other bytes"
-  say "$(printf '%-22s %3d bytes: JSON as published, and the same bytes back' "$name" "$(wc -c <"$table")")"
+  say "$(printf '%-22s %3d bytes, and the same bytes back' "$name" "$(wc -c <"$table")")"
 done
+told=$(compare "$out" "$here/expected") || fail "other values than published"
+say "$told"
 
 exit "$failed"
