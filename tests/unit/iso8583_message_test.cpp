@@ -136,6 +136,15 @@ TEST_F(Message, BitmapsAreHexadecimalDigitsOrBytes) {
   expectBack("0200" + bytes("8080000000000000 0000000000000001") + "12");
 }
 
+TEST_F(Message, HexadecimalBitmapsAreInTheCharacterSet) {
+  define("psCharset=\"IBM037\"", {mti(), digit(3), digit(5), digit(64)});
+  expectBack(bytes("F0F2F0F0 F2F8F0F0F0F0F0F0F0F0F0F0F0F0F0F1 F1F2F3"));
+  cvtEnd();
+  define("psCharset=\"IBM037\"", {mti(), digit(3), digit(5), digit(7), digit(8), digit(64)});
+  expectBack(bytes("F0F2F0F0 F2C2F0F0F0F0F0F0F0F0F0F0F0F0F0F1 F1F2F3F4F5"));
+  EXPECT_EQ(parse("M", bytes("F0F2F0F0 F282F0F0F0F0F0F0F0F0F0F0F0F0F0F1 F1F2F3F4F5")), nullptr);
+}
+
 TEST_F(Message, BitmapsFollowWhenABitSaysSo) {
   define("nBitmaps=\"3\"", {mti(), digit(2), digit(70), digit(130)});
   expectBack("0200" + bitmap({2}) + "1");
