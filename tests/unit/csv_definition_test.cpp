@@ -247,4 +247,42 @@ TEST(CsvDefinitionRecords, WithoutACsvMsgItsDefaultsHold) {
   EXPECT_EQ(pass("M", "1,\"a,b\"\n"), "1,\"a,b\"\n");
 }
 
+void *writeMsg(void *ptRecord, void *ptElement, char *, char *psType) {
+  return sttGenXmlMsg(static_cast<Msg *>(ptRecord), ptElement, psType);
+}
+
+// Outside of a file being read, writing uses the global chain: the format's own is put there.
+void useChainOf(const std::string &sFormat) {
+  for (const SttInfo *pt = gptSttInfo; pt != nullptr; pt = pt->ptNext) {
+    if (sFormat != pt->psTypeName) continue;
+    for (const FuncList *ptPair = pt->ptVoidFunction; ptPair != nullptr; ptPair = ptPair->ptNext) {
+      sttAddFuncVoid(ptPair->fpParse, ptPair->fpGen);
+    }
+  }
+}
+
+TEST(CsvDefinitionRecords, WhatIsWrittenToXmlIsTheSameDefinition) {
+  CsvConfig config("nWriteBack=\"1\"");
+  config.message(
+      "M", "psSeparator=\"&#9;\" psQuote=\"\" psEscape=\"\\\" psLineEnd=\"crlf\"",
+      {record("A", "psTag=\"A\" nMandatory=\"1\"", {field("B", "nLen=\"3\" psPad=\".\""), field("K")}),
+       record("L", "psTag=\"L\"",
+              {field("C", "psConst=\"&lt;1\""),
+               group("G", "psKind=\"choice\" psSelect=\"C\"", {field("D", "psWhen=\"&lt;1\"")})})});
+  ASSERT_EQ(config.start(), 0) << told();
+  const std::string s = "A\tb..k\r\nL\t<1\t2\\n\r\n";
+  EXPECT_EQ(pass("M", s), s) << told();
+
+  CsvConfig copy;
+  copy.message("M", "", {field("F")});
+  useChainOf("csv");
+  nGRet = 0;
+  ASSERT_EQ(sttGenXmlFile(copy.arg("msg/M.xml"), cvtGetMsg(test::cs("M")), test::cs("csv"), test::cs("Msg"),
+                          reinterpret_cast<void *>(&writeMsg)),
+            0)
+      << told();
+  ASSERT_EQ(copy.start(), 0) << told();
+  EXPECT_EQ(pass("M", s), s) << told();
+}
+
 }  // namespace
