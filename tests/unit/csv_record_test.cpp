@@ -336,7 +336,9 @@ TEST_F(CsvRecords, FixedFieldsAreFilledOrRefused) {
   EXPECT_EQ(generate(text), "{1500}30éé  x");
   set(text, "Version", "");
   EXPECT_EQ(generate(text), "failed");
-  EXPECT_TRUE(told("Field[Head.User] Offset[6]: expected 2 characters, found 0, \"\". Fill it, or write psPad.")) << told();
+  EXPECT_TRUE(
+      told("Field[Head.User] Offset[6]: expected 2 characters, found 0, \"\". Fill it, or write psPad."))
+      << told();
   set(text, "Version", "3");
   EXPECT_EQ(generate(text), "failed");
   EXPECT_TRUE(
