@@ -195,6 +195,8 @@ TEST(KitNumber, BcdMayHaveItsMinusInFront) {
   EXPECT_EQ(read(front, hex("D1D3")), "!1");
   char bytes[2];
   EXPECT_STREQ(cvt::kit::writeNumber(front, "-1234", bytes, 2).expected, "no more digits than the field has");
+  const NumberSpec behind = make(NumberForm::Bcd, NumberSign::Trailing);
+  EXPECT_STREQ(cvt::kit::writeNumber(behind, "-0", bytes, 2).expected, "a number that is not negative");
 }
 
 TEST(KitNumber, ZonedAsciiCarriesTheSignInTheFirstOrLastDigit) {

@@ -452,7 +452,8 @@ NumberResult writeNumber(const NumberSpec &spec, std::string_view value, char *o
   Digits number;
   NumberResult result = scan(value, spec.decimals, number);
   if (result.expected != nullptr) return result;
-  if (number.negative && spec.sign == NumberSign::None) return wrong(kUnsigned, 0);
+  const bool unsignedForm = spec.form == NumberForm::Bcd && !signInFront(spec);
+  if (number.negative && (spec.sign == NumberSign::None || unsignedForm)) return wrong(kUnsigned, 0);
   // A minus in front takes the place of a digit.
   const int taken = number.negative && signInFront(spec) ? 1 : 0;
   if (!isBinary(spec.form) && number.count + taken > digitsOf(spec, bytes)) return wrong(kTooLong, 0);
