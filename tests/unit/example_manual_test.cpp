@@ -16,7 +16,8 @@ TEST(ExampleManual, HasTheTableOfEveryRecordAsThePluginReadsItAndAnExampleOfEver
     const std::string table = cvt::kit::markdownTable(*type);
     EXPECT_NE(manual.find(table), std::string::npos) << type->name << " should have this table:\n" << table;
     for (const cvt::kit::Attribute &row : type->attributes) {
-      EXPECT_NE(manual.find(std::string(row.name) + "=\""), std::string::npos) << type->name << "." << row.name;
+      EXPECT_NE(manual.find(std::string(row.name) + "=\""), std::string::npos)
+          << type->name << "." << row.name;
     }
   }
 }
