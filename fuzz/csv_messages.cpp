@@ -9,17 +9,18 @@ namespace {
 using namespace test::csvtext;
 
 void add(fuzz::Configuration &config, const std::string &name, const std::string &attributes,
-         const std::vector<CsvNode> &nodes) {
+         const std::vector<FormatNode> &nodes) {
   config.file("Message/" + name + ".xml", "<csv><Msg psMsgName=\"" + name + "\"><CsvMsg __ID=\"pInfo\" " +
                                               attributes + "/>" + chain(nodes, "ptHead") + "</Msg></csv>");
 }
 
-const CsvNode kLast = field("LastLine", "psKind=\"end\"");
+const FormatNode kLast = field("LastLine", "psKind=\"end\"");
 
 void addTables(fuzz::Configuration &config) {
-  const std::vector<CsvNode> columns = {field("A"), field("B", "nKeepEmpty=\"2\""),
-                                        group("G", "", {field("C", "nMaxLen=\"9\" psQuoting=\"always\"")})};
-  const std::vector<CsvNode> table = {rows(columns), kLast};
+  const std::vector<FormatNode> columns = {
+      field("A"), field("B", "nKeepEmpty=\"2\""),
+      group("G", "", {field("C", "nMaxLen=\"9\" psQuoting=\"always\"")})};
+  const std::vector<FormatNode> table = {rows(columns), kLast};
   add(config, "Names", "psHeader=\"names\" psUnknown=\"skip\" nShort=\"1\" nMaxColumns=\"9\"", table);
   add(config, "Notes",
       "psLineEnd=\"any\" psComment=\"#\" psBlankLines=\"skip\" psInnerQuote=\"keep\" "

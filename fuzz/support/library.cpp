@@ -106,11 +106,16 @@ Message parse(std::string name, std::string format, std::string &bytes) {
 }
 
 std::optional<std::string> generate(InnerMessage &message, size_t room) {
-  std::string buffer(room, '\0');
+  // One block of exactly that size for all messages: to make a new one takes longer than to write into it.
+  static std::unique_ptr<char[]> buffer;
+  static size_t size = 0;
+  if (size != room) {
+    buffer = std::make_unique<char[]>(room);
+    size = room;
+  }
   int length = static_cast<int>(room);
-  if (cvtGenMessage(&message, buffer.data(), &length) != 0) return std::nullopt;
-  buffer.resize(static_cast<size_t>(length));
-  return buffer;
+  if (cvtGenMessage(&message, buffer.get(), &length) != 0) return std::nullopt;
+  return std::string(buffer.get(), static_cast<size_t>(length));
 }
 
 Message create(std::string name) {

@@ -20,15 +20,15 @@ std::string orderDefinition() {
     return field(psName, std::string("nTag=\"1\" psConst=\"") + psTag + "\"");
   };
   const std::string sAmount = "psType=\"number\" nDecimals=\"2\" nPoint=\"1\" psPad=\" \"";
-  const FixNode head = record("Head", "",
-                              {tag("HeadTag", "H"), field("OrderId", "nLen=\"8\" psType=\"number\""),
-                               field("Customer", "nLen=\"20\""), field("Kind", "nLen=\"1\"")});
-  const FixNode item =
+  const FormatNode head = record("Head", "",
+                                 {tag("HeadTag", "H"), field("OrderId", "nLen=\"8\" psType=\"number\""),
+                                  field("Customer", "nLen=\"20\""), field("Kind", "nLen=\"1\"")});
+  const FormatNode item =
       record("Item", "",
              {tag("ItemTag", "I"), field("Article", "nLen=\"8\""), field("Amount", "nLen=\"10\" " + sAmount),
               field("LotCount", "nLen=\"1\" psType=\"number\""),
               loop("Lots", "", {field("Lot", "nLen=\"4\"")}, "LotCount")});
-  const FixNode tail = record("Tail", "", {tag("TailTag", "T"), field("Total", "nLen=\"12\" " + sAmount)});
+  const FormatNode tail = record("Tail", "", {tag("TailTag", "T"), field("Total", "nLen=\"12\" " + sAmount)});
   return "<fix><Msg psMsgName=\"Order\">" +
          chain({head, loop("Items", "psUntil=\"tag\"", {item}), tail}, "ptHead") +
          "<FixMsg __ID=\"pInfo\" psSeparator=\"lf\" nWhole=\"1\"/></Msg></fix>";
@@ -42,9 +42,9 @@ std::string invoiceDefinition() {
   const auto attribute = [](const char *psNode, const char *psName) {
     return field(psNode, std::string("psKind=\"attribute\" psName=\"") + psName + "\"");
   };
-  const XmlNode lots = loop("InvoiceLots", "psName=\"lot\"", "", {attribute("No", "no")});
-  const XmlNode lines = loop("Lines", "psName=\"line\"", "",
-                             {attribute("LineArticle", "article"), text("LineAmount", "amount"), lots});
+  const FormatNode lots = loop("InvoiceLots", "psName=\"lot\"", "", {attribute("No", "no")});
+  const FormatNode lines = loop("Lines", "psName=\"line\"", "",
+                                {attribute("LineArticle", "article"), text("LineAmount", "amount"), lots});
   return "<xml><Msg psMsgName=\"Invoice\"><XmlMsg __ID=\"pInfo\" psRoot=\"invoice\" nDeclaration=\"0\"/>" +
          chain(
              {attribute("Id", "id"), text("Buyer", "customer"), text("Sort", "kind"), text("Label", "label"),

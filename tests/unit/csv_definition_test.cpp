@@ -10,7 +10,7 @@ using namespace test::csvtext;
 struct Mistake {
   const char *sCase;
   std::string sAttributes;
-  std::vector<CsvNode> nodes;
+  std::vector<FormatNode> nodes;
   std::string sLine;
 };
 
@@ -28,10 +28,10 @@ TEST_P(CsvDefinition, IsRefusedWithThePlaceAndTheWayOut) {
   EXPECT_TRUE(told("msg/M.xml:")) << told();
 }
 
-const std::vector<CsvNode> kPlain = {field("A")};
-const std::vector<CsvNode> kTagged = {record("R", "psTag=\"R\"", {field("A")})};
+const std::vector<FormatNode> kPlain = {field("A")};
+const std::vector<FormatNode> kTagged = {record("R", "psTag=\"R\"", {field("A")})};
 
-std::vector<CsvNode> inRecord(const std::vector<CsvNode> &nodes) {
+std::vector<FormatNode> inRecord(const std::vector<FormatNode> &nodes) {
   return {record("R", "psTag=\"R\"", nodes)};
 }
 

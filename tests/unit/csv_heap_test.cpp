@@ -14,7 +14,8 @@ class CsvHeap : public testing::Test {
  protected:
   void SetUp() override {
     if (HEAP_COUNT_WORKS == 0) GTEST_SKIP() << "the sanitizer's allocator stands before the counting one";
-    const std::vector<CsvNode> nodes = {rows(fields({"A", "B", "C"})), field("Break", "psKind=\"line-end\"")};
+    const std::vector<FormatNode> nodes = {rows(fields({"A", "B", "C"})),
+                                           field("Break", "psKind=\"line-end\"")};
     m_config.message("Utf8", "psHeader=\"names\" psLineEnd=\"any\"", nodes);
     m_config.message("Gbk", "psHeader=\"names\" psLineEnd=\"any\" psCharset=\"GB18030\"", nodes);
     m_config.message(

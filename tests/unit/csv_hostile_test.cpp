@@ -17,9 +17,9 @@ struct Dialect {
 class CsvHostile : public testing::Test {
  protected:
   void SetUp() override {
-    const std::vector<CsvNode> columns = {field("A", "nMandatory=\"1\""), field("B", "nKeepEmpty=\"2\""),
-                                          field("C", "nMaxLen=\"6\" psQuoting=\"always\"")};
-    const CsvNode last = field("Last", "psKind=\"end\"");
+    const std::vector<FormatNode> columns = {field("A", "nMandatory=\"1\""), field("B", "nKeepEmpty=\"2\""),
+                                             field("C", "nMaxLen=\"6\" psQuoting=\"always\"")};
+    const FormatNode last = field("Last", "psKind=\"end\"");
     add("Table", "psHeader=\"names\" psLineEnd=\"any\" psComment=\"#\"",
         {rows(columns), last, field("Break", "psKind=\"line-end\"")},
         "A,B,C\r\n1,\"\",\"x\"\r\n\"a,\"\"b\r\n\",é,\"\"\r\n\"#\",中,\"2\"");
@@ -54,7 +54,7 @@ class CsvHostile : public testing::Test {
     ASSERT_EQ(m_config.start(), 0) << told();
   }
 
-  void add(const std::string &sName, const std::string &sAttributes, const std::vector<CsvNode> &nodes,
+  void add(const std::string &sName, const std::string &sAttributes, const std::vector<FormatNode> &nodes,
            const std::string &sGood) {
     m_config.message(sName, sAttributes, nodes);
     m_dialects.push_back({sName, sGood});

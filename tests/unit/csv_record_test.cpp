@@ -24,7 +24,7 @@ class CsvRecords : public testing::Test {
 };
 
 // A file head, batches of items with notes of their own, a tail.
-std::vector<CsvNode> batches() {
+std::vector<FormatNode> batches() {
   return {record("Head", "psTag=\"H\" nMandatory=\"1\"", fields({"Sender", "Date"})),
           loop("Batches", "CsvRecord", "psTag=\"B\"", "nMax=\"3\"",
                {field("Name"),
@@ -195,7 +195,7 @@ TEST_F(CsvRecords, ARestTakesTheSeparatorsToo) {
 // --- End marks and continued records
 // -------------------------------------------------------------------------------
 
-std::vector<CsvNode> continued() {
+std::vector<FormatNode> continued() {
   return {record("A", "psTag=\"01\" nMandatory=\"1\"",
                  {field("F"), field("G"), field("H"), field("Wraps", "psKind=\"wraps\"")}),
           loop("B", "CsvRecord", "psTag=\"02\"", "", {loop("Texts", "CsvField", "psKind=\"rest\"", "", {})})};
@@ -270,7 +270,7 @@ TEST_F(CsvRecords, MayStandInOneLine) {
 // --- Brace tags
 // ---------------------------------------------------------------------------------------------------
 
-std::vector<CsvNode> braces() {
+std::vector<FormatNode> braces() {
   return {record("Head", "psTag=\"1500\" nMandatory=\"1\"",
                  {field("Version", "nLen=\"2\""), field("User", "nLen=\"4\" psPad=\" \""),
                   field("Code", "nLen=\"1\"")}),

@@ -28,7 +28,7 @@ std::string faultOf(const Record &message) {
 
 class OneMessage {
  public:
-  explicit OneMessage(const std::vector<FixNode> &nodes, const std::string &sMessage = "nWhole=\"1\"") {
+  explicit OneMessage(const std::vector<FormatNode> &nodes, const std::string &sMessage = "nWhole=\"1\"") {
     m_config.message("M", sMessage, nodes);
     EXPECT_EQ(m_config.start(), 0) << told();
   }
@@ -40,13 +40,13 @@ class OneMessage {
   FixConfig m_config;
 };
 
-FixNode member(const std::string &sName, const std::string &sWhen, const std::string &sField) {
+FormatNode member(const std::string &sName, const std::string &sWhen, const std::string &sField) {
   return group(sName, "FixGroup " + (sWhen.empty() ? "" : "psWhen=\"" + sWhen + "\""),
                {field(sName + "X", sField)});
 }
 
-const FixNode kKind = field("Kind", "nLen=\"2\"");
-const FixNode kByKind =
+const FormatNode kKind = field("Kind", "nLen=\"2\"");
+const FormatNode kByKind =
     group("Any", "FixGroup psKind=\"choice\" psBy=\"Kind\"",
           {member("A", "A|AA", "nLen=\"1\""), member("N", "N", "nLen=\"3\" psType=\"number\"")});
 
@@ -111,9 +111,9 @@ TEST(FixChoice, ValueDecidesWhatIsGenerated) {
 }
 
 TEST(FixChoice, ValueStandsInAnEnclosingRecordOrLevel) {
-  const FixNode detail = record("Detail", "", {field("DTag", "psConst=\"D\" nTag=\"1\""), kByKind});
-  const FixNode inner = loop("Details", "psUntil=\"tag\"", {loop("Twice", "nCount=\"1\"", {detail})});
-  const FixNode head = record("Head", "", {field("HTag", "psConst=\"H\" nTag=\"1\""), kKind});
+  const FormatNode detail = record("Detail", "", {field("DTag", "psConst=\"D\" nTag=\"1\""), kByKind});
+  const FormatNode inner = loop("Details", "psUntil=\"tag\"", {loop("Twice", "nCount=\"1\"", {detail})});
+  const FormatNode head = record("Head", "", {field("HTag", "psConst=\"H\" nTag=\"1\""), kKind});
   const OneMessage m({loop("Parts", "psUntil=\"tag\"", {head, inner})}, "psSeparator=\"lf\" nWhole=\"1\"");
   expectSame("HA \nDx\nDy\nHN \nD001\nHQ \n");
   EXPECT_EQ(faultOf("HA \nHN \nDx\n"),
@@ -122,8 +122,8 @@ TEST(FixChoice, ValueStandsInAnEnclosingRecordOrLevel) {
 }
 
 TEST(FixChoice, NearestFieldOfTheNameCounts) {
-  const FixNode any = group("Any", "FixGroup psKind=\"choice\" psBy=\"Kind\"",
-                            {member("A", "A", "nLen=\"1\""), member("N", "N", "nLen=\"3\"")});
+  const FormatNode any = group("Any", "FixGroup psKind=\"choice\" psBy=\"Kind\"",
+                               {member("A", "A", "nLen=\"1\""), member("N", "N", "nLen=\"3\"")});
   const OneMessage m({kKind, loop("L", "psUntil=\"end\"", {field("Kind", "nLen=\"1\""), any})});
   expectSame("N AxN001");
 }

@@ -8,15 +8,15 @@ using namespace test::fix;
 
 namespace {
 
-const FixNode kLen = field("Len", "nLen=\"2\" psType=\"number\"");
-const FixNode kVar = field("Var", "psLenField=\"Len\"");
-const FixNode kKind = field("Kind", "nLen=\"1\"");
+const FormatNode kLen = field("Len", "nLen=\"2\" psType=\"number\"");
+const FormatNode kVar = field("Var", "psLenField=\"Len\"");
+const FormatNode kKind = field("Kind", "nLen=\"1\"");
 
-FixNode choice(const std::vector<FixNode> &members, const std::string &sBy = "Kind") {
+FormatNode choice(const std::vector<FormatNode> &members, const std::string &sBy = "Kind") {
   return group("Any", "FixGroup psKind=\"choice\" psBy=\"" + sBy + "\"", members);
 }
 
-FixNode member(const std::string &sName, const std::string &sAttributes) {
+FormatNode member(const std::string &sName, const std::string &sAttributes) {
   return group(sName, "FixGroup " + sAttributes, {field(sName + "X", "nLen=\"1\"")});
 }
 
@@ -91,11 +91,11 @@ TEST(FixDefinitionEnd, RecordLengthIsAFieldOfTheRecord) {
 }
 
 TEST(FixDefinitionEnd, WhatMayBeMissingStandsAtTheEnd) {
-  const FixNode optional = field("O", "nLen=\"1\" nOptional=\"1\"");
-  const FixNode rest = field("Rest", "nRest=\"1\"");
-  expectRefusal(
-      refusal({record("R", "", {optional, kKind})}, "psSeparator=\"lf\""),
-      "Node[R] File[M.xml:2]: expected only optional fields behind an optional one, found Kind. Move it.");
+  const FormatNode optional = field("O", "nLen=\"1\" nOptional=\"1\"");
+  const FormatNode rest = field("Rest", "nRest=\"1\"");
+  expectRefusal(refusal({record("R", "", {optional, kKind})}, "psSeparator=\"lf\""),
+                "Node[R] File[M.xml:2]: expected only optional fields behind an optional one, found "
+                "Kind. Move it.");
   expectRefusal(refusal({record("R", "", {group("G", "", {optional}), kKind})}, "psSeparator=\"lf\""),
                 "expected only optional fields behind an optional one, found Kind");
   expectRefusal(refusal({record("R", "", {rest, optional})}, "psSeparator=\"lf\""),
@@ -131,12 +131,13 @@ TEST(FixDefinitionEnd, LoopsHaveNoOpenEndOfARecordAround) {
   expectRefusal(
       refusal({record("R", "", {loop("L", "nCount=\"2\"", {field("O", "nLen=\"1\" nOptional=\"1\"")})})},
               "psSeparator=\"lf\""),
-      "Node[R.L.O] File[M.xml:2]: expected nOptional and nRest outside of loops, at the end of a record");
+      "Node[R.L.O] File[M.xml:2]: expected nOptional and nRest outside of loops, at the end of a "
+      "record");
   expectRefusal(refusal({loop("L", "nCount=\"2\"", {field("Rest", "nRest=\"1\"")})}), "found them in a loop");
 }
 
 TEST(FixDefinitionEnd, RecordMustSayWhereItEnds) {
-  const FixNode rest = field("Rest", "nRest=\"1\"");
+  const FormatNode rest = field("Rest", "nRest=\"1\"");
   expectRefusal(refusal({record("R", "", {rest})}),
                 "expected a record whose end is known, for nOptional or nRest, found one that is not. Write "
                 "psLenField, or psSeparator.");

@@ -8,8 +8,8 @@ using namespace test::fix;
 
 namespace {
 
-const FixNode kTagged = record("Tagged", "", {field("T", "psConst=\"L\" nTag=\"1\"")});
-const FixNode kUntagged = record("Untagged", "", {field("U", "nLen=\"2\"")});
+const FormatNode kTagged = record("Tagged", "", {field("T", "psConst=\"L\" nTag=\"1\"")});
+const FormatNode kUntagged = record("Untagged", "", {field("U", "nLen=\"2\"")});
 
 }  // namespace
 
@@ -25,29 +25,29 @@ TEST(FixDefinition, WhereAndWhatToWriteIsSaid) {
 }
 
 TEST(FixDefinition, FieldNeedsItsRecord) {
-  const FixNode bare{"F", "<StructAttr __ID=\"ptStructAttr\"/>"};
+  const FormatNode bare{"F", "<StructAttr __ID=\"ptStructAttr\"/>"};
   expectRefusal(refusal({bare}), "Node[F]: expected a FixField, found nothing. Write <FixField");
-  const FixNode wrong{"F", formatAttr("FixGroup", "") + "<StructAttr __ID=\"ptStructAttr\"/>"};
+  const FormatNode wrong{"F", formatAttr("FixGroup", "") + "<StructAttr __ID=\"ptStructAttr\"/>"};
   expectRefusal(refusal({wrong}), "Node[F] File[M.xml:2]: expected a FixField, found FixGroup.");
-  const FixNode other{"F",
-                      "<FormatAttr __ID=\"ptFormAttr\"><LoopType __ID=\"pInfo\"/></FormatAttr><StructAttr "
-                      "__ID=\"ptStructAttr\"/>"};
+  const FormatNode other{"F",
+                         "<FormatAttr __ID=\"ptFormAttr\"><LoopType __ID=\"pInfo\"/></FormatAttr><StructAttr "
+                         "__ID=\"ptStructAttr\"/>"};
   expectRefusal(refusal({other}), "expected a FixField, found a record of another kind.");
 }
 
 TEST(FixDefinition, RecordsStandWhereTheyBelong) {
   expectRefusal(refusal({group("G", "FixField nLen=\"2\"", {field("F", "nLen=\"1\"")})}),
                 "expected a FixRecord or a FixGroup, found FixField");
-  FixNode loopWithGroup = loop("L", "nCount=\"2\"", {field("F", "nLen=\"1\"")});
+  FormatNode loopWithGroup = loop("L", "nCount=\"2\"", {field("F", "nLen=\"1\"")});
   loopWithGroup.sInside = formatAttr("FixGroup", "") + loopWithGroup.sInside;
   expectRefusal(refusal({loopWithGroup}), "expected no FormatAttr on a loop with members, found FixGroup");
-  FixNode wrongLoop{"L",
-                    "<StructAttr __ID=\"ptStructAttr\" nType=\"1\"><LoopType __ID=\"pInfo\"><FixGroup "
-                    "__ID=\"ptInfo\"/></LoopType>" +
-                        chain({field("F", "nLen=\"1\"")}, "ptChildNode") + "</StructAttr>"};
+  FormatNode wrongLoop{"L",
+                       "<StructAttr __ID=\"ptStructAttr\" nType=\"1\"><LoopType __ID=\"pInfo\"><FixGroup "
+                       "__ID=\"ptInfo\"/></LoopType>" +
+                           chain({field("F", "nLen=\"1\"")}, "ptChildNode") + "</StructAttr>"};
   expectRefusal(refusal({wrongLoop}), "expected a FixLoop, found FixGroup");
-  const FixNode inStruct{"G", "<StructAttr __ID=\"ptStructAttr\"><FixGroup __ID=\"pInfo\"/>" +
-                                  chain({field("F", "nLen=\"1\"")}, "ptChildNode") + "</StructAttr>"};
+  const FormatNode inStruct{"G", "<StructAttr __ID=\"ptStructAttr\"><FixGroup __ID=\"pInfo\"/>" +
+                                     chain({field("F", "nLen=\"1\"")}, "ptChildNode") + "</StructAttr>"};
   expectRefusal(refusal({inStruct}), "expected nothing in the StructAttr, found FixGroup");
   expectRefusal(refusal({record("A", "", {record("B", "", {field("F", "nLen=\"1\"")})})}),
                 "Node[A.B] File[M.xml:2]: expected a record outside of other records");
@@ -70,16 +70,16 @@ TEST(FixDefinition, MessageWithoutARecordHasTheDefaults) {
 }
 
 TEST(FixDefinition, CountedNodesAreNotPartOfTheFormat) {
-  const FixNode counted{"C", formatAttr("FixField", "nLen=\"1\"") +
-                                 "<StructAttr __ID=\"ptStructAttr\" nType=\"5\"><LoopType __ID=\"pInfo\" "
-                                 "psLoopNumName=\"N\"/></StructAttr>"};
+  const FormatNode counted{"C", formatAttr("FixField", "nLen=\"1\"") +
+                                    "<StructAttr __ID=\"ptStructAttr\" nType=\"5\"><LoopType __ID=\"pInfo\" "
+                                    "psLoopNumName=\"N\"/></StructAttr>"};
   expectRefusal(refusal({field("N", "nLen=\"1\" psType=\"number\""), counted}),
                 "expected a field, a group or a loop, found a counted node");
 }
 
 TEST(FixDefinition, LoopNeedsALoopType) {
-  const FixNode bare{"L", "<StructAttr __ID=\"ptStructAttr\" nType=\"1\">" +
-                              chain({field("F", "nLen=\"1\"")}, "ptChildNode") + "</StructAttr>"};
+  const FormatNode bare{"L", "<StructAttr __ID=\"ptStructAttr\" nType=\"1\">" +
+                                 chain({field("F", "nLen=\"1\"")}, "ptChildNode") + "</StructAttr>"};
   EXPECT_NE(refusal({bare}), "accepted");
 }
 
@@ -166,15 +166,15 @@ TEST(FixDefinition, WhatMustBeRecognisedNeedsATag) {
   expectRefusal(refusal({record("R", "nOptional=\"1\"", {field("A", "nLen=\"1\"")})}), sTag);
   expectRefusal(refusal({group("G", "FixGroup nOptional=\"1\"", {kUntagged, kTagged})}), sTag);
   expectRefusal(refusal({loop("L", "psUntil=\"tag\"", {kUntagged})}), sTag);
-  const FixNode late =
+  const FormatNode late =
       record("Late", "nOptional=\"1\"",
              {field("V", "nLen=\"2\" psUnit=\"chars\""), field("T", "psConst=\"x\" nTag=\"1\"")});
   expectRefusal(refusal({late}), sTag);
 }
 
 TEST(FixDefinition, LoopEndsInOneWay) {
-  const std::vector<FixNode> body = {field("F", "nLen=\"1\"")};
-  const FixNode count = field("N", "nLen=\"1\" psType=\"number\"");
+  const std::vector<FormatNode> body = {field("F", "nLen=\"1\"")};
+  const FormatNode count = field("N", "nLen=\"1\" psType=\"number\"");
   expectRefusal(refusal({loop("L", "", body)}),
                 "expected one of psLoopNumName, nCount and psUntil, found none");
   expectRefusal(refusal({count, loop("L", "nCount=\"2\"", body, "N")}), "found several");
@@ -191,7 +191,7 @@ TEST(FixDefinition, LoopEndsInOneWay) {
 }
 
 TEST(FixDefinition, CountFieldIsAWholeNumber) {
-  const std::vector<FixNode> body = {field("F", "nLen=\"1\"")};
+  const std::vector<FormatNode> body = {field("F", "nLen=\"1\"")};
   expectRefusal(refusal({field("N", "nLen=\"1\""), loop("L", "", body, "N")}),
                 "expected a count field that is a whole number, found N");
   expectRefusal(
@@ -202,7 +202,7 @@ TEST(FixDefinition, CountFieldIsAWholeNumber) {
 }
 
 TEST(FixDefinition, TypeEndIsForTheLastNode) {
-  const FixNode end = field("E", "psType=\"end\"");
+  const FormatNode end = field("E", "psType=\"end\"");
   expectRefusal(refusal({end, field("F", "nLen=\"1\"")}),
                 "expected psType end on the last node of the message");
   expectRefusal(refusal({end}), "expected psType end on the last node of the message");
@@ -267,7 +267,7 @@ void useChainOf(const std::string &sFormat) {
   }
 }
 
-const std::vector<FixNode> kAllKinds = {
+const std::vector<FormatNode> kAllKinds = {
     record("R", "nLen=\"3\"", {field("A", "nLen=\"3\" psPad=\"0x00\" psType=\"raw\"")}),
     group("C", "FixGroup psKind=\"choice\" nOptional=\"1\"", {kTagged}),
     record("N", "", {field("B", "nLen=\"2\" psType=\"packed\" psSign=\"trailing\" nDecimals=\"2\"")})};

@@ -12,8 +12,8 @@ using namespace test::fix;
 namespace {
 
 // A message with something of everything.
-std::vector<FixNode> everything() {
-  const FixNode head =
+std::vector<FormatNode> everything() {
+  const FormatNode head =
       record("Head", "",
              {field("HeadTag", "psConst=\"H\" nTag=\"1\""), field("Name", "nLen=\"6\" psCharset=\"GB18030\""),
               field("Wide", "nLen=\"3\" psUnit=\"chars\""), field("Date", "nLen=\"4\" psType=\"bcd\""),
@@ -22,23 +22,23 @@ std::vector<FixNode> everything() {
                     "psSign=\"leading\" psPlus=\"blank\""),
               field("Blank", "nLen=\"3\" psType=\"number\" psBlank=\"allowed\""),
               field("Code", "nLen=\"2\" psValues=\"AA|B|\"")});
-  const FixNode inner = loop("Inner", "",
-                             {field("X", "nLen=\"1\" psCharset=\"IBM037\" psControl=\"kept\""),
-                              field("Y", "nLen=\"1\" psType=\"raw\"")},
-                             "InnerCount");
-  const FixNode items = loop(
+  const FormatNode inner = loop("Inner", "",
+                                {field("X", "nLen=\"1\" psCharset=\"IBM037\" psControl=\"kept\""),
+                                 field("Y", "nLen=\"1\" psType=\"raw\"")},
+                                "InnerCount");
+  const FormatNode items = loop(
       "Items", "", {field("Sku", "nLen=\"2\""), field("InnerCount", "nLen=\"1\" psType=\"packed\""), inner},
       "ItemCount");
-  const FixNode room =
+  const FormatNode room =
       loop("Room", "nRoom=\"2\" psPad=\"0x00\"",
            {field("Z", "nLen=\"2\" psType=\"zoned-overpunch\" psSign=\"trailing\"")}, "RoomCount");
-  const FixNode body = record("Body", "psSeparator=\"none\"",
-                              {field("BodyTag", "psConst=\"B\" nTag=\"1\""),
-                               field("ItemCount", "nLen=\"2\" psType=\"binary\" psSign=\"trailing\""), items,
-                               field("RoomCount", "nLen=\"1\" psType=\"number\""), room});
-  const FixNode note =
+  const FormatNode body = record("Body", "psSeparator=\"none\"",
+                                 {field("BodyTag", "psConst=\"B\" nTag=\"1\""),
+                                  field("ItemCount", "nLen=\"2\" psType=\"binary\" psSign=\"trailing\""),
+                                  items, field("RoomCount", "nLen=\"1\" psType=\"number\""), room});
+  const FormatNode note =
       record("Note", "", {field("NoteTag", "psConst=\"N\" nTag=\"1\""), field("Text", "nLen=\"4\"")});
-  const FixNode flag = record("Flag", "", {field("FlagTag", "nLen=\"1\" psValues=\"F|G\" nTag=\"1\"")});
+  const FormatNode flag = record("Flag", "", {field("FlagTag", "nLen=\"1\" psValues=\"F|G\" nTag=\"1\"")});
   return {head, loop("Bodies", "psUntil=\"tag\" nMax=\"3\"", {body}),
           loop("Notes", "psUntil=\"end\"", {group("Any", "FixGroup psKind=\"choice\"", {note, flag})}),
           field("End", "psType=\"end\"")};

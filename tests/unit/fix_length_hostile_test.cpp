@@ -11,13 +11,13 @@ using namespace std::string_literals;
 
 namespace {
 
-FixNode number(const std::string &sName, int nLen, const std::string &sMore = "") {
+FormatNode number(const std::string &sName, int nLen, const std::string &sMore = "") {
   return field(sName, "nLen=\"" + std::to_string(nLen) + "\" psType=\"number\" " + sMore);
 }
 
 // Something of everything that has no fixed length.
-std::vector<FixNode> everything() {
-  const FixNode head =
+std::vector<FormatNode> everything() {
+  const FormatNode head =
       record("Head", "psLenField=\"HLen\" psLenCounts=\"all\"",
              {field("HLen", "nLen=\"2\" psType=\"binary\""),
               field("HZero", "nLen=\"2\" psType=\"binary\" psConst=\"0\""), field("Kind", "nLen=\"1\""),
@@ -25,21 +25,22 @@ std::vector<FixNode> everything() {
               field("Name", "psEnd=\"*\" nLen=\"9\" psCharset=\"GB18030\""),
               field("Image", "psType=\"raw\" psLenField=\"ILen\" nLen=\"40\""),
               field("Extra", "nLen=\"2\" nOptional=\"1\""), field("More", "psEnd=\"0x00\" nOptional=\"1\"")});
-  const FixNode inner =
+  const FormatNode inner =
       loop("Inner", "", {number("TLen", 1), field("Text", "psLenField=\"TLen\" psCharset=\"IBM037\"")}, "N");
-  const FixNode detail = record("Detail", "psLenField=\"DLen\"",
-                                {number("DLen", 2), field("DTag", "psConst=\"D\" nTag=\"1\""), number("N", 1),
-                                 inner, loop("Pairs", "psUntil=\"end\"", {field("P", "nLen=\"2\"")})});
-  const FixNode note =
+  const FormatNode detail =
+      record("Detail", "psLenField=\"DLen\"",
+             {number("DLen", 2), field("DTag", "psConst=\"D\" nTag=\"1\""), number("N", 1), inner,
+              loop("Pairs", "psUntil=\"end\"", {field("P", "nLen=\"2\"")})});
+  const FormatNode note =
       record("Note", "psSeparator=\"lf\"",
              {field("NTag", "psConst=\"N\" nTag=\"1\""), field("Rest", "nRest=\"1\" nLen=\"6\"")});
-  const FixNode filled = record(
+  const FormatNode filled = record(
       "Filled", "nLen=\"8\" psPad=\"-\"",
       {field("FTag", "psConst=\"F\" nTag=\"1\""), number("FLen", 1), field("FText", "psLenField=\"FLen\"")});
-  const FixNode byKind = group("ByKind", "FixGroup psKind=\"choice\" psBy=\"Kind\"",
-                               {group("A", "FixGroup psWhen=\"A|a\"", {field("AText", "psEnd=\"*\"")}),
-                                group("B", "FixGroup psWhen=\"B\"", {number("BNumber", 2)}),
-                                group("C", "FixGroup", {field("CText", "nLen=\"1\"")})});
+  const FormatNode byKind = group("ByKind", "FixGroup psKind=\"choice\" psBy=\"Kind\"",
+                                  {group("A", "FixGroup psWhen=\"A|a\"", {field("AText", "psEnd=\"*\"")}),
+                                   group("B", "FixGroup psWhen=\"B\"", {number("BNumber", 2)}),
+                                   group("C", "FixGroup", {field("CText", "nLen=\"1\"")})});
   return {head,
           loop("Parts", "psUntil=\"tag\" nMax=\"5\"",
                {group("Any", "FixGroup psKind=\"choice\"", {detail, note, filled}), byKind}),

@@ -31,7 +31,7 @@ std::string faultOf(const Record &message) {
 
 class OneMessage {
  public:
-  explicit OneMessage(const std::vector<FixNode> &nodes, const std::string &sMessage = "nWhole=\"1\"") {
+  explicit OneMessage(const std::vector<FormatNode> &nodes, const std::string &sMessage = "nWhole=\"1\"") {
     m_config.message("M", sMessage, nodes);
     EXPECT_EQ(m_config.start(), 0) << told();
   }
@@ -43,12 +43,12 @@ class OneMessage {
   FixConfig m_config;
 };
 
-const FixNode kLen = field("Len", "nLen=\"2\" psType=\"number\"");
-const FixNode kName = field("Name", "psLenField=\"Len\"");
-const FixNode kEnd = field("End", "nLen=\"1\"");
+const FormatNode kLen = field("Len", "nLen=\"2\" psType=\"number\"");
+const FormatNode kName = field("Name", "psLenField=\"Len\"");
+const FormatNode kEnd = field("End", "nLen=\"1\"");
 
 // A record with its length in front, of that type.
-FixNode prefixed(const std::string &sLength, const std::string &sRecord = "") {
+FormatNode prefixed(const std::string &sLength, const std::string &sRecord = "") {
   return record("R", "psLenField=\"RLen\" " + sRecord,
                 {field("RLen", sLength), field("A", "nLen=\"2\""), field("Rest", "nRest=\"1\"")});
 }
@@ -307,8 +307,8 @@ TEST(FixLength, RecordDescriptorWordIsALengthAndTwoZeroBytes) {
 }
 
 TEST(FixLength, RecordMustBeFilledExactly) {
-  const FixNode fixed = record("R", "psLenField=\"RLen\"",
-                               {field("RLen", "nLen=\"2\" psType=\"number\""), field("A", "nLen=\"3\"")});
+  const FormatNode fixed = record("R", "psLenField=\"RLen\"",
+                                  {field("RLen", "nLen=\"2\" psType=\"number\""), field("A", "nLen=\"3\"")});
   const OneMessage m({fixed, kEnd});
   expectSame("03abc.");
   EXPECT_EQ(faultOf("04abcd."),
@@ -347,15 +347,15 @@ TEST(FixLength, NothingReadsBeyondItsRecord) {
 }
 
 TEST(FixLength, LenientMessageCutsBlanksBehindTheFields) {
-  const FixNode fixed = record("R", "psLenField=\"RLen\"",
-                               {field("RLen", "nLen=\"2\" psType=\"number\""), field("A", "nLen=\"3\"")});
+  const FormatNode fixed = record("R", "psLenField=\"RLen\"",
+                                  {field("RLen", "nLen=\"2\" psType=\"number\""), field("A", "nLen=\"3\"")});
   const OneMessage m({fixed, kEnd}, "nLenient=\"1\"");
   EXPECT_EQ(generate(parse("M", "06abc   .")), "03abc.");
 }
 
 TEST(FixLength, RecordMayBeFilledUpToItsLength) {
-  const FixNode tagged = group("G", "FixGroup nOptional=\"1\"",
-                               {field("T", "psConst=\"G\" nTag=\"1\""), field("X", "nLen=\"2\"")});
+  const FormatNode tagged = group("G", "FixGroup nOptional=\"1\"",
+                                  {field("T", "psConst=\"G\" nTag=\"1\""), field("X", "nLen=\"2\"")});
   const OneMessage m({record("R", "nLen=\"8\" psPad=\".\"", {field("A", "nLen=\"2\""), tagged}), kEnd});
   expectSame("ab......!");
   expectSame("abGxy...!");

@@ -29,7 +29,7 @@ std::string faultOf(const Record &message) {
 
 class OneMessage {
  public:
-  explicit OneMessage(const std::vector<FixNode> &nodes, const std::string &sMessage = "") {
+  explicit OneMessage(const std::vector<FormatNode> &nodes, const std::string &sMessage = "") {
     m_config.message("M", sMessage, nodes);
     EXPECT_EQ(m_config.start(), 0) << told();
   }
@@ -41,9 +41,9 @@ class OneMessage {
   FixConfig m_config;
 };
 
-const FixNode kCount = field("Count", "nLen=\"2\" psType=\"number\"");
-const std::vector<FixNode> kItem = {field("Code", "nLen=\"2\""),
-                                    field("Qty", "nLen=\"3\" psType=\"number\"")};
+const FormatNode kCount = field("Count", "nLen=\"2\" psType=\"number\"");
+const std::vector<FormatNode> kItem = {field("Code", "nLen=\"2\""),
+                                       field("Qty", "nLen=\"3\" psType=\"number\"")};
 
 }  // namespace
 

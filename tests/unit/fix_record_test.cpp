@@ -7,11 +7,11 @@ using namespace test::fix;
 
 namespace {
 
-const FixNode kHead =
+const FormatNode kHead =
     record("Head", "nLen=\"4\"", {field("HeadTag", "psConst=\"1\" nTag=\"1\""), field("Name", "nLen=\"3\"")});
-const FixNode kNote = record("Note", "nOptional=\"1\"",
-                             {field("NoteTag", "psConst=\"N\" nTag=\"1\""), field("Text", "nLen=\"3\"")});
-const FixNode kTail =
+const FormatNode kNote = record("Note", "nOptional=\"1\"",
+                                {field("NoteTag", "psConst=\"N\" nTag=\"1\""), field("Text", "nLen=\"3\"")});
+const FormatNode kTail =
     record("Tail", "", {field("TailTag", "psConst=\"9\" nTag=\"1\""), field("Sum", "nLen=\"3\"")});
 
 void expectSame(const std::string &sName, const std::string &sBytes) {
@@ -159,10 +159,11 @@ TEST(FixRecord, MandatoryRecordIsWrittenAlsoWhenItIsEmpty) {
 
 TEST(FixRecord, SeveralTagsTellARecord) {
   FixConfig config;
-  const FixNode iat = record("Iat", "",
-                             {field("A", "psConst=\"5\" nTag=\"1\""), field("B", "nLen=\"3\""),
-                              field("C", "psConst=\"IAT\" nTag=\"1\"")});
-  const FixNode any = record("Any", "", {field("D", "psConst=\"5\" nTag=\"1\""), field("E", "nLen=\"6\"")});
+  const FormatNode iat = record("Iat", "",
+                                {field("A", "psConst=\"5\" nTag=\"1\""), field("B", "nLen=\"3\""),
+                                 field("C", "psConst=\"IAT\" nTag=\"1\"")});
+  const FormatNode any =
+      record("Any", "", {field("D", "psConst=\"5\" nTag=\"1\""), field("E", "nLen=\"6\"")});
   config.message("M", "", {group("Batch", "FixGroup psKind=\"choice\"", {iat, any})});
   ASSERT_EQ(config.start(), 0) << told();
   expectSame("M", "5abcIAT");
@@ -222,9 +223,10 @@ TEST(FixRecord, OptionalChoiceMayBeMissing) {
 
 TEST(FixRecord, OptionalGroupStandsForAllOfItsRecords) {
   FixConfig config;
-  const FixNode extra = group("Extra", "FixGroup nOptional=\"1\"",
-                              {record("E1", "", {field("T1", "psConst=\"E\" nTag=\"1\"")}),
-                               record("E2", "", {field("T2", "psConst=\"F\""), field("X", "nLen=\"1\"")})});
+  const FormatNode extra =
+      group("Extra", "FixGroup nOptional=\"1\"",
+            {record("E1", "", {field("T1", "psConst=\"E\" nTag=\"1\"")}),
+             record("E2", "", {field("T2", "psConst=\"F\""), field("X", "nLen=\"1\"")})});
   config.message("M", "psSeparator=\"lf\"", {kHead, extra, kTail});
   ASSERT_EQ(config.start(), 0) << told();
   expectSame("M", "1Ann\n9   \n");

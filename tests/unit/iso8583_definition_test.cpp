@@ -9,7 +9,7 @@ using namespace test::iso;
 namespace {
 
 // The plug-in's line about a definition that does not load.
-std::string refusal(const std::vector<IsoNode> &nodes, const std::string &sMessage = "") {
+std::string refusal(const std::vector<FormatNode> &nodes, const std::string &sMessage = "") {
   test::clearLog();
   IsoConfig config;
   config.message("M", sMessage, nodes);
@@ -119,7 +119,7 @@ TEST(IsoDefinition, FieldsOfBitmapsAndTheRestAreSpecial) {
 }
 
 TEST(IsoDefinition, RecordsStandWhereTheyBelong) {
-  const IsoNode bare{"F", "<StructAttr __ID=\"ptStructAttr\"/>"};
+  const FormatNode bare{"F", "<StructAttr __ID=\"ptStructAttr\"/>"};
   expectTold(refusal({mti(), bare}), "Node[F]: expected an IsoField, found nothing.");
   expectTold(refusal({mti(), group("G", "IsoField", "nNumber=\"2\"", {field("A", "nLen=\"1\"")})}),
              "expected an IsoGroup or an IsoTlv, found IsoField.");
@@ -145,7 +145,7 @@ TEST(IsoDefinition, SubfieldsHaveNoNumbersAndTagsNoPrefix) {
   expectTold(inGroup("nNumber=\"3\" nLen=\"1\""), "Node[G.A] ");
   expectTold(inGroup("psTag=\"82\" nLen=\"1\""),
              "expected a subfield, without psKind, psTag and nNumber, found one with");
-  const auto inTlv = [](const std::vector<IsoNode> &members) {
+  const auto inTlv = [](const std::vector<FormatNode> &members) {
     return refusal({mti(), group("G", "IsoTlv", "nNumber=\"2\" psPrefix=\"LL\"", members)});
   };
   expectTold(inTlv({field("A", "nLen=\"1\"")}), "expected psTag, or psKind others or order, found neither.");
@@ -161,7 +161,7 @@ TEST(IsoDefinition, SubfieldsHaveNoNumbersAndTagsNoPrefix) {
              "expected one such field");
   expectTold(inTlv({field("A", "psKind=\"value\"")}),
              "expected psTag, or psKind others or order, found neither.");
-  const auto inLoop = [](const std::vector<IsoNode> &members) {
+  const auto inLoop = [](const std::vector<FormatNode> &members) {
     return refusal({mti(), loop("L", "IsoTlv", "nNumber=\"2\" psPrefix=\"LL\"", "", members)});
   };
   expectTold(inLoop({field("A", "psTag=\"82\"")}),

@@ -9,7 +9,7 @@ namespace {
 
 class Group : public testing::Test {
  protected:
-  void define(const IsoNode &node) {
+  void define(const FormatNode &node) {
     m_config.message("M", "nWhole=\"1\"", {mti(), node, field("Last", "nNumber=\"60\" nLen=\"1\"")});
     ASSERT_EQ(m_config.start(), 0) << told();
   }
@@ -48,9 +48,9 @@ class Group : public testing::Test {
   IsoConfig m_config;
 };
 
-const std::vector<IsoNode> kParts = {field("A", "nLen=\"3\" nTrim=\"1\""),
-                                     field("B", "psType=\"n\" psPrefix=\"L\""),
-                                     field("C", "psType=\"n\" nLen=\"2\"")};
+const std::vector<FormatNode> kParts = {field("A", "nLen=\"3\" nTrim=\"1\""),
+                                        field("B", "psType=\"n\" psPrefix=\"L\""),
+                                        field("C", "psType=\"n\" nLen=\"2\"")};
 
 TEST_F(Group, SubfieldsOfAFixedElementFillIt) {
   define(group("G", "IsoGroup", "nNumber=\"43\" nLen=\"8\"", kParts));
@@ -131,7 +131,7 @@ TEST_F(Group, ALoopRepeatsItsSubfieldsToTheEndOfTheElement) {
 }
 
 TEST_F(Group, ALoopMayBeThereWithoutRepetitions) {
-  const IsoNode notes = loop("Notes", "IsoGroup", "psPrefix=\"L\"", "", {field("Note", "psPrefix=\"L\"")});
+  const FormatNode notes = loop("Notes", "IsoGroup", "psPrefix=\"L\"", "", {field("Note", "psPrefix=\"L\"")});
   define(loop("G", "IsoGroup", "nNumber=\"43\" psPrefix=\"LL\"", "", {field("A", "nLen=\"1\""), notes}));
   for (const char *const psContent : {"00", "02A0",
                                       "07A0B3"

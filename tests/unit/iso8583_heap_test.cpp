@@ -13,7 +13,7 @@ const std::string kSamples = CVT2_SOURCE_DIR "/src/cvt/plug/iso8583/samples/";
 // Reads and writes the bytes as a message of that type, without the lines that the test's log would keep.
 int goAround(const char *psName, std::string &sBytes, std::vector<char> &room) {
   int nError = 0;
-  InnerMessage *ptMsg = cvtNewMessage(test::cs(psName), test::cs("iso"), &nError);
+  InnerMessage *ptMsg = cvtNewMessage(test::cs(psName), test::cs("iso8583"), &nError);
   int nUsed = 0;
   int nWritten = 0;
   Msg *ptDefinition = ptMsg->ptMsgInfo;

@@ -7,19 +7,19 @@ using namespace test::iso;
 
 namespace {
 
-IsoNode digit(int n, const std::string &sMore = "") {
+FormatNode digit(int n, const std::string &sMore = "") {
   return field("De" + std::to_string(n),
                "nNumber=\"" + std::to_string(n) + "\" psType=\"n\" nLen=\"1\" " + sMore);
 }
 
-IsoNode variable(int n, const std::string &sMore = "") {
+FormatNode variable(int n, const std::string &sMore = "") {
   return field("De" + std::to_string(n),
                "nNumber=\"" + std::to_string(n) + "\" psType=\"ans\" psPrefix=\"L\" " + sMore);
 }
 
 class Message : public testing::Test {
  protected:
-  void define(const std::string &sAttributes, const std::vector<IsoNode> &nodes) {
+  void define(const std::string &sAttributes, const std::vector<FormatNode> &nodes) {
     m_config.message("M", sAttributes, nodes);
     ASSERT_EQ(m_config.start(), 0) << told();
   }

@@ -9,7 +9,7 @@ namespace {
 
 class Tlv : public testing::Test {
  protected:
-  void define(const std::vector<IsoNode> &members, const std::string &sGroup = "") {
+  void define(const std::vector<FormatNode> &members, const std::string &sGroup = "") {
     m_config.message(
         "M", "nWhole=\"1\"",
         {mti(), group("G", "IsoTlv", "nNumber=\"55\" psPrefix=\"LLL\" psPrefixCoding=\"binary\" " + sGroup,
@@ -55,12 +55,12 @@ class Tlv : public testing::Test {
   IsoConfig m_config;
 };
 
-const IsoNode kAmount = field("Amount", "psTag=\"9F02\" psType=\"n\" psCoding=\"bcd\" nLen=\"12\"");
-const IsoNode kCountry = field("Country", "psTag=\"9F1A\" psType=\"n\" psCoding=\"bcd\" nLen=\"3\"");
-const IsoNode kSerial = field("Serial", "psTag=\"9F1E\" psType=\"an\" nMaxLen=\"8\"");
-const IsoNode kTvr = field("Tvr", "psTag=\"95\" psType=\"b\" nMaxLen=\"70000\"");
-const IsoNode kOthers = field("Others", "psKind=\"others\"");
-const IsoNode kOrder = field("Order", "psKind=\"order\"");
+const FormatNode kAmount = field("Amount", "psTag=\"9F02\" psType=\"n\" psCoding=\"bcd\" nLen=\"12\"");
+const FormatNode kCountry = field("Country", "psTag=\"9F1A\" psType=\"n\" psCoding=\"bcd\" nLen=\"3\"");
+const FormatNode kSerial = field("Serial", "psTag=\"9F1E\" psType=\"an\" nMaxLen=\"8\"");
+const FormatNode kTvr = field("Tvr", "psTag=\"95\" psType=\"b\" nMaxLen=\"70000\"");
+const FormatNode kOthers = field("Others", "psKind=\"others\"");
+const FormatNode kOrder = field("Order", "psKind=\"order\"");
 
 TEST_F(Tlv, KnownTagsAreFields) {
   define({kAmount, kCountry, kSerial, kTvr});

@@ -10,7 +10,7 @@ using namespace test::json;
 struct Mistake {
   const char *sCase;
   std::string sAttributes;
-  std::vector<JsonNode> nodes;
+  std::vector<FormatNode> nodes;
   std::string sLine;
 };
 
@@ -28,13 +28,13 @@ TEST_P(JsonDefinition, IsRefusedWithThePlaceAndTheWayOut) {
   EXPECT_TRUE(told("msg/M.xml:")) << told();
 }
 
-const std::vector<JsonNode> kPlain = {field("A")};
+const std::vector<FormatNode> kPlain = {field("A")};
 
-JsonNode nested(int nDepth) {
+FormatNode nested(int nDepth) {
   return nDepth == 0 ? field("F") : group("G", "", {nested(nDepth - 1)});
 }
 
-JsonNode members(const std::vector<JsonNode> &body, const std::string &sValue = "") {
+FormatNode members(const std::vector<FormatNode> &body, const std::string &sValue = "") {
   return loop("L", sValue, "psForm=\"members\"", body);
 }
 
@@ -197,7 +197,7 @@ TEST(JsonDefinitions, WithoutAnyRecordANodeIsAMemberOfItsOwnName) {
       "psNodeName=\"B\"><StructAttr __ID=\"ptStructAttr\"/></Message></StructAttr></Message></Msg></json>");
   ASSERT_EQ(config.start(), 0) << told();
   const std::string s = "{\"A\":\"1\",\"L\":[{\"B\":\"2\"},{}]}";
-  EXPECT_EQ(through("M", s), s) << told();
+  EXPECT_EQ(pass("M", s), s) << told();
 }
 
 TEST(JsonDefinitions, ADefinitionAsDeepAsItsLimitIsAccepted) {
@@ -205,7 +205,7 @@ TEST(JsonDefinitions, ADefinitionAsDeepAsItsLimitIsAccepted) {
   config.message("M", "nMaxDepth=\"4\"", {nested(3)});
   ASSERT_EQ(config.start(), 0) << told();
   const std::string s = "{\"G\":{\"G\":{\"G\":{\"F\":\"1\"}}}}";
-  EXPECT_EQ(through("M", s), s) << told();
+  EXPECT_EQ(pass("M", s), s) << told();
 }
 
 }  // namespace

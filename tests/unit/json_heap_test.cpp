@@ -14,7 +14,7 @@ class JsonHeap : public testing::Test {
  protected:
   void SetUp() override {
     if (HEAP_COUNT_WORKS == 0) GTEST_SKIP() << "the sanitizer's allocator stands before the counting one";
-    const std::vector<JsonNode> nodes = {
+    const std::vector<FormatNode> nodes = {
         field("Id", "psType=\"number\""),
         loop("Items", "", "",
              {field("Sku"), field("Text"), loop("Notes", "", "", {}), field("More", "psKind=\"others\"")}),

@@ -10,17 +10,17 @@ using namespace test::json;
 // One definition M, and texts that go through it.
 class Json : public testing::Test {
  protected:
-  void define(const std::string &sAttributes, const std::vector<JsonNode> &nodes) {
+  void define(const std::string &sAttributes, const std::vector<FormatNode> &nodes) {
     m_config.message("M", sAttributes, nodes);
     ASSERT_EQ(m_config.start(), 0) << told();
     test::clearLog();
   }
   void same(const std::string &s) {
-    EXPECT_EQ(through("M", s), s) << told();
+    EXPECT_EQ(pass("M", s), s) << told();
     test::clearLog();
   }
   void becomes(const std::string &s, const std::string &sWritten) {
-    EXPECT_EQ(through("M", s), sWritten) << told();
+    EXPECT_EQ(pass("M", s), sWritten) << told();
     test::clearLog();
   }
   void refused(const std::string &s, const std::string &sLine) {

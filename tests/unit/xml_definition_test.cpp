@@ -8,7 +8,7 @@ using namespace test::xmldoc;
 
 // A definition that must be refused, and a part of the line that says why.
 // <NAME n="NUMBER">text</NAME>
-XmlNode element(const std::string &node, const std::string &name, const std::string &number) {
+FormatNode element(const std::string &node, const std::string &name, const std::string &number) {
   return group(node, "psName=\"" + name + "\"",
                {field(node + "Number", "psKind=\"attribute\" psName=\"n\" psConst=\"" + number + "\""),
                 field(node + "Value", "psKind=\"text\" nKeepEmpty=\"2\"")});
@@ -17,7 +17,7 @@ XmlNode element(const std::string &node, const std::string &name, const std::str
 struct Mistake {
   const char *sCase;
   std::string sAttributes;
-  std::vector<XmlNode> nodes;
+  std::vector<FormatNode> nodes;
   std::string sLine;
 };
 
@@ -35,9 +35,9 @@ TEST_P(XmlDefinition, IsRefusedWithThePlaceAndTheWayOut) {
   EXPECT_TRUE(told("msg/M.xml:")) << told();
 }
 
-const std::vector<XmlNode> kPlain = {field("A")};
+const std::vector<FormatNode> kPlain = {field("A")};
 
-XmlNode nested(int nDepth) {
+FormatNode nested(int nDepth) {
   return nDepth == 0 ? field("F") : group("G", "", {nested(nDepth - 1)});
 }
 

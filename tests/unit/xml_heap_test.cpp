@@ -14,7 +14,7 @@ class XmlHeap : public testing::Test {
  protected:
   void SetUp() override {
     if (HEAP_COUNT_WORKS == 0) GTEST_SKIP() << "the sanitizer's allocator stands before the counting one";
-    const std::vector<XmlNode> nodes = {
+    const std::vector<FormatNode> nodes = {
         field("Id", "psKind=\"attribute\""),
         loop("Items", "psName=\"item\"", "psWrapper=\"items\"",
              {field("Sku", "psKind=\"attribute\""), field("Text", "psSpace=\"collapse\""),

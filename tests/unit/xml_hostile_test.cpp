@@ -18,7 +18,7 @@ std::string repeated(const std::string &s, size_t n) {
 class XmlHostile : public testing::Test {
  protected:
   void SetUp() override {
-    const std::vector<XmlNode> nodes = {
+    const std::vector<FormatNode> nodes = {
         field("Id", "psKind=\"attribute\" psName=\"p:id\" nMandatory=\"1\""),
         group("G", "psName=\"p:g\"", {field("Ccy", "psKind=\"attribute\""), field("Amt", "psKind=\"text\"")}),
         loop("L", "", "psWrapper=\"ls\"",

@@ -362,7 +362,7 @@ TEST(XmlPlugin, WhatWasThereButEmptyIsWrittenSoWhenTheFieldKeepsWhatWasGiven) {
 }
 
 // <E n="NUMBER">text</E>
-XmlNode numbered(const std::string &number, const std::string &suffix = "") {
+FormatNode numbered(const std::string &number, const std::string &suffix = "") {
   const std::string node = number + suffix;
   return group("E" + node, "psName=\"E\"",
                {field("Number" + node, "psKind=\"attribute\" psName=\"n\" psConst=\"" + number + "\""),
