@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
-# fuzz.sh BUILD [--seconds N] [--keep] [TARGET...]: fuzzes the targets of a build with libFuzzer, all without a name,
+# fuzz.sh BUILD [--seconds N] [--resume] [--keep] [TARGET...]: fuzzes the targets of a build with libFuzzer, all without a name,
 # as many at a time as there are processors.
 #
-# Without --seconds a target runs until it has had 10 million inputs, or found nothing new for 10 minutes. --keep
-# then puts the smallest inputs that cover what was covered into corpus/. Ends with 1 when an input was found that
+# Without --seconds a target runs until it has had 10 million inputs, or found nothing new for 10 minutes. --resume
+# goes on after an interruption: of a target that came to its end since it was built, only the result is told again.
+# --keep then puts the smallest inputs that cover what was covered into corpus/. Ends with 1 when an input was found that
 # crashes, leaks, takes more than a second or more than 512 MB; such inputs stay in BUILD/fuzz/found.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
@@ -18,11 +19,12 @@ fail() {
   exit 2
 }
 
-build=$(realpath "${1:?usage: fuzz.sh BUILD [--seconds N] [--keep] [TARGET...]}")
+build=$(realpath "${1:?usage: fuzz.sh BUILD [--seconds N] [--resume] [--keep] [TARGET...]}")
 shift
 [ -f "$build/fuzz/targets.txt" ] || fail "$build holds no fuzz targets; build it with the preset fuzz"
 seconds=0
 keep=false
+resume=false
 names=()
 while [ $# -gt 0 ]; do
   case $1 in
@@ -31,8 +33,9 @@ while [ $# -gt 0 ]; do
       seconds=$2
       shift
       ;;
+    --resume) resume=true ;;
     --keep) keep=true ;;
-    -*) fail "expected --seconds, --keep or the name of a target, found '$1'" ;;
+    -*) fail "expected --seconds, --resume, --keep or the name of a target, found '$1'" ;;
     *) names+=("$1") ;;
   esac
   shift
@@ -107,8 +110,16 @@ fuzz() {
   echo "RESULT fuzz.$target: $executions executions in $passed s, edges $first -> $after," \
     "the last new one at $last, at most $(stat_of slowest_unit_time_sec "$log") s" \
     "and $(stat_of peak_rss_mb "$log") MB," \
-    "$([ "$code" -eq 0 ] && echo "nothing found" || echo "FOUND, see $log")"
+    "$([ "$code" -eq 0 ] && echo "nothing found" || echo "FOUND, see $log")" >"$work/$target.result"
+  cat "$work/$target.result"
+  if [ "$code" -eq 0 ] && [ "$seconds" -eq 0 ]; then cp "$work/$target.result" "$work/$target.ended"; fi
   return "$code"
+}
+
+# ended TARGET: whether it came to its end before, and neither it nor the library was built anew since.
+ended() {
+  [ -f "$work/$1.ended" ] || return 1
+  [ -z "$(find "$build/bin/fuzz_$1" "$build"/lib/*.so -newer "$work/$1.ended")" ]
 }
 
 # minimise TARGET LENGTH DICTIONARY SEED...: the inputs that are kept, the smallest first as far as they fit. Those of
@@ -136,6 +147,10 @@ minimise() {
 # run_target TARGET
 run_target() {
   local length dictionary seeds code=0
+  if $resume && ended "$1"; then
+    cat "$work/$1.ended"
+    return
+  fi
   IFS='|' read -r _ length dictionary seeds < <(grep "^$1|" "$build/fuzz/targets.txt")
   # shellcheck disable=SC2086 # the seeds are words
   fuzz "$1" "$length" "$dictionary" $seeds || code=1
