@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const std::vector<std::string> kPlugins = {"csv", "fix", "iso8583", "json", "xml", "std"};
+const std::vector<std::string> kPlugins = {"csv", "example", "fix", "iso8583", "json", "xml", "std"};
 
 void keepPlugins() {
   for (const std::string &name : kPlugins) {

@@ -1,5 +1,5 @@
-// config_json.cpp: a definition file of the format json; messages of a definition that is accepted are made,
-// written and read.
+// config_definition.cpp: a definition file, of any format; messages of one that is accepted are made, written and
+// read. config_csv, config_fix and the others are this program, each with the definitions of its format.
 #include "support/library.h"
 #include "support/target.h"
 
@@ -9,7 +9,8 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   if (config.start()) {
     fuzz::useDefinitions();
     for (const std::string &name : fuzz::definitions()) {
-      for (const char *text : {"{}", "[]", "[{}]", "1", "{\"a\":\"1\",\"b\":[1,{}],\"c\":{\"d\":null}}"}) {
+      for (const char *text : {"{\"a\":\"1\",\"b\":[1,{}],\"c\":{\"d\":null}}", "[{}]", "1", "a,b\n1,2\n",
+                               "02004000000000000000041122", "1:1,4:4711,"}) {
         std::string bytes = text;
         if (const fuzz::Message message = fuzz::parse(name, "fuzz", bytes)) fuzz::generate(*message, 4096);
       }
