@@ -1,5 +1,5 @@
-// example_messages.cpp: bytes as messages of the definition of the plug-in example. What is read is written and
-// read again.
+// example_messages.cpp: bytes as messages of the definition of the plug-in example. What is read is written; that
+// is read and written again with the same bytes. (Values differ once: an empty one is written as its default.)
 #include "support/library.h"
 #include "support/target.h"
 
@@ -10,6 +10,13 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     return config.start();
   }();
   fuzz::require(started, "the library starts");
-  fuzz::expectRoundTrip("Order", fuzz::text(data, size));
+  std::string input(fuzz::text(data, size));
+  const fuzz::Message first = fuzz::parse("Order", "fuzz", input);
+  if (first == nullptr) return 0;
+  std::optional<std::string> written = fuzz::generate(*first);
+  fuzz::require(written.has_value(), "what was read is written");
+  const fuzz::Message second = fuzz::parse("Order", "fuzz", *written);
+  fuzz::require(second != nullptr, "what was written is read:\n" + *written);
+  fuzz::require(fuzz::generate(*second) == written, "it is written again with the same bytes:\n" + *written);
   return 0;
 }
