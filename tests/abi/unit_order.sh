@@ -11,6 +11,7 @@ cvt_log 0
 cvt_guard 0
 cvt_handle 8
 cvt_index 0
+cvt_bits 0
 cvt_heap 0
 cvt_sql_text 0
 cvt_memory 1

@@ -294,6 +294,33 @@ TEST_F(PoolModel, MessageNodesLookAsIfTheirListWereWalked) {
   }
 }
 
+// Phases of growing and shrinking, so that long runs of used and of free nodes come about.
+TEST_F(PoolModel, ManyMessageNodesLookAsIfTheirListWereWalked) {
+  for (unsigned nSeed = 1; nSeed <= 4; ++nSeed) {
+    std::mt19937 random(nSeed);
+    cvtMemCleanUp();
+    NodesModel model;
+    std::vector<MemNode *> used;
+    for (unsigned nStep = 0; nStep < 4000; ++nStep) {
+      const bool bGrows = nStep / 500 % 2 == 0;
+      if (used.empty() || random() % 8 < (bGrows ? 6U : 2U)) {
+        used.push_back(cvtMemNewNode());
+        ASSERT_EQ(static_cast<size_t>(used.back()->nId), model.create() + 1);
+      } else {
+        const size_t n = nStep % 3 == 0 ? 0 : random() % used.size();
+        model.release(static_cast<size_t>(used[n]->nId - 1));
+        ASSERT_EQ(cvtMemDelNode(used[n]), 0);
+        used.erase(used.begin() + static_cast<long>(n));
+      }
+      ASSERT_EQ(gptMemRoot->nMinFreeNodeId, model.nFree < 0 ? -1 : static_cast<int>(model.nFree) + 1)
+          << "seed " << nSeed << " step " << nStep;
+      if (nStep % 50 != 0) continue;
+      ASSERT_NO_FATAL_FAILURE(expectSame(model));
+    }
+    EXPECT_GT(model.nodes.size(), 200U);
+  }
+}
+
 // --- Speed -------------------------------------------------------------------------------------------------
 
 // Processor time, the best of three, in seconds, each on a fresh pool.
@@ -344,6 +371,19 @@ TEST_F(PoolSpeed, ResetsTakeTimeInProportion) {
         for (int i = 0; i < 4; ++i) cvtMemReset();
       },
       20000);
+}
+
+// The message that has been held longest goes first, so the free node is far from the next one.
+TEST_F(PoolSpeed, HoldingManyMessagesTakesTimeInProportion) {
+  expectProportional(
+      [](int nCount) {
+        std::vector<MemNode *> held;
+        for (int i = 0; i < nCount; ++i) held.push_back(cvtMemNewNode());
+        for (MemNode *&pt : held) {
+          cvtMemDelNode(std::exchange(pt, cvtMemNewNode()));
+        }
+      },
+      60000);
 }
 
 }  // namespace

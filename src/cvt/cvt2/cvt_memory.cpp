@@ -12,6 +12,7 @@
 #include <cstring>
 #include <iterator>
 
+#include "cvt_bits.h"
 #include "cvt_heap.h"
 #include "cvt_heap_pool.h"
 #include "cvt_log.h"
@@ -82,6 +83,46 @@ class RunIndex {
   cvt::Map<int, Run> m_runs;
 };
 
+// A private index beside the list of message nodes: which of them are free.
+class FreeNodes {
+ public:
+  // Takes in a node that is at the end of the list.
+  void append(MemNode *ptNode) {
+    m_nodes.push_back(ptNode);
+    m_free.reserve(m_nodes.size());
+    update(ptNode);
+  }
+
+  // To be called whenever a node has changed sides. A node of another list is not looked at.
+  void update(const MemNode *ptNode) {
+    const size_t n = position(ptNode);
+    if (n >= m_nodes.size() || m_nodes[n] != ptNode) return;
+    if (ptNode->cUsed == kFree) {
+      m_free.insert(n);
+    } else {
+      m_free.erase(n);
+    }
+  }
+
+  // The first free node from this one on, the last one of the list apart; null without one.
+  MemNode *next(const MemNode *ptNode) const {
+    const size_t n = m_free.next(position(ptNode));
+    return n == cvt::Bits::kNone || n + 1 == m_nodes.size() ? nullptr : m_nodes[n];
+  }
+
+  void clear() {
+    m_nodes.clear();
+    m_free.clear();
+  }
+
+ private:
+  static size_t position(const MemNode *ptNode) { return static_cast<size_t>(ptNode->nId) - 1; }
+
+  cvt::Vector<MemNode *> m_nodes;
+  cvt::Bits m_free;
+};
+
+FreeNodes f_nodes;               // beside gptMemRoot's ptMemNodeList
 RunIndex f_room;                 // beside the global node's ptHeadBlock
 RunIndex f_exhausted;            // beside its ptNowBlock
 MemBlock *f_ptParked = nullptr;  // exhausted blocks that clean-ups have left: the next global node takes them
@@ -157,6 +198,8 @@ MemRoot *NowRoot() {
     gptMemRoot->nMinFreeNodeId = ptNode->nId;
     gptMemRoot->ptFreeNode = ptNode;
     gptMemRoot->ptLastNode = ptNode;
+    f_nodes.clear();
+    f_nodes.append(ptNode);
   }
   return gptMemRoot;
 }
@@ -166,6 +209,7 @@ MemNode *AddLastNode() {
   MemNode *const ptNode = NewMemNode(ptRoot->ptLastNode->nId + 1, NewMemBlock(kBlockSize));
   ptRoot->ptLastNode->ptNext = ptNode;
   ptRoot->ptLastNode = ptNode;
+  f_nodes.append(ptNode);
   return ptNode;
 }
 
@@ -182,21 +226,17 @@ MemNode *NowGlobalNode() {
 
 // --- Message nodes -----------------------------------------------------------------------------------------
 
-// The scan for the next free node stops short of the list's last node, on purpose: a free last node is found
+// The search for the next free node stops short of the list's last node, on purpose: a free last node is found
 // once another one stands behind it.
 int SetNodeUse(MemNode *ptNode) {
   CVT_NOT_NULL(ptNode, -1);
   MemRoot *const ptRoot = NowRoot();
   ptNode->cUsed = kUsed;
+  f_nodes.update(ptNode);
   if (ptRoot->nMinFreeNodeId != ptNode->nId) return 0;
-  ptRoot->nMinFreeNodeId = -1;
-  ptRoot->ptFreeNode = nullptr;
-  for (MemNode *pt = ptNode; pt->ptNext != nullptr; pt = pt->ptNext) {
-    if (pt->cUsed != kFree) continue;
-    ptRoot->nMinFreeNodeId = pt->nId;
-    ptRoot->ptFreeNode = pt;
-    break;
-  }
+  MemNode *const ptFree = f_nodes.next(ptNode);
+  ptRoot->nMinFreeNodeId = ptFree == nullptr ? -1 : ptFree->nId;
+  ptRoot->ptFreeNode = ptFree;
   return 0;
 }
 
@@ -205,6 +245,7 @@ int SetNodeNotUse(MemNode *ptNode) {
   CVT_NOT_NULL(ptNode, -1);
   cvt::pool::freeAll(ptNode);
   ptNode->cUsed = kFree;
+  f_nodes.update(ptNode);
   ptNode->ptNowBlock = ptNode->ptHeadBlock;
   ptNode->ptHeadBlock->nLeft = ptNode->ptHeadBlock->nMaxSize;
   return 0;
@@ -382,6 +423,7 @@ int cvtMemPrintNode(MemNode *ptNode) {
 int cvtMemCleanUp(void) {
   if (f_bReleased) return 0;
   if (gptMemRoot != nullptr) MemRootCleanUp(gptMemRoot);
+  f_nodes.clear();
   if (gptGlobalNode != nullptr) {
     Park(gptGlobalNode->ptNowBlock);
     MemNodeCleanUp(gptGlobalNode);
