@@ -383,7 +383,7 @@ TEST_F(PoolSpeed, HoldingManyMessagesTakesTimeInProportion) {
           cvtMemDelNode(std::exchange(pt, cvtMemNewNode()));
         }
       },
-      60000);
+      30000);
 }
 
 }  // namespace
