@@ -1,0 +1,2 @@
+// empty.cpp: what starting and ending a process costs.
+int main() {}

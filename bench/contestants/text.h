@@ -1,0 +1,153 @@
+// text.h: what the hand-written converters share: checked digits, decimals, and text as XML and JSON have it.
+// Writers write at `to`, where the caller has made room, and return where they stopped.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+#include "program.h"
+
+namespace bench {
+
+inline char *put(char *to, std::string_view text) {
+  std::memcpy(to, text.data(), text.size());
+  return to + text.size();
+}
+
+inline std::string_view trimmed(std::string_view text) {
+  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+  return text;
+}
+
+inline bool isDigit(char c) {
+  return static_cast<unsigned char>(c - '0') < 10;
+}
+
+inline void needDigits(std::string_view text) {
+  bool bAll = true;
+  for (const char c : text) bAll = bAll && isDigit(c);
+  if (!bAll || text.empty()) throw Failure("expected digits, found \"" + std::string(text) + "\"");
+}
+
+inline void needLength(std::string_view text, size_t least, size_t most) {
+  if (text.size() < least || text.size() > most) throw Failure("wrong length: \"" + std::string(text) + "\"");
+}
+
+// Digits of which `decimals` stand behind the point, in front of which one digit stays.
+inline char *putNumber(char *to, std::string_view digits, size_t decimals) {
+  needDigits(digits);
+  while (digits.size() > decimals + 1 && digits.front() == '0') digits.remove_prefix(1);
+  to = put(to, digits.substr(0, digits.size() - decimals));
+  if (decimals == 0) return to;
+  *to++ = '.';
+  return put(to, digits.substr(digits.size() - decimals));
+}
+
+inline char *putInteger(char *to, size_t value) {
+  return std::to_chars(to, to + 20, value).ptr;
+}
+
+// A number of the form 12 or 12.34 as digits without the point, filled with zeros in front to `width`.
+inline char *putCents(char *to, std::string_view number, size_t decimals, size_t width) {
+  const size_t point = decimals == 0 ? number.size() : number.size() - decimals - 1;
+  if (number.size() <= decimals || (decimals != 0 && number[point] != '.')) {
+    throw Failure("expected " + std::to_string(decimals) + " decimals: \"" + std::string(number) + "\"");
+  }
+  const std::string_view whole = number.substr(0, point);
+  const std::string_view fraction = decimals == 0 ? std::string_view() : number.substr(point + 1);
+  needDigits(whole);
+  if (decimals != 0) needDigits(fraction);
+  needLength(number, 1, width + (decimals == 0 ? 0 : 1));
+  std::memset(to, '0', width);
+  put(to + width - fraction.size() - whole.size(), whole);
+  put(to + width - fraction.size(), fraction);
+  return to + width;
+}
+
+// A text filled with blanks to `width`.
+inline char *putPadded(char *to, std::string_view text, size_t width) {
+  needLength(text, 0, width);
+  std::memset(put(to, text), ' ', width - text.size());
+  return to + width;
+}
+
+// What a character of a text is to a writer: 0 itself, 1 refused, above: to be written in another way.
+using Classes = std::array<uint8_t, 256>;
+
+constexpr Classes classes(std::string_view special) {
+  Classes out{};
+  for (size_t c = 0; c < 32; ++c) out[c] = 1;
+  out[127] = 1;
+  for (const char c : special) out[static_cast<unsigned char>(c)] = static_cast<uint8_t>(c);
+  return out;
+}
+
+constexpr Classes kXmlText = classes("&<>");
+constexpr Classes kXmlAttribute = classes("&<>\"");
+constexpr Classes kJsonText = classes("\"\\\b\f\n\r\t");
+
+[[noreturn]] inline void refuseCharacter(char c) {
+  throw Failure("character " + std::to_string(static_cast<unsigned char>(c)) + " has no place in a text");
+}
+
+inline std::string_view reference(uint8_t kind) {
+  switch (kind) {
+    case '&':
+      return "&amp;";
+    case '<':
+      return "&lt;";
+    case '>':
+      return "&gt;";
+    case '"':
+      return "&quot;";
+    default:
+      refuseCharacter(static_cast<char>(kind));
+  }
+}
+
+// At most six bytes for each of the text.
+inline char *putXml(char *to, std::string_view text, const Classes &kinds = kXmlText) {
+  for (const char c : text) {
+    const uint8_t kind = kinds[static_cast<unsigned char>(c)];
+    *to = c;
+    if (kind == 0) {
+      ++to;
+    } else {
+      to = put(to, kind == 1 ? reference(static_cast<uint8_t>(c)) : reference(kind));
+    }
+  }
+  return to;
+}
+
+inline char *putEscape(char *to, char c) {
+  constexpr std::string_view from = "\b\f\n\r\t";
+  *to++ = '\\';
+  const size_t at = from.find(c);
+  *to++ = at == std::string_view::npos ? c : "bfnrt"[at];
+  return to;
+}
+
+// A JSON string with its quotes; at most two bytes for each of the text, and two.
+inline char *putJson(char *to, std::string_view text) {
+  *to++ = '"';
+  for (const char c : text) {
+    const uint8_t kind = kJsonText[static_cast<unsigned char>(c)];
+    *to = c;
+    if (kind == 0) {
+      ++to;
+    } else if (kind == 1) {
+      refuseCharacter(c);
+    } else {
+      to = putEscape(to, c);
+    }
+  }
+  *to++ = '"';
+  return to;
+}
+
+}  // namespace bench
