@@ -473,6 +473,36 @@ TEST_F(Sizing, AnOrdinaryListAsLargeAsALoopIsFiledAsOne) {
   EXPECT_EQ(count(gptFreeValue), 9);
 }
 
+// A message gives back lists in another order than the next one asks for them.
+TEST_F(Sizing, ManyMessagesTakeNoMoreListsThanSomeWhereTheyAreFiledAsLoops) {
+  for (const char *psCapacity : {"gnMaxValue='999'", "gnMaxValue='1500'"}) {
+    m_definitions.load({}, psCapacity);
+    std::set<ValueList *> seen;
+    for (int i = 0; i < 500; ++i) {
+      ValueList *const ptList = cvtGetValueList(3);
+      for (int n = 0; n < 20; ++n) {
+        ValueList *const ptBody = cvtNewLoopValueList(ptList, n % 2, 2);
+        cvtNewLoopValueList(ptBody, (n + i) % 2, 2);
+      }
+      for (ValueList *pt = ptList; pt != nullptr; pt = pt->ptNext) seen.insert(pt);
+      cvtFreeValue(ptList);
+    }
+    EXPECT_LE(seen.size(), 2U * (1 + 20 + 20 + 22)) << psCapacity;
+  }
+}
+
+TEST_F(Sizing, AnOrdinaryListIsNotMadeOfASmallerLoopList) {
+  m_definitions.load({}, "gnMaxValue='1500'");
+  ValueList *const ptList = cvtGetValueList(2);
+  cvtNewLoopValueList(ptList, 0, 1);
+  cvtFreeValue(ptList);
+  EXPECT_EQ(count(gptLoopValue), 2);
+  while (gptFreeValue != nullptr) cvtGetValueList(1);
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(cvtGetValueList(1)->nMax, 1500);
+  ASSERT_EQ(count(gptLoopValue), 1);
+  EXPECT_EQ(gptLoopValue->nMax, 999);
+}
+
 TEST_F(Sizing, WithoutASectionALoopStillHoldsNineHundredNinetyNine) {
   gnMaxValueNum = 2;
   ValueList *const ptList = cvtGetValueList(2);

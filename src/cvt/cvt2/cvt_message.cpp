@@ -211,6 +211,23 @@ ValueList *GetLoopValueList() {
   return GetValueList(&gptLoopValue, maxLoop(), 0);
 }
 
+// An ordinary list that is filed among the loop lists, as those of a very large definition are; null without one.
+// Without it each message would take new ones.
+ValueList *takeFiledList() {
+  if (gnMaxValueNum < maxLoop()) return nullptr;
+  ValueList *ptFront = nullptr;
+  ValueList *pt = gptLoopValue;
+  for (; pt != nullptr && pt->nMax < gnMaxValueNum; pt = pt->ptNext) ptFront = pt;
+  if (pt == nullptr) return nullptr;
+  if (ptFront == nullptr) {
+    gptLoopValue = pt->ptNext;
+  } else {
+    ptFront->ptNext = pt->ptNext;
+  }
+  pt->ptNext = nullptr;
+  return pt;
+}
+
 void insertBehind(ValueList *ptList, ValueList *ptFresh) {
   ptFresh->ptNext = ptList->ptNext;
   ptList->ptNext = ptFresh;
@@ -275,6 +292,7 @@ int cvtDumpValue(Value *ptValue, char *psBuf, int nLen, MemPort ptMemNode) {
 }
 
 struct ValueList *cvtGetValueList(int nNum) {
+  if (gptFreeValue == nullptr) gptFreeValue = takeFiledList();
   return GetValueList(&gptFreeValue, gnMaxValueNum, nNum);
 }
 
