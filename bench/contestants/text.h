@@ -53,7 +53,7 @@ inline char *putInteger(char *to, size_t value) {
 }
 
 // A number of the form 12 or 12.34 as digits without the point, filled with zeros in front to `width`.
-inline char *putCents(char *to, std::string_view number, size_t decimals, size_t width) {
+inline char *putFilled(char *to, std::string_view number, size_t decimals, size_t width) {
   const size_t point = decimals == 0 ? number.size() : number.size() - decimals - 1;
   if (number.size() <= decimals || (decimals != 0 && number[point] != '.')) {
     throw Failure("expected " + std::to_string(decimals) + " decimals: \"" + std::string(number) + "\"");
@@ -76,37 +76,37 @@ inline char *putPadded(char *to, std::string_view text, size_t width) {
   return to + width;
 }
 
-// What a character of a text is to a writer: 0 itself, 1 refused, above: to be written in another way.
+// What a character of a text is to a writer: 0 itself, 1 refused, above: to be written in another way. Texts are ASCII
+// where nobody has checked that they are UTF-8.
 using Classes = std::array<uint8_t, 256>;
 
-constexpr Classes classes(std::string_view special) {
+constexpr Classes classes(std::string_view special, size_t limit) {
   Classes out{};
   for (size_t c = 0; c < 32; ++c) out[c] = 1;
-  out[127] = 1;
+  for (size_t c = limit; c < 256; ++c) out[c] = 1;
   for (const char c : special) out[static_cast<unsigned char>(c)] = static_cast<uint8_t>(c);
   return out;
 }
 
-constexpr Classes kXmlText = classes("&<>");
-constexpr Classes kXmlAttribute = classes("&<>\"");
-constexpr Classes kJsonText = classes("\"\\\b\f\n\r\t");
+constexpr Classes kXmlText = classes("&<>", 128);
+constexpr Classes kXmlAttribute = classes("&<>\"", 128);
+constexpr Classes kJsonText = classes("\"\\\b\f\n\r\t", 128);
+constexpr Classes kJsonUtf8 = classes("\"\\\b\f\n\r\t", 256);
 
 [[noreturn]] inline void refuseCharacter(char c) {
   throw Failure("character " + std::to_string(static_cast<unsigned char>(c)) + " has no place in a text");
 }
 
-inline std::string_view reference(uint8_t kind) {
-  switch (kind) {
+inline std::string_view reference(char c) {
+  switch (c) {
     case '&':
       return "&amp;";
     case '<':
       return "&lt;";
     case '>':
       return "&gt;";
-    case '"':
-      return "&quot;";
     default:
-      refuseCharacter(static_cast<char>(kind));
+      return "&quot;";
   }
 }
 
@@ -117,8 +117,10 @@ inline char *putXml(char *to, std::string_view text, const Classes &kinds = kXml
     *to = c;
     if (kind == 0) {
       ++to;
+    } else if (kind == 1) {
+      refuseCharacter(c);
     } else {
-      to = put(to, kind == 1 ? reference(static_cast<uint8_t>(c)) : reference(kind));
+      to = put(to, reference(c));
     }
   }
   return to;
@@ -133,10 +135,10 @@ inline char *putEscape(char *to, char c) {
 }
 
 // A JSON string with its quotes; at most two bytes for each of the text, and two.
-inline char *putJson(char *to, std::string_view text) {
+inline char *putJson(char *to, std::string_view text, const Classes &kinds = kJsonText) {
   *to++ = '"';
   for (const char c : text) {
-    const uint8_t kind = kJsonText[static_cast<unsigned char>(c)];
+    const uint8_t kind = kinds[static_cast<unsigned char>(c)];
     *to = c;
     if (kind == 0) {
       ++to;

@@ -1,12 +1,12 @@
-// w1_fixed.cpp: the fixed-length order in the layout of w1_fixed.cob, written by hand: packed amounts and quantities,
-// edited prices, a binary count, four bytes of record length in front.
+// w1_fixed.cpp: the fixed-length order in the layout of w1_fixed.cob, written by hand: packed amounts and
+// quantities, edited prices, a binary count, two bytes of record length in front.
 #include "order_record.h"
 
 namespace {
 
 using namespace bench;
 
-constexpr size_t kHead = 128, kItem = 49, kPrefix = 4, kMaxItems = 20;
+constexpr size_t kHead = 128, kItem = 49, kPrefix = 2, kMaxItems = 20;
 
 uint8_t digit(char c) {
   return static_cast<uint8_t>(c - '0');
@@ -25,11 +25,11 @@ char *putPacked(char *to, std::string_view digits, size_t size) {
   }
 }
 
-// Two decimals behind a point, blanks instead of leading zeros.
+// Two decimals behind a point, at least one digit in front of it, blanks instead of other leading zeros.
 char *putEdited(char *to, std::string_view digits) {
   needDigits(digits);
   const size_t whole = digits.size() - 2;
-  const size_t zeros = std::min(digits.find_first_not_of('0'), whole);
+  const size_t zeros = std::min(digits.find_first_not_of('0'), whole - 1);
   std::memset(to, ' ', zeros);
   to = put(to + zeros, digits.substr(zeros, whole - zeros));
   *to++ = '.';
@@ -45,11 +45,10 @@ char *putBinary(char *to, size_t value) {
 char *putOrder(char *to, const OrderRecord &order) {
   needLength(order.customer(), 1, 12);
   to = putBinary(to, kHead + kItem * order.count);
-  to = putBinary(to, 0);
   to = putPadded(to, order.id(), 16);
   to = putPacked(to, order.amount(), 8);
   to = putPadded(to, order.name().substr(0, 30), 30);
-  to = putCents(to, order.customer(), 0, 12);
+  to = putFilled(to, order.customer(), 0, 12);
   to = putPadded(to, order.address(), 60);
   to = putBinary(to, order.count);
   for (size_t i = 0; i < order.count; ++i) {
