@@ -29,6 +29,7 @@ TEST_P(JsonDefinition, IsRefusedWithThePlaceAndTheWayOut) {
 }
 
 const std::vector<FormatNode> kPlain = {field("A")};
+const std::string kPosition = "nPosition=\"1\"";
 
 FormatNode nested(int nDepth) {
   return nDepth == 0 ? field("F") : group("G", "", {nested(nDepth - 1)});
@@ -170,7 +171,32 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{"ConstantWithDefault",
                 "",
                 {field("A", "psConst=\"1\" psDefault=\"2\"")},
-                "expected psDefault or psConst, found both."}),
+                "expected psDefault or psConst, found both."},
+        Mistake{"PositionOutsideOfLoops",
+                "",
+                {loop("L", "", "", {}), group("G", "", {field("A", kPosition)})},
+                "found it outside of any loop."},
+        Mistake{"PositionWithDefault",
+                "",
+                {loop("L", "", "", {field("A", kPosition + " psDefault=\"1\"")})},
+                "expected nPosition in a loop, on no count field, without psDefault and psConst, found it "
+                "beside one of them. Remove nPosition."},
+        Mistake{"PositionWithConstant",
+                "",
+                {loop("L", "", "", {field("A", kPosition + " psConst=\"1\"")})},
+                "found it beside one of them."},
+        Mistake{"PositionThatCounts",
+                "",
+                {loop("L", "", "", {field("A", kPosition), loop("K", "", "", {}, "A")})},
+                "found it on a count field."},
+        Mistake{"PositionThatIsTrueOrFalse",
+                "",
+                {loop("L", "", "", {field("A", kPosition + " psType=\"boolean\"")})},
+                "expected psType text, number or any beside nPosition, found another psType or psKind."},
+        Mistake{"PositionOfOthers",
+                "",
+                {loop("L", "", "", {field("A", kPosition + " psKind=\"others\"")})},
+                "expected psType text, number or any beside nPosition, found another psType or psKind."}),
     [](const testing::TestParamInfo<Mistake> &mistake) { return std::string(mistake.param.sCase); });
 
 TEST(JsonDefinitions, ARecordOfAnotherKindIsRefusedInEveryPlace) {

@@ -372,6 +372,59 @@ TEST_F(Json, ACountFieldIsCheckedFilledInAndGenerated) {
           "Field[N] Offset[16]: expected 1, the number of repetitions of L, found \"3\".");
 }
 
+TEST_F(Json, APositionNumbersTheRepetitionsOfTheInnermostLoop) {
+  define("", {loop("L", "", "",
+                   {field("No", "psType=\"number\" nPosition=\"1\""),
+                    group("G", "", {field("M", "nPosition=\"1\""), field("A")}),
+                    loop("K", "", "", {field("N", "nPosition=\"1\""), field("B")}),
+                    group("H", "", {field("O", "nPosition=\"1\"")})})});
+  same(
+      R"({"L":[{"No":1,"G":{"M":"1","A":"x"},"K":[{"N":"1"},{"N":"2"}]},{"No":2,"K":[{"N":"1","B":"y"}]}]})");
+  becomes(R"({"L":[{},{"H":{"O":"2"}},{"K":[{}],"G":{"A":"x"}}]})",
+          R"({"L":[{"No":1},{"No":2,"H":{"O":"2"}},{"No":3,"G":{"M":"3","A":"x"},"K":[{"N":"1"}]}]})");
+  refused(R"({"L":[{"No":1},{"No":1}]})",
+          "Field[L[1].No] Offset[21]: expected 2, the number of its repetition, found \"1\". Number the "
+          "repetitions from 1, or leave the value out.");
+  refused(R"({"L":[{"G":{"M":"01"}}]})",
+          "Field[L[0].G.M] Offset[16]: expected 1, the number of its repetition, found \"01\".");
+  refused(R"({"L":[{},{"K":[{"N":"2"}]}]})", "Field[L[1].K[0].N] Offset[20]: expected 1, the number");
+}
+
+TEST_F(Json, APositionIsWrittenWhateverItsValueSaysAndStaysAwayWhenItWasNotRead) {
+  define("", {loop("L", "", "", {field("N", "nPosition=\"1\""), field("A")})});
+  const Text read = parse("M", "{\"L\":[{\"A\":\"x\"}]}");
+  ASSERT_TRUE(at(read, "L", 0));
+  EXPECT_EQ(get(read, "L.A"), "x");
+  EXPECT_EQ(get(read, "L.N"), "");
+  const Text text = create("M");
+  for (const char *const psValue : {"77", "x", ""}) {
+    addTime(text, "L");
+    set(text, "L.N", psValue);
+  }
+  EXPECT_EQ(generate(text), R"({"L":[{"N":"1"},{"N":"2"},{"N":"3"}]})") << told();
+}
+
+TEST_F(Json, APositionMayBeMandatoryAndHasToFitItsLength) {
+  define("", {loop("L", "", "", {field("N", "nPosition=\"1\" nMandatory=\"1\" nMaxLen=\"1\"")})});
+  refused(R"({"L":[{}]})", "Field[L[0].N] Offset[7]: expected member \"N\", found the end of the object.");
+  refused(R"({"L":[{"N":""}]})", "Field[L[0].N] Offset[11]: expected a value, found none.");
+  const Text text = create("M");
+  for (int i = 0; i < 9; ++i) addTime(text, "L");
+  EXPECT_NE(generate(text), "failed") << told();
+  addTime(text, "L");
+  EXPECT_EQ(generate(text), "failed");
+  EXPECT_TRUE(told("Field[L[9].N] Offset[97]: expected at most 1 characters, found 2, \"10\".")) << told();
+}
+
+TEST_F(Json, NamesAndPlainElementsMayBePositions) {
+  define("", {loop("L", "", "", {field("A"), loop("K", "psType=\"number\" nPosition=\"1\"", "", {})}),
+              loop("M", "psForm=\"value\"", "psForm=\"members\"",
+                   {field("N", "psKind=\"name\" nPosition=\"1\""), field("V")})});
+  same(R"({"L":[{"K":[1,2]},{"K":[1]}],"M":{"1":"a","2":"b"}})");
+  refused(R"({"M":{"1":"a","3":"b"}})", "Field[M[1].N] Offset[14]: expected 2, the number of its repetition");
+  refused(R"({"L":[{"K":[2]}]})", "Field[L[0].K[0]] Offset[12]: expected 1, the number of its repetition");
+}
+
 // --- The text as a whole ---
 
 TEST_F(Json, TheRootMayBeAnArray) {

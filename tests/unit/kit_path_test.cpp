@@ -40,6 +40,27 @@ TEST(KitPath, NextRepetitionReplacesTheIndexAndForgetsTheField) {
   EXPECT_EQ(path.text(), "L[1]");
 }
 
+TEST(KitPath, TheInnermostRepetitionIsKnownInGroupsAndBehindInnerLoopsToo) {
+  Path path;
+  EXPECT_EQ(path.repetition(), -1);
+  path.enter("L");
+  EXPECT_EQ(path.repetition(), -1);
+  path.repetition(2);
+  path.field("X");
+  EXPECT_EQ(path.repetition(), 2);
+  path.enter("G");
+  EXPECT_EQ(path.repetition(), 2);
+  path.enter("K");
+  path.repetition(0);
+  EXPECT_EQ(path.repetition(), 0);
+  path.repetition(-1);
+  path.leave();
+  EXPECT_EQ(path.repetition(), 2);
+  path.leave();
+  path.leave();
+  EXPECT_EQ(path.repetition(), -1);
+}
+
 TEST(KitPath, DeeperThanItsRoomIsCountedButNotKept) {
   Path path;
   for (int i = 0; i < Path::kMaxDepth + 5; ++i) {

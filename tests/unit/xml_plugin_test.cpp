@@ -187,6 +187,73 @@ TEST(XmlPlugin, ACountFieldIsWrittenCheckedAndFilledIn) {
       << told();
 }
 
+// An order's lines, numbered by an attribute, an element in a group and the text of an element; in each, notes.
+void numbered(XmlConfig &config, const std::string &sMore = "") {
+  const std::string sPosition = "nPosition=\"1\" " + sMore;
+  config.message(
+      "M", "nDeclaration=\"0\"",
+      {loop(
+          "Line", "", "psWrapper=\"Lines\"",
+          {field("No", "psKind=\"attribute\" " + sPosition), field("Sku"),
+           group("Item", "", {field("Pos", sPosition), field("Name")}),
+           loop("Note", "", "",
+                {field("Lang", "psKind=\"attribute\""), field("Number", "psKind=\"text\" " + sPosition)})})});
+}
+
+TEST(XmlPlugin, APositionNumbersTheRepetitionsOfTheInnermostLoop) {
+  XmlConfig config;
+  numbered(config);
+  ASSERT_EQ(config.start(), 0) << told();
+  const std::string s =
+      "<M><Lines><Line No=\"1\"><Item><Pos>1</Pos></Item><Note>1</Note><Note Lang=\"fr\">2</Note></Line>"
+      "<Line No=\"2\"><Sku>x</Sku><Item><Pos>2</Pos><Name>y</Name></Item><Note>1</Note></Line></Lines></M>";
+  EXPECT_EQ(generate(parse("M", s)), s) << told();
+  EXPECT_EQ(generate(parse("M", s + "<?not plain?>")), s) << told();
+  const Document bare =
+      parse("M", "<M><Lines><Line/><Line><Item><Name>y</Name></Item><Note/></Line></Lines></M>");
+  ASSERT_TRUE(at(bare, "Line", 1));
+  EXPECT_EQ(get(bare, "Line.Name"), "y");
+  EXPECT_EQ(get(bare, "Line.No"), "");
+  EXPECT_EQ(generate(bare),
+            "<M><Lines><Line No=\"1\"/><Line No=\"2\"><Item><Pos>2</Pos><Name>y</Name></Item><Note>1</Note>"
+            "</Line></Lines></M>")
+      << told();
+}
+
+TEST(XmlPlugin, AWrongPositionIsRefused) {
+  XmlConfig config;
+  numbered(config);
+  ASSERT_EQ(config.start(), 0) << told();
+  EXPECT_EQ(parse("M", "<M><Lines><Line No=\"1\"/><Line No=\"3\"/></Lines></M>"), nullptr);
+  EXPECT_TRUE(
+      told("Field[Line[1].No] Offset[24]: expected 2, the number of its repetition, found \"3\". "
+           "Number the repetitions from 1, or leave the value out."))
+      << told();
+  EXPECT_EQ(parse("M", "<M><Lines><Line><Item><Pos>+1</Pos></Item></Line></Lines></M>"), nullptr);
+  EXPECT_TRUE(
+      told("Field[Line[0].Item.Pos] Offset[29]: expected 1, the number of its repetition, found \"+1\"."))
+      << told();
+  EXPECT_EQ(parse("M", "<M><Lines><Line/><Line><Note>2</Note></Line></Lines></M>"), nullptr);
+  EXPECT_TRUE(
+      told("Field[Line[1].Note[0].Number] Offset[30]: expected 1, the number of its repetition, found"))
+      << told();
+}
+
+TEST(XmlPlugin, APositionIsWrittenWhateverItsValueSays) {
+  XmlConfig config;
+  numbered(config, "nMandatory=\"1\"");
+  ASSERT_EQ(config.start(), 0) << told();
+  const Document document = create("M");
+  for (const char *const psValue : {"77", "x", ""}) {
+    addTime(document, "Line");
+    set(document, "Line.No", psValue);
+  }
+  EXPECT_EQ(generate(document), "<M><Lines><Line No=\"1\"/><Line No=\"2\"/><Line No=\"3\"/></Lines></M>")
+      << told();
+  EXPECT_EQ(parse("M", "<M><Lines><Line/></Lines></M>"), nullptr);
+  EXPECT_TRUE(told("expected attribute No of <Line>, found none. It is mandatory.")) << told();
+}
+
 // --- Namespaces ---
 
 void payment(XmlConfig &config, const std::string &sAttributes = "") {

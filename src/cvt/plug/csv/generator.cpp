@@ -154,7 +154,7 @@ void Generator::field(const Field &field, const List &values) {
       return m_write.field(value, {field.quoted, false});
     }
   }
-  const std::string_view text = textToWrite(field, values, m_digits);
+  const std::string_view text = textToWrite(field, values, m_path, m_digits);
   if (field.shape == Shape::Fixed) return m_write.fixed(field, text);
   if (field.shape == Shape::Rest) return m_write.rest(text);
   const bool kept = text.empty() && isWritten(field, values, text);

@@ -42,7 +42,7 @@ void Parser::absent(const Field &field, const Compound &record) {
                 "Write it, be it empty, or set nShort");
   }
   m_call.end = m_reader.stop();
-  if (field.mandatory || field.constant != nullptr) checkRead(field, {});
+  if (field.mandatory || field.constant != nullptr) checkRead(field, {}, m_path);
 }
 
 void Parser::field(const Field &field, const Compound &record, List values) {
@@ -68,7 +68,7 @@ void Parser::put(const Field &field, const Token &token, List values) {
   if (token.escaped) return putUnescaped(field, token, values);
   const std::string_view bytes = token.bytes;
   if (field.constant != nullptr || (bytes.empty() ? field.mandatory : field.maxLength != 0)) {
-    checkRead(field, bytes);
+    checkRead(field, bytes, m_path);
   }
   // Nothing at all is an empty value that was given only where it could not have been put in quotes.
   if (bytes.empty() && !token.quoted && m_plan.dialect.quoteByte != 0) return;
@@ -82,7 +82,7 @@ void Parser::putUnescaped(const Field &field, const Token &token, List values) {
   char *const piece = m_call.store.take(token.bytes.size());
   const size_t length = unescape(m_plan.dialect, token, piece);
   m_call.store.trim(piece, token.bytes.size(), length);
-  checkRead(field, {piece, length});
+  checkRead(field, {piece, length}, m_path);
   values.put(field.slot, piece, length);
 }
 

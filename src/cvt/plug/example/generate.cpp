@@ -37,7 +37,7 @@ class Generator {
   }
 
   void field(const kit::Rule &rule, const kit::List &list) {
-    const std::string_view text = textToWrite(rule, list, m_digits);
+    const std::string_view text = textToWrite(rule, list, m_path, m_digits);
     const kit::Converted checked = kit::Charset::checkUtf8(text.data(), text.size());
     if (checked.damage != kit::Damage::None) {
       throw Fault(Fault::kHere, "UTF-8", kit::damageText(checked.damage),

@@ -46,7 +46,7 @@ class Parser {
     if (checked.damage != kit::Damage::None) {
       throw Fault(m_call.end - 1 - value.size() + checked.read, "UTF-8", kit::damageText(checked.damage));
     }
-    checkRead(rule, value);
+    checkRead(rule, value, m_path);
     putRead(rule, list, m_call.store, value);
   }
 

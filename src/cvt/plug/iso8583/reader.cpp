@@ -51,7 +51,7 @@ Extent readExtent(const Element &field, Input &in) {
 }  // namespace
 
 void Reader::put(const Element &field, std::string_view value, List &list) {
-  if (value.empty() || field.constant != nullptr) checkRead(field, value);
+  if (value.empty() || field.constant != nullptr) checkRead(field, value, m_call.path);
   if (value.empty() && field.empty == kit::Empty::Omit) {
     throw Fault(Fault::kHere, "a value", "an empty field", "nKeepEmpty=\"2\" allows it");
   }

@@ -179,8 +179,8 @@ Item Compiler::field(const kit::Rules &rules, size_t at, const Scope &scope) con
   field.form = kind == FieldKind::Name ? Form::Name : kind == FieldKind::Others ? Form::Others : Form::Scalar;
   field.type = static_cast<Type>(record.nType);
   field.null = field.type == Type::Null ? Null::Empty : static_cast<Null>(record.nNull);
-  const kit::RuleText rule{record.nMandatory, record.nKeepEmpty, record.nMaxLen, record.psDefault,
-                           record.psConst};
+  const kit::RuleText rule{record.nMandatory, record.nKeepEmpty, record.nMaxLen,
+                           record.psDefault,  record.psConst,    record.nPosition};
   field.rule = rules.make(at, rule, here.path, here.record);
   field.mandatory = field.rule.mandatory;
   if (field.form == Form::Scalar) field.name = record.psName == nullptr ? node.name : text(record.psName);
@@ -207,6 +207,11 @@ void Compiler::checkField(const JsonField &record, const Item &field, const Scop
   if (field.rule.empty != kit::Empty::Omit && field.type != Type::Text && field.null != Null::Empty) {
     refuse("psNull=\"empty\" beside nKeepEmpty", "none",
            "An empty value of this psType is null, or is left out");
+  }
+  const bool noNumber = field.form == Form::Others || field.type == Type::Boolean || field.type == Type::Null;
+  if (field.rule.position && noNumber) {
+    refuse("psType text, number or any beside nPosition", "another psType or psKind",
+           "Write psType=\"number\"");
   }
   for (const char *given : {record.psDefault, record.psConst}) {
     const char *expected = given == nullptr ? nullptr : complaint(field, given);

@@ -108,7 +108,7 @@ bool Generator::hasValue(const Item &item, const List &list) {
 bool Generator::stands(const Item &item, const List &list) {
   if (item.form == Form::Scalar) {
     m_path.field(item.node);
-    return isWritten(item.rule, list, textToWrite(item.rule, list, m_digits));
+    return isWritten(item.rule, list, textToWrite(item.rule, list, m_path, m_digits));
   }
   return item.mandatory || item.keepEmpty || item.minTimes > 0 || hasValue(item, list);
 }
@@ -116,7 +116,7 @@ bool Generator::stands(const Item &item, const List &list) {
 void Generator::member(const Item &item, const List &list) {
   if (item.form == Form::Scalar) {
     m_path.field(item.node);
-    const std::string_view text = textToWrite(item.rule, list, m_digits);
+    const std::string_view text = textToWrite(item.rule, list, m_path, m_digits);
     if (isWritten(item.rule, list, text)) {
       key(item);
       scalar(item, text);
@@ -131,7 +131,7 @@ void Generator::member(const Item &item, const List &list) {
 void Generator::element(const Item &item, const List &list) {
   if (item.form == Form::Scalar) {
     m_path.field(item.node);
-    scalar(item, textToWrite(item.rule, list, m_digits));
+    scalar(item, textToWrite(item.rule, list, m_path, m_digits));
     m_path.field(nullptr);
     return;
   }
@@ -185,7 +185,7 @@ std::string_view Generator::decoded(const Cursor &in, std::string_view raw) {
 // The members that the definition does not know, one by one: they must not be those that it knows.
 void Generator::others(const Item &object, const Item &item, const List &list) {
   m_path.field(item.node);
-  const std::string_view text = textToWrite(item.rule, list, m_digits);
+  const std::string_view text = textToWrite(item.rule, list, m_path, m_digits);
   if (text.empty()) return m_path.field(nullptr);
   const MemberNames::Scope names(f_names);
   Cursor in(scan(text, true), m_out.offset(), m_plan.maxDepth, m_depth);
@@ -256,7 +256,7 @@ void Generator::loop(const Item &item, const List &list) {
 void Generator::name(const Item &item, const List &body) {
   const kit::Rule &rule = item.children[1].rule;
   m_path.field(rule.node);
-  const std::string_view text = textToWrite(rule, body, m_digits);
+  const std::string_view text = textToWrite(rule, body, m_path, m_digits);
   if (f_names.count() >= m_plan.maxMembers) {
     throw Fault(Fault::kHere, "at most " + std::to_string(m_plan.maxMembers) + " members", "one more",
                 "Raise nMaxMembers of JsonMsg");

@@ -167,7 +167,7 @@ Seen Parser::scalar(const Item &item, List values) {
     if (item.null == Null::Absent) {
       seen = kAbsent;
     } else {
-      checkRead(item.rule, {});
+      checkRead(item.rule, {}, m_path);
       putRead(item.rule, values, m_call.store, {});
     }
   } else {
@@ -194,19 +194,19 @@ void Parser::content(const Item &item, List values) {
     if (!fits) m_in.refuse(kindOf(item), m_in.peek() == 'n' ? kSeeNull : "See psType");
     m_in.next();
   }
-  checkRead(item.rule, value);
+  checkRead(item.rule, value, m_path);
   putRead(item.rule, values, m_call.store, value);
 }
 
 void Parser::string(const kit::Rule &rule, List values, std::string_view raw) {
   if (!hasEscape(raw)) {
-    checkRead(rule, raw);
+    checkRead(rule, raw, m_path);
     return putRead(rule, values, m_call.store, raw);
   }
   char *value = m_call.store.take(raw.size());
   const size_t length = m_in.decode(raw, value);
   m_call.store.trim(value, raw.size(), length);
-  checkRead(rule, {value, length});
+  checkRead(rule, {value, length}, m_path);
   values.put(rule.slot, value, length);
 }
 
@@ -230,7 +230,7 @@ void Parser::putOthers(const Item &item, List values, const Open &open) {
   m_path.field(rule.node);
   here();
   const std::string_view text = std::string_view(f_room.others).substr(open.others);
-  checkRead(rule, text);
+  checkRead(rule, text, m_path);
   putRead(rule, values, m_call.store, text);
   m_path.field(nullptr);
   f_room.others.resize(open.others);

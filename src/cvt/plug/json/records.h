@@ -49,6 +49,8 @@ struct CVT_RECORD JsonField {
   int nMandatory;
   int nKeepEmpty;
   int nMaxLen;
+  int nPosition;
+  char caGap[4];
   char *psDefault;
   char *psConst;
 };
@@ -113,6 +115,7 @@ inline constexpr kit::Attribute kJsonFieldRows[] = {
     KIT_TEXT(JsonField, psDefault, nullptr, "generating: written when the value is empty"),
     KIT_TEXT(JsonField, psConst, nullptr,
              "the only value the field may have; generating: written also when the value is empty"),
+    KIT_FLAG(JsonField, nPosition, 0, "1: the number of the repetition that the field stands in, from 1"),
 };
 inline constexpr kit::RecordType kJsonField =
     KIT_RECORD(JsonField, kJsonFieldRows, "a field, or a loop without children");

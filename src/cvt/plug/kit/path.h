@@ -38,6 +38,9 @@ class Path {
   // Null: no longer at a field.
   void field(const char *name) { m_field = name; }
 
+  // Of the innermost loop around, from 0; -1: in no repetition.
+  int repetition() const;
+
   // Empty at the message itself.
   std::string text() const;
 

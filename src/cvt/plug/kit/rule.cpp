@@ -44,6 +44,14 @@ void check(const Rule &rule, std::string_view value) {
               std::to_string(characters) + ", " + quotedText(value), "Raise nMaxLen, or shorten the value");
 }
 
+void checkPosition(std::string_view value, const Path &path) {
+  Digits digits;
+  const std::string_view expected = decimal(path.repetition() + 1, digits);
+  if (value.empty() || value == expected) return;
+  throw Fault(Fault::kHere, std::string(expected) + ", the number of its repetition", quotedText(value),
+              "Number the repetitions from 1, or leave the value out");
+}
+
 std::string_view constantToWrite(const Rule &rule, std::string_view value) {
   if (value.empty() || value == rule.constant) return rule.constant;
   throw Fault(Fault::kHere, quotedText(rule.constant), quotedText(value),
@@ -71,9 +79,18 @@ Rule Rules::make(size_t position, const RuleText &text, const std::string &path,
     throw Misconfigured(path, record, "a count field of one loop, without psDefault or psConst",
                         supplied ? "one with such an attribute" : "one of two loops");
   }
+  const char *misplaced = !m_level.repeated  ? "it outside of any loop"
+                          : counted != kNone ? "it on a count field"
+                          : supplied         ? "it beside one of them"
+                                             : nullptr;
+  if (text.nPosition != 0 && misplaced != nullptr) {
+    throw Misconfigured(path, record, "nPosition in a loop, on no count field, without psDefault and psConst",
+                        misplaced, "Remove nPosition");
+  }
   return {node.slot,
           node.name,
           text.nMandatory != 0,
+          text.nPosition != 0,
           static_cast<Empty>(text.nKeepEmpty),
           static_cast<size_t>(text.nMaxLen),
           text.psDefault,
@@ -81,10 +98,11 @@ Rule Rules::make(size_t position, const RuleText &text, const std::string &path,
           counted};
 }
 
-void checkRead(const Rule &rule, std::string_view value) {
+void checkRead(const Rule &rule, std::string_view value, const Path &path) {
   if (rule.constant != nullptr && value != rule.constant) {
     throw Fault(Fault::kHere, quotedText(rule.constant), quotedText(value), "The field is a constant");
   }
+  if (rule.position) checkPosition(value, path);
   check(rule, value);
 }
 
@@ -93,10 +111,12 @@ void putRead(const Rule &rule, List list, Store &store, std::string_view bytes) 
   list.put(rule.slot, store.copy(bytes.data(), bytes.size()), bytes.size());
 }
 
-std::string_view textToWrite(const Rule &rule, const List &list, Digits &digits) {
+std::string_view textToWrite(const Rule &rule, const List &list, const Path &path, Digits &digits) {
   std::string_view text;
   if (rule.countedLoop >= 0) {
     text = decimal(list.repetitions(rule.countedLoop), digits);
+  } else if (rule.position) {
+    text = decimal(path.repetition() + 1, digits);
   } else {
     text = list.get(rule.slot);
     if (rule.constant != nullptr) text = constantToWrite(rule, text);

@@ -1,5 +1,6 @@
 // rule.h: what a definition says of a value whatever its format: whether it must be there, how long it may
-// be, what stands in for it, and which loop it counts. The same in every format, with the same attributes:
+// be, what stands in for it, and which loop it counts or numbers. The same in every format, with the same
+// attributes:
 //
 //   nMandatory   the value must be there, in both directions
 //   nKeepEmpty   1: an empty value is written; 2: when it was given, so that what is there but empty stays
@@ -7,6 +8,8 @@
 //   nMaxLen      in characters
 //   psDefault    written when the value is empty
 //   psConst      written always; nothing else may be read or converted into it
+//   nPosition    the number of the repetition it stands in, from 1: written always, whatever the value says;
+//                no other may be read
 #pragma once
 
 #include <string>
@@ -26,6 +29,7 @@ struct Rule {
   int slot;
   const char *node;  // the field's name
   bool mandatory;
+  bool position;  // it is the number of its repetition
   Empty empty;
   size_t maxLength;      // in characters; 0: no limit
   const char *fallback;  // psDefault, or null
@@ -40,6 +44,7 @@ struct RuleText {
   int nMaxLen;
   const char *psDefault;
   const char *psConst;
+  int nPosition = 0;
 };
 
 // The rules of one level's fields.
@@ -48,7 +53,8 @@ class Rules {
   explicit Rules(const Level &level);
 
   // The rule of the field at that position of the level. path and record say where it is written. Throws
-  // Misconfigured for a constant with a default, and for a count field with either or of two loops.
+  // Misconfigured for a constant with a default, for a count field with either or of two loops, and for a
+  // position outside of any loop or on what is supplied otherwise.
   Rule make(size_t position, const RuleText &text, const std::string &path, const void *record) const;
 
   const Level &level() const { return m_level; }
@@ -58,25 +64,25 @@ class Rules {
   std::vector<int> m_counted;  // for each node, the slot of the loop that it counts
 };
 
-// A value that was read: the constant, mandatory and not too long. Throws Fault.
-void checkRead(const Rule &rule, std::string_view value);
+// A value that was read at that place: the constant, the position, mandatory and not too long. Throws Fault.
+void checkRead(const Rule &rule, std::string_view value, const Path &path);
 
 // Stores a copy of a value that was read and checked.
 void putRead(const Rule &rule, List list, Store &store, std::string_view bytes);
 
-// The digits of a count while it is written.
+// The digits of a count or a position while it is written.
 struct Digits {
   char bytes[16];
 };
 
-// The text to be written for a field: its count, constant, value or default. Throws Fault when it must not
-// be empty but is, is too long, or contradicts the constant.
-std::string_view textToWrite(const Rule &rule, const List &list, Digits &digits);
+// The text to be written for a field at that place: its count, position, constant, value or default. Throws
+// Fault when it must not be empty but is, is too long, or contradicts the constant.
+std::string_view textToWrite(const Rule &rule, const List &list, const Path &path, Digits &digits);
 
 // Whether the field is written at all, with that text.
 bool isWritten(const Rule &rule, const List &list, std::string_view text);
 
-// Whether the message gives the field something to write. A constant or a default is nothing.
+// Whether the message gives the field something to write. A constant, a default or a position is nothing.
 bool given(const Rule &rule, const List &list);
 
 // A count field that a parsed list must agree with.

@@ -122,6 +122,7 @@ class Builder {
     const Message *child = structOf(loop.message).ptChildNode;
     Level body = child == nullptr ? single(loop)
                                   : Builder(type.pptMessageIdx, path, depth + 1).build(child, type.nFieldNum);
+    body.repeated = true;
     m_level.nodes[position].body = std::make_unique<Level>(std::move(body));
     m_slot += count(child, 0);
   }

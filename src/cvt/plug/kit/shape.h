@@ -46,6 +46,7 @@ struct Node {
 struct Level {
   std::vector<Node> nodes;
   int slots = 0;  // positions of the level's index: what a value list of this level must have at least
+  bool repeated = false;  // the body of a loop
 };
 
 // The shape of a definition. Throws Misconfigured for a tree that cannot be walked: no StructAttr, no name, a

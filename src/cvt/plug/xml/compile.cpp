@@ -450,7 +450,8 @@ Element Compiler::element(const char *node, const std::string &name, const Scope
 }
 
 Text Compiler::textOf(const XmlField &field, const kit::Rules &rules, size_t at, const Scope &scope) const {
-  const kit::RuleText text{field.nMandatory, field.nKeepEmpty, field.nMaxLen, field.psDefault, field.psConst};
+  const kit::RuleText text{field.nMandatory, field.nKeepEmpty, field.nMaxLen,
+                           field.psDefault,  field.psConst,    field.nPosition};
   const int space = field.nSpace < 0 ? m_document.nSpace : field.nSpace;
   return {rules.make(at, text, scope.path, scope.record), static_cast<Space>(space)};
 }

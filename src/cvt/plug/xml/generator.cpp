@@ -74,7 +74,7 @@ void Generator::child(const Element &child, const List &list) {
 
 void Generator::field(const Element &child, const List &list) {
   m_path.field(child.node);
-  const std::string_view text = textToWrite(*child.text, list, m_digits);
+  const std::string_view text = textToWrite(*child.text, list, m_path, m_digits);
   if (isWritten(*child.text, list, text)) leaf(child, text);
   m_path.field(nullptr);
 }
@@ -93,7 +93,7 @@ void Generator::repetitions(const Element &child, const List &list) {
     m_path.repetition(i);
     const List body = list.repetition(child.loopSlot, i, child.bodySlots);
     if (child.field) {
-      leaf(child, textToWrite(*child.text, body, m_digits));
+      leaf(child, textToWrite(*child.text, body, m_path, m_digits));
     } else {
       element(child, body);
     }
@@ -132,7 +132,7 @@ void Generator::element(const Element &element, const List &list) {
   if (element.text.has_value()) {
     m_pretty = false;  // line breaks would become part of the text
     m_path.field(element.text->node);
-    putEscaped(m_out, *m_plan.charset, textToWrite(*element.text, list, m_digits), Place::Content);
+    putEscaped(m_out, *m_plan.charset, textToWrite(*element.text, list, m_path, m_digits), Place::Content);
     m_path.field(nullptr);
   }
   children(element, list);
@@ -155,7 +155,7 @@ void Generator::children(const Element &element, const List &list) {
 void Generator::attributes(const Element &element, const List &list) {
   for (const Attribute &attribute : element.attributes) {
     m_path.field(attribute.text.node);
-    const std::string_view text = textToWrite(attribute.text, list, m_digits);
+    const std::string_view text = textToWrite(attribute.text, list, m_path, m_digits);
     if (isWritten(attribute.text, list, text)) {
       m_out.put(attribute.open);
       putEscaped(m_out, *m_plan.charset, text, Place::AttributeValue);

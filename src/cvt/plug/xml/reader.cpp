@@ -277,7 +277,7 @@ void Reader::text(std::string_view bytes, Bytes bytesAre) {
 
 void Reader::store(const Text &text, kit::List list, std::string_view bytes) {
   const std::string_view value = spaced(bytes, text.space, m_room.collapsed);
-  checkRead(text, value);
+  checkRead(text, value, m_call.path);
   putRead(text, list, m_call.store, value);
 }
 

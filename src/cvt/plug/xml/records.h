@@ -45,7 +45,7 @@ struct CVT_RECORD XmlField {
   int nKeepEmpty;
   int nMaxLen;
   int nSpace;
-  char caGap[4];
+  int nPosition;
   char *psDefault;
   char *psConst;
 };
@@ -110,6 +110,7 @@ inline constexpr kit::Attribute kXmlFieldRows[] = {
     KIT_TEXT(XmlField, psDefault, nullptr, "generating: written when the value is empty"),
     KIT_TEXT(XmlField, psConst, nullptr,
              "the only value the field may have; generating: written also when the value is empty"),
+    KIT_FLAG(XmlField, nPosition, 0, "1: the number of the repetition that the field stands in, from 1"),
 };
 inline constexpr kit::RecordType kXmlField =
     KIT_RECORD(XmlField, kXmlFieldRows, "a field, or a loop without children");
