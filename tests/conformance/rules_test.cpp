@@ -172,7 +172,7 @@ TEST_F(Nesting, EveryLineIsOfLevelOneAndOfTheLibrary) {
   for (const test::LogLine &line : test::logLines()) {
     EXPECT_EQ(line.nLevel, 1) << line.sText;
     EXPECT_EQ(line.sModule, "$cvt2") << line.sText;
-    EXPECT_EQ(line.sFile, "cvt_convert.cpp") << line.sText;
+    EXPECT_EQ(line.sFile.rfind("cvt_convert", 0), 0U) << line.sText;
     EXPECT_GT(line.nLine, 0) << line.sText;
     EXPECT_NE(line.sFunction, "") << line.sText;
   }

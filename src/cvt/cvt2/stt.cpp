@@ -219,11 +219,14 @@ bool isWanted(void *ptXmlNode, const char *psName, const void *ptRecord, const c
   return false;
 }
 
+bool g_bMisfits = false;
+
 void markMisfit(const void *ptRecord) {
   f_misfits.insert(ptRecord);
+  g_bMisfits = true;
 }
 bool isMisfit(const void *ptRecord) {
-  return !f_misfits.empty() && f_misfits.count(ptRecord) != 0;
+  return g_bMisfits && f_misfits.count(ptRecord) != 0;
 }
 
 void *readChain(Reading &first) {
@@ -309,6 +312,7 @@ char *sttGetVoidType(void *pPoint) {
 
 int sttEnd() {
   f_misfits.clear();
+  cvt::bind::g_bMisfits = false;
   while (gptSttInfo != nullptr) {
     const std::unique_ptr<SttInfo> gone(gptSttInfo);
     gptSttInfo = gone->ptNext;

@@ -61,6 +61,7 @@ bool isWanted(void *ptXmlNode, const char *psName, const void *ptRecord, const c
 // Records that are kept where another type is wanted; forgotten with the registry.
 void markMisfit(const void *ptRecord);
 bool isMisfit(const void *ptRecord);
+extern bool g_bMisfits;  // whether there are any
 
 // A record pointer of whatever type the statement declares.
 struct AnyRecord {
