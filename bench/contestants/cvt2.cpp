@@ -1,9 +1,10 @@
 // cvt2.cpp: the library as a host uses it: started once, then each message parsed, converted, generated, and freed.
 //
-//   bench_cvt2 ROOT MESSAGE PIPELINE TARGET FRAME INPUT OUTPUT
+//   bench_cvt2 INPUT OUTPUT ROOT MESSAGE PIPELINE TARGET FRAME GROWTH
 //
 // FRAME says what a message is: `lines` (without their line feeds), `lines-lf` (with them), `rows` (`lines`, without
 // the first), `length2` (a length of two bytes in front, which the output has, too), `whole` (the file).
+// GROWTH: how many times the input's size the output has at most.
 // Where TARGET is PIPELINE, a message is not converted: it is generated again from its own values.
 #include "cvt.h"
 
@@ -106,14 +107,14 @@ void convertAs(std::string_view frame, Path &path, std::string_view input, Outpu
 }
 
 void run(char **arguments) {
-  const Library library(arguments[1]);
-  Path path{arguments[2], arguments[3], arguments[4]};
-  convertFile(arguments[6], arguments[7], 8,
-              [&](std::string_view input, Output &output) { convertAs(arguments[5], path, input, output); });
+  const Library library(arguments[3]);
+  Path path{arguments[4], arguments[5], arguments[6]};
+  convertFile(arguments[1], arguments[2], std::stoul(arguments[8]),
+              [&](std::string_view input, Output &output) { convertAs(arguments[7], path, input, output); });
 }
 
 }  // namespace
 
 int main(int count, char **arguments) {
-  return bench::program(count, arguments, 5, run);
+  return bench::program(count, arguments, 6, run);
 }

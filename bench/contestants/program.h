@@ -96,7 +96,7 @@ class Output {
 
 inline long long cpuNanoseconds() {
   timespec now{};
-  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
   return 1000000000LL * now.tv_sec + now.tv_nsec;
 }
 
