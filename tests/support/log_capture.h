@@ -19,6 +19,15 @@ struct LogLine {
 const std::vector<LogLine> &logLines();
 void clearLog();
 
+// While one lives, lines are not kept: for tests that count what is taken from the heap.
+class LogUnheard {
+ public:
+  LogUnheard();
+  ~LogUnheard();
+  LogUnheard(const LogUnheard &) = delete;
+  LogUnheard &operator=(const LogUnheard &) = delete;
+};
+
 // The texts of all lines of one level, in order; level 0: of all levels.
 std::vector<std::string> logTexts(int nLevel = 1);
 

@@ -109,6 +109,46 @@ TEST_F(HeapSilence, RepetitionCounts) {
   EXPECT_EQ(allocationsOf({copy(loopNum(src("Items")), dst("X"))}), 0);
 }
 
+// A function's argument may be of every kind; a record comes as it is, here a constant.
+TEST_F(HeapSilence, EveryKindOfArgument) {
+  const ArgXml record = {5, "<Value __ID='pInfo' psValue='raw' nLen='3'/>"};
+  const Args kinds = {src("A"), dst("X"), value("v"), func("last", {src("B")}), loopNum(src("Items")),
+                      record};
+  Args rules = {copy(src("A"), dst("X"))};
+  for (const ArgXml &last : kinds) {
+    Args arguments = kinds;
+    arguments.push_back(last);
+    rules.push_back(copy(func("last", arguments), dst("Y")));
+  }
+  EXPECT_EQ(allocationsOf(rules), 0);
+}
+
+TEST_F(HeapSilence, EveryKindOfOperand) {
+  const Args kinds = {src("A"), dst("X"), value("a"), func("last", {src("A")}), loopNum(src("Items"))};
+  std::vector<CaseXml> list;
+  Args rules = {copy(src("B"), dst("X"))};
+  for (const ArgXml &left : kinds) {
+    for (const ArgXml &right : kinds) {
+      list.push_back(when({equal(left, value("no")), equal(right, value("neither"))}, {}));
+      rules.push_back(mapping({left}, {tagged(value("no"), {}), tagged(right, {copy(left, dst("Y"))})}));
+    }
+  }
+  list.push_back(otherwise({copy(src("A"), dst("Y"))}));
+  rules.push_back(cases(list));
+  EXPECT_EQ(allocationsOf(rules), 0);
+}
+
+TEST_F(HeapSilence, RulesInRulesInRules) {
+  const ArgXml inner = cases({when(
+      {equal(src("Part"), value("p"))},
+      {mapping({src("Part")}, {tagged(value("p"), {copy(func("last", {src("Part")}), dst("Cell"))})})})});
+  const ArgXml flat = loopRule(src("Items"), level(), {copy(src("Code"), dst("Y"))});
+  EXPECT_EQ(
+      allocationsOf({flat, loopRule(level(), dst("Rows"), {copy(src("A"), dst("Name"))}),
+                     loopRule(src("Items"), dst("Rows"), {loopRule(src("Parts"), dst("Cells"), {inner})})}),
+      0);
+}
+
 TEST_F(HeapSilence, LookUpOfAConverter) {
   load({});
   const Converter *pt = cvtGetCvt(cs("C"));
