@@ -108,11 +108,11 @@ void checkMessageName(const std::string &name) {
                 "-m: the configuration has no message type '" + name + "'; known: " + knownMessages());
 }
 
-bool converts(const FormatInfo &pipeline) {
-  for (const IdFunc *step = pipeline.ptGenFunc; step != nullptr; step = step->ptNext) {
-    if (isNamed(step->psFunctName, "pubConvert")) return true;
+IdFunc *convertStep(const FormatInfo &pipeline) {
+  for (IdFunc *step = pipeline.ptGenFunc; step != nullptr; step = step->ptNext) {
+    if (isNamed(step->psFunctName, "pubConvert")) return step;
   }
-  return false;
+  return nullptr;
 }
 
 std::string knownTargets(const Msg &msg) {

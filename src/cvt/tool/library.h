@@ -34,8 +34,8 @@ const FormatInfo &generatePipeline(const std::string &formatId);
 void checkMessageName(const std::string &name);
 std::string knownMessages();
 
-// Whether the generate chain takes its message from a converter.
-bool converts(const FormatInfo &pipeline);
+// The step with which the generate chain takes its message from a converter; null when it does not.
+IdFunc *convertStep(const FormatInfo &pipeline);
 
 // For a message that no converter takes to the format: the formats it can be converted to.
 std::string knownTargets(const Msg &msg);

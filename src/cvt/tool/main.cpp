@@ -1,4 +1,4 @@
-// The command cvt2: parses, converts and generates messages with the library.
+// The command cvt2: parses, converts and generates messages with the library, and measures it.
 #include <cstdarg>
 #include <exception>
 
@@ -33,6 +33,8 @@ Exit runVerb(const Options &options) {
       return parse(options);
     case Verb::generate:
       return generate(options);
+    case Verb::bench:
+      return bench(options);
   }
   return Exit::internal;
 }

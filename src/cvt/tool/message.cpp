@@ -82,8 +82,9 @@ MessageHandle Parser::parsed(const Frame &frame) {
   return message;
 }
 
-Generator::Generator(const Options &options)
-    : m_format(options.to), m_pipeline(generatePipeline(options.to)), m_buffer(options.maxOutput) {}
+Generator::Generator(const Options &options) : m_format(options.to), m_buffer(options.maxOutput) {
+  generatePipeline(m_format);
+}
 
 Generated Generator::converted(InnerMessage &source) {
   int size = m_buffer.size();

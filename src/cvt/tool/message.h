@@ -44,13 +44,10 @@ class Generator {
   // As it is: the generate chain gets the message itself.
   std::string_view asIs(InnerMessage &message);
 
-  const FormatInfo &pipeline() const { return m_pipeline; }
-
  private:
   std::string_view checked(int size) const;
 
   std::string m_format;
-  const FormatInfo &m_pipeline;
   OutputBuffer m_buffer;
 };
 

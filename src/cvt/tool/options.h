@@ -8,7 +8,7 @@
 
 namespace tool {
 
-enum class Verb { convert, parse, generate };
+enum class Verb { convert, parse, generate, bench };
 
 struct Options {
   Verb verb = Verb::convert;
@@ -25,6 +25,8 @@ struct Options {
   bool bJson = false;
   bool bAll = false;
   size_t maxOutput = 0;
+  double seconds = 0;     // to measure for
+  uint64_t messages = 0;  // to measure at most; 0: any number
   int verbosity = 0;
 };
 

@@ -19,6 +19,7 @@ class Progress {
   // Writes the totals and messages per second when there is more than one message, or in any case.
   void total(bool bAnyCase);
 
+  uint64_t messages() const { return m_messages; }
   uint64_t refusals() const { return m_refused; }
 
  private:

@@ -5,7 +5,6 @@
 
 #include "input_file.h"
 #include "log.h"
-#include "progress.h"
 #include "signals.h"
 
 namespace tool {
@@ -13,8 +12,8 @@ namespace {
 
 class Run {
  public:
-  Run(const Options &options, const HandleMessage &handle)
-      : m_options(options), m_handle(handle), m_output(options.output) {
+  Run(const Options &options, Progress &progress, const HandleMessage &handle)
+      : m_options(options), m_progress(progress), m_handle(handle), m_output(options.output) {
     if (!options.rejects.empty()) m_rejects.emplace(options.rejects);
   }
 
@@ -22,7 +21,7 @@ class Run {
     const bool bComplete = inputs();
     if (m_rejects) m_rejects->commit();
     if (bComplete) m_output.commit();
-    m_progress.total(m_options.verbosity > 0);
+    m_progress.clear();
     return m_progress.refusals() == 0 ? Exit::ok : Exit::data;
   }
 
@@ -91,17 +90,24 @@ class Run {
   }
 
   const Options &m_options;
+  Progress &m_progress;
   const HandleMessage &m_handle;
   OutputFile m_output;
   std::optional<OutputFile> m_rejects;
-  Progress m_progress;
 };
 
 }  // namespace
 
-Exit run(const Options &options, const HandleMessage &handle) {
+Exit run(const Options &options, Progress &progress, const HandleMessage &handle) {
   for (const std::string &path : options.inputs) checkReadable(path);
-  return Run(options, handle).all();
+  return Run(options, progress, handle).all();
+}
+
+Exit run(const Options &options, const HandleMessage &handle) {
+  Progress progress;
+  const Exit exit = run(options, progress, handle);
+  progress.total(options.verbosity > 0);
+  return exit;
 }
 
 }  // namespace tool

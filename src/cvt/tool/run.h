@@ -5,6 +5,7 @@
 
 #include "options.h"
 #include "output_file.h"
+#include "progress.h"
 
 namespace tool {
 
@@ -14,5 +15,8 @@ using HandleMessage = std::function<void(const Frame &frame, OutputFile &output)
 // Reports refused messages with their file, record number and byte offset, and keeps their bytes. Returns
 // what the run comes to; a run that stops at a refused message leaves no output file.
 Exit run(const Options &options, const HandleMessage &handle);
+
+// The same, told to a progress of the caller's, who also has its totals to tell.
+Exit run(const Options &options, Progress &progress, const HandleMessage &handle);
 
 }  // namespace tool

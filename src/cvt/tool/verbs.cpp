@@ -1,5 +1,6 @@
 #include "verbs.h"
 
+#include "bench_report.h"
 #include "json.h"
 #include "layout.h"
 #include "message.h"
@@ -31,6 +32,13 @@ MessageHandle filled(const Options &options, const Frame &frame, Layouts &layout
 
 bool isBlank(const Frame &frame) {
   return std::string_view(frame.data, frame.size).find_first_not_of(" \t\r\n") == std::string_view::npos;
+}
+
+[[noreturn]] void nothingToMeasure(const Progress &progress) {
+  if (progress.refusals() == 0) {
+    throw Failure(Exit::noInput, "nothing to measure: no message in the input; check INPUT and --framing");
+  }
+  throw Failure(Exit::data, "nothing to measure: every message was refused");
 }
 
 }  // namespace
@@ -68,7 +76,7 @@ Exit parse(const Options &options) {
 Exit generate(const Options &options) {
   Generator generator(options);
   if (!options.message.empty()) checkMessageName(options.message);
-  const bool bConverts = converts(generator.pipeline());
+  const bool bConverts = convertStep(generatePipeline(options.to)) != nullptr;
   Layouts layouts;
   return run(options, [&](const Frame &frame, OutputFile &output) {
     if (isBlank(frame)) return;
@@ -76,6 +84,21 @@ Exit generate(const Options &options) {
     writeFramed(options.outFraming,
                 bConverts ? generator.converted(*message).bytes : generator.asIs(*message), output);
   });
+}
+
+Exit bench(const Options &options) {
+  Bench bench(options);
+  Progress progress;
+  const Exit read = run(options, progress, [&](const Frame &frame, OutputFile &) { bench.take(frame); });
+  if (read != Exit::ok && !options.bKeepGoing) return read;
+  if (bench.held() == 0) nothingToMeasure(progress);
+  const BenchResult result = bench.measure();
+  const uint64_t refused = progress.refusals() + result.refused;
+  const BenchReport report{result, progress.messages(), refused, bench.heldBytes(), peakMemory()};
+  OutputFile output(options.output);
+  output.write(options.bJson ? benchJson(report) : benchTable(report));
+  output.commit();
+  return refused == 0 ? Exit::ok : Exit::data;
 }
 
 }  // namespace tool

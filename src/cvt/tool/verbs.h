@@ -9,5 +9,6 @@ namespace tool {
 Exit convert(const Options &options);
 Exit parse(const Options &options);
 Exit generate(const Options &options);
+Exit bench(const Options &options);
 
 }  // namespace tool
