@@ -146,6 +146,25 @@ TEST_F(CsvRecords, HoldLoopsOfFieldsToTheirEndOrByCount) {
   refused("M", "A,f,0,g,123\n", "Field[A.Rest[0].Rest] Offset[8]: expected at most 2 characters, found 3");
 }
 
+TEST_F(CsvRecords, AreNumberedByTheInnermostLoopAroundThem) {
+  const FormatNode line = field("No", "nPosition=\"1\"");
+  m_config.message(
+      "M", "",
+      {loop("Batches", "CsvRecord", "psTag=\"B\"", "",
+            {line, loop("Pairs", "CsvGroup", "", "", {field("X"), field("At", "nPosition=\"1\"")}),
+             loop("Items", "CsvRecord", "psTag=\"I\"", "",
+                  {line, record("Note", "psTag=\"N\"", {line, field("Text")})}),
+             record("Sum", "psTag=\"S\"", {line, field("Total")})})});
+  start();
+  same("M", "B,1,a,1,b,2\nI,1\nI,2\nN,2,t\nI,3\nS,1,9\nB,2\nI,1\nS,2,9\n");
+  EXPECT_EQ(pass("M", "B,,a,\nI,\nI,\nN,,t\nB,\n"), "B,1,a,1\nI,1\nI,2\nN,2,t\nB,2\n") << told();
+  refused("M", "B,1\nI,1\nI,2\nN,1,t\n",
+          "Field[Batches[0].Items[1].Note.No] Offset[14]: expected 2, the number of its repetition, found "
+          "\"1\".");
+  refused("M", "B,1,a,1,b,1\n", "Field[Batches[0].Pairs[1].At] Offset[10]: expected 2, the number of its");
+  refused("M", "B,1\nB,2\nS,1,\n", "Field[Batches[1].Sum.No] Offset[10]: expected 2, the number of its");
+}
+
 TEST_F(CsvRecords, HoldAlternativesThatAValueChooses) {
   m_config.message("M", "",
                    {record("A", "psTag=\"A\"",

@@ -277,6 +277,31 @@ TEST_F(CsvTable, NamesAreQuotedInTheHeaderLineWhereTheyNeedIt) {
 // --- Rules, limits, character sets
 // ----------------------------------------------------------------------------------
 
+TEST_F(CsvTable, APositionIsTheNumberOfItsRow) {
+  m_config.message(
+      "M", "psHeader=\"names\"",
+      {rows({field("A"), group("G", "", {field("Line", "psName=\"#\" nPosition=\"1\""), field("B")})})});
+  m_config.message("Short", "nShort=\"1\"",
+                   {rows({field("A"), field("Line", "nPosition=\"1\" nMandatory=\"1\"")})});
+  m_config.message("Quoted", "psQuoting=\"always\"", {rows({field("Line", "nPosition=\"1\"")})});
+  ASSERT_EQ(m_config.start(), 0) << told();
+  for (const char *const ps : {"A,#,B\nx,1,y\n,2,\n", "A,#,B\n"}) EXPECT_EQ(pass("M", ps), ps) << told();
+  EXPECT_EQ(pass("M", "#,A,B\n,x,y\n\"2\",,z\n\"\",,\n"), "A,#,B\nx,1,y\n,2,z\n,3,\n") << told();
+  refused(
+      "M", "A,#,B\n,1,\n,1,\n",
+      "Field[Rows[1].G.Line] Offset[11]: expected 2, the number of its repetition, found \"1\". Number the "
+      "repetitions from 1, or leave the value out.");
+  refused("M", "A,#,B\n,01,\n", "Field[Rows[0].G.Line] Offset[7]: expected 1, the number of its repetition");
+  refused("Short", "x\n", "Field[Rows[0].Line] Offset[1]: expected a value, found none.");
+  EXPECT_EQ(pass("Quoted", "1\n\n"), "\"1\"\n\"2\"\n") << told();
+  const Text text = create("Short");
+  for (const char *const psValue : {"77", "x", ""}) {
+    addTime(text, "Rows");
+    set(text, "Rows.Line", psValue);
+  }
+  EXPECT_EQ(generate(text), ",1\n,2\n,3\n") << told();
+}
+
 TEST_F(CsvTable, WhatHoldsForAValueIsCheckedInBothDirections) {
   m_config.message("M", "",
                    {field("A", "psConst=\"H\""), field("B", "nMandatory=\"1\" nMaxLen=\"3\""),

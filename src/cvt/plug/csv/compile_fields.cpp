@@ -61,10 +61,11 @@ Item Compiler::field(const Scope &scope, size_t at) {
             (kind == FieldKind::Wraps ? " in the record itself" : " at the end of the message"),
         "it elsewhere");
   }
-  const kit::RuleText rule{said.nMandatory, said.nKeepEmpty, said.nMaxLen, said.psDefault, said.psConst};
+  const kit::RuleText rule{said.nMandatory, said.nKeepEmpty, said.nMaxLen,
+                           said.psDefault,  said.psConst,    said.nPosition};
   Item item;
   static_cast<kit::Rule &>(item.field) = scope.rules->make(at, rule, path, &said);
-  item.field.simple = item.field.constant == nullptr && item.field.countedLoop < 0;
+  item.field.simple = item.field.constant == nullptr && item.field.countedLoop < 0 && !item.field.position;
   item.field.column = said.psName != nullptr ? said.psName : node.name;
   const int quoting = said.nQuoting == kNotGiven ? m_text.nQuoting : said.nQuoting;
   item.field.quoted = quoting == static_cast<int>(Quoting::Always);
@@ -115,6 +116,9 @@ void Compiler::choice(Compound &choice, const CsvGroup &said, const Scope &scope
     choice.selectSlot = node.slot;
     choice.selectNode = node.name;
     const CsvField *field = kit::recordAs<CsvField>(node.record, kCsvField);
+    if (field != nullptr && field->nPosition != 0) {
+      throw Misconfigured(scope.path, &said, "a field whose value is its own in psSelect", "a position");
+    }
     if (field != nullptr) choice.selectElse = field->psConst != nullptr ? field->psConst : field->psDefault;
   }
   if (choice.selectSlot < 0) {

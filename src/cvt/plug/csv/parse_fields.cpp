@@ -67,7 +67,7 @@ void Parser::put(const Field &field, const Token &token, List values) {
   if (m_reader.high()) checkUtf8(token);
   if (token.escaped) return putUnescaped(field, token, values);
   const std::string_view bytes = token.bytes;
-  if (field.constant != nullptr || (bytes.empty() ? field.mandatory : field.maxLength != 0)) {
+  if (!field.simple || (bytes.empty() ? field.mandatory : field.maxLength != 0)) {
     checkRead(field, bytes, m_path);
   }
   // Nothing at all is an empty value that was given only where it could not have been put in quotes.

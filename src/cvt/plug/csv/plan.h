@@ -71,7 +71,7 @@ struct Field : kit::Rule {
   Shape shape = Shape::Variable;
   bool quoted = false;  // always written in quotes
   bool padded = false;
-  bool simple = false;  // no constant and no count
+  bool simple = false;  // no constant, no count and no position
   char pad = ' ';
   size_t length = 0;  // fixed: characters
 };

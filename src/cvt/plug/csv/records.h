@@ -76,7 +76,7 @@ struct CVT_RECORD CsvField {
   int nMandatory;
   int nKeepEmpty;
   int nMaxLen;
-  char caGap[4];
+  int nPosition;
 };
 
 // FormatAttr.pInfo of a group that is a record, and of a loop of records.
@@ -175,6 +175,7 @@ inline constexpr kit::Attribute kCsvFieldRows[] = {
     KIT_TEXT(CsvField, psDefault, nullptr, "generating: written when the value is empty"),
     KIT_TEXT(CsvField, psConst, nullptr,
              "the only value the field may have; generating: written also when the value is empty"),
+    KIT_FLAG(CsvField, nPosition, 0, "1: the number of the repetition that the field stands in, from 1"),
 };
 inline constexpr kit::RecordType kCsvField =
     KIT_RECORD(CsvField, kCsvFieldRows, "a field, or a loop without children");

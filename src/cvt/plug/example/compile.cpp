@@ -29,9 +29,10 @@ LevelPlan compileLevel(const kit::Level &level, const std::string &around) {
     if (node.kind == kit::NodeKind::Field) {
       const ExampleField &field =
           kit::recordOr(node.record, kExampleField, kPlainField, "FormatAttr.pInfo", path);
-      plan.rules[at] =
-          rules.make(at, {field.nMandatory, field.nKeepEmpty, field.nMaxLen, field.psDefault, field.psConst},
-                     path, node.record);
+      plan.rules[at] = rules.make(at,
+                                  {field.nMandatory, field.nKeepEmpty, field.nMaxLen, field.psDefault,
+                                   field.psConst, field.nPosition},
+                                  path, node.record);
     } else if (node.kind == kit::NodeKind::Loop) {
       plan.most[at] = kit::recordOr(node.loopRecord, kExampleLoop, kPlainLoop, "LoopType.ptInfo", path).nMax;
       plan.bodies[at] = std::make_unique<LevelPlan>(compileLevel(*node.body, path));

@@ -21,7 +21,7 @@ struct CVT_RECORD ExampleField {
   int nMandatory;
   int nKeepEmpty;
   int nMaxLen;
-  char caGap[4];
+  int nPosition;
   char *psDefault;
   char *psConst;
 };
@@ -44,6 +44,7 @@ inline constexpr kit::Attribute kExampleFieldRows[] = {
     KIT_INT(ExampleField, nMaxLen, 0, 1, 100000000, "characters that the value may have"),
     KIT_TEXT(ExampleField, psDefault, nullptr, "generating: written when the value is empty"),
     KIT_TEXT(ExampleField, psConst, nullptr, "the only value that the field may have"),
+    KIT_FLAG(ExampleField, nPosition, 0, "1: the number of the repetition that the field stands in, from 1"),
 };
 inline constexpr kit::RecordType kExampleField = KIT_RECORD(ExampleField, kExampleFieldRows, "a field");
 
