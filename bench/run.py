@@ -101,6 +101,12 @@ class Entry:
         known = [times.inside for times in self.full if times.inside is not None]
         return min(known) / messages if known else None
 
+    def outside(self, messages):
+        """CPU nanoseconds a message that are not of its conversion: reading and writing."""
+        def least(runs):
+            return min(times.process - times.inside for times in runs)
+        return max(0, least(self.full) - least(self.one)) / max(1, messages - 1)
+
     def peak(self):
         return max((times.peak for times in self.full), default=None)
 
