@@ -21,7 +21,33 @@ TEST(FixDefinition, WhereAndWhatToWriteIsSaid) {
             "psAlign, psPad, "
             "psConst, nTag, psValues, psDefault, psBlank, psCharset, psControl, psOverflow, nDecimals, "
             "psSign, psPlus, "
-            "nPoint, psLenField, psEnd, nRest, nOptional, found nLenn. Write nLen");
+            "nPoint, psLenField, psEnd, nRest, nOptional, nPosition, found nLenn. Write nLen");
+}
+
+TEST(FixDefinition, APositionStandsInALoopAndHasNoOtherUse) {
+  const std::string sNumber = "nLen=\"2\" psType=\"number\" nPosition=\"1\" ";
+  expectRefusal(
+      refusal({group("G", "", {field("F", sNumber)})}),
+      "Node[G.F] File[M.xml:2]: expected nPosition in a loop, found it outside of any. Remove nPosition.");
+  const auto inLoop = [](const std::vector<FormatNode> &body) {
+    return refusal({loop("L", "nCount=\"2\"", body)});
+  };
+  for (const char *more : {"psConst=\"1\"", "psDefault=\"1\"", "psValues=\"1|2\"", "nDecimals=\"1\""}) {
+    expectRefusal(inLoop({field("F", sNumber + more)}), "found it with another use.");
+  }
+  for (const char *more : {"psOverflow=\"cut\"", "psEnd=\"*\"", "nOptional=\"1\""}) {
+    expectRefusal(inLoop({field("F", "nLen=\"2\" nPosition=\"1\" " + std::string(more))}),
+                  "found it with another use.");
+  }
+  expectRefusal(inLoop({field("F", sNumber), loop("K", "", {field("A", "nLen=\"1\"")}, "F")}),
+                "expected a count field that is a whole number, found F.");
+  expectRefusal(inLoop({field("F", sNumber), field("A", "nLen=\"9\" psLenField=\"F\"")}),
+                "expected a length field that is a whole number and nothing else, found F.");
+  expectRefusal(
+      inLoop({field("F", sNumber),
+              group("G", "FixGroup nOptional=\"1\" psBy=\"F\" psWhen=\"1\"", {field("A", "nLen=\"1\"")})}),
+      "expected psBy with a field whose value is its own, found F, a constant, a count, a length, a "
+      "position, or one");
 }
 
 TEST(FixDefinition, FieldNeedsItsRecord) {

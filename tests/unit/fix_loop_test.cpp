@@ -71,6 +71,42 @@ TEST(FixLoop, CountFieldIsWrittenFromTheRepetitions) {
   EXPECT_EQ(generate(message), "03aa007bb007cc007");
 }
 
+TEST(FixLoop, APositionIsTheNumberOfTheRepetitionAroundIt) {
+  const FormatNode number = field("No", "nLen=\"2\" psType=\"number\" nPosition=\"1\"");
+  const OneMessage m({loop("L", "nCount=\"2\"",
+                           {number, group("G", "", {field("Text", "nLen=\"3\" nPosition=\"1\"")}), kCount,
+                            loop("K", "", {number}, "Count")})});
+  expectSame("011  020102022  00");
+  EXPECT_EQ(
+      faultOf("011  00032  00"),
+      "Msg[M] Field[L[1].No] Offset[7]: expected 2, the number of its repetition, found \"3\". Number the "
+      "repetitions from 1.");
+  expectRefusal(faultOf("0101 00"),
+                "Field[L[0].G.Text] Offset[2]: expected 1, the number of its repetition, found "
+                "\"01\".");
+  expectRefusal(faultOf("011  020101"),
+                "Field[L[0].K[1].No] Offset[9]: expected 2, the number of its repetition");
+  const Record read = parse("M", "01   00022  00");
+  EXPECT_EQ(generate(read), "011  00022  00") << "a blank one may be read, and is written";
+}
+
+TEST(FixLoop, APositionIsWrittenWhateverItsValueSays) {
+  for (const char *type : {"text", "number", "packed", "binary", "zoned"}) {
+    const std::string sField = "nLen=\"2\" psType=\"" + std::string(type) + "\" nPosition=\"1\"";
+    const OneMessage m({kCount, loop("L", "", {field("No", sField)}, "Count")});
+    const Record message = create("M");
+    for (const char *value : {"77", "x", ""}) {
+      addTime(message, "L");
+      set(message, "L.No", value);
+    }
+    const std::string bytes = generate(message);
+    expectSame(bytes);
+    const Record again = parse("M", bytes);
+    ASSERT_TRUE(at(again, "L", 2)) << type << told();
+    EXPECT_EQ(get(again, "L.No"), "3") << type;
+  }
+}
+
 TEST(FixLoop, CountFieldMayBePackedOrBinary) {
   for (const char *type : {"psType=\"packed\"", "psType=\"binary\"", "psType=\"bcd\"", "psType=\"zoned\""}) {
     const OneMessage m(

@@ -78,7 +78,10 @@ class LevelCompiler {
     m_plan.ops[i].detail = m_plan.fields.size();
     m_plan.fields.push_back(compileField(node.name, *record, m_settings, path));
     FieldPlan &plan = m_plan.fields.back();
-    if (!plan.optional && plan.lengthBy == Length::Fixed) return;
+    if (plan.position && m_scope == nullptr) {
+      throw Misconfigured(path, record, "nPosition in a loop", "it outside of any", "Remove nPosition");
+    }
+    if (!plan.optional && !plan.position && plan.lengthBy == Length::Fixed) return;
     m_plan.ops[i].kind = Kind::Special;
     const bool ends = m_scope == nullptr || (inRecord && !m_inRecord);
     if (!ends && (plan.optional || plan.lengthBy == Length::Rest)) {
@@ -343,9 +346,9 @@ class LevelCompiler {
     const Node &node = m_shape.nodes[i];
     const auto at = static_cast<size_t>(node.countNode);
     FieldPlan &field = m_plan.fields[m_plan.ops[at].detail];
-    const bool taken =
-        field.constant || field.optional || field.decides || field.lengthOf != LengthOf::Nothing;
-    if (!field.isNumber() || field.number.decimals != 0 || taken) {
+    const bool own = !field.constant && !field.optional && !field.decides && !field.position &&
+                     field.lengthOf == LengthOf::Nothing;
+    if (!field.isNumber() || field.number.decimals != 0 || !own) {
       throw Misconfigured(path, m_shape.nodes[at].record, "a count field that is a whole number", field.name,
                           "Write psType=\"number\" or another number type on it");
     }

@@ -64,6 +64,7 @@ class FieldCompiler {
     if (m_plan.isNumber()) compileNumber();
     compileBlank();
     compileValues();
+    if (m_record.nPosition != 0) compilePosition();
     m_plan.checked = !m_plan.blankAllowed || !m_plan.allowed.empty();
     return std::move(m_plan);
   }
@@ -272,6 +273,16 @@ class FieldCompiler {
     m_plan.bytes = fieldBytes(m_plan, m_record.psConst, m_path, &m_record);
     m_plan.value = asRead(m_record.psConst);
     m_plan.constant = true;
+  }
+
+  void compilePosition() {
+    const bool own = !m_plan.constant && !m_plan.hasDefault && m_plan.allowed.empty() && !m_plan.cut &&
+                     !m_plan.optional && m_plan.lengthBy == Length::Fixed && m_plan.number.decimals == 0;
+    if (!own) {
+      refuse("nPosition on a text or a whole number of fixed length, and nothing else", "it with another use",
+             "Remove psConst, psValues, psDefault, psOverflow, nOptional, nDecimals, or nPosition");
+    }
+    m_plan.position = true;
   }
 
   std::string asRead(const std::string &value) const {

@@ -29,11 +29,11 @@ auto *namedField(const kit::Level &shape, Level &plan, size_t position, const ch
 // A field whose value decides is what it was when it is read again.
 void checkDecides(const FieldPlan &field, const char *by, const std::string &path, const void *record) {
   const bool own = !field.constant && !field.hasDefault && !field.cut && field.counts.empty() &&
-                   field.lengthOf == LengthOf::Nothing;
+                   field.lengthOf == LengthOf::Nothing && !field.position;
   if (own) return;
   throw Misconfigured(
       path, record, "psBy with a field whose value is its own",
-      std::string(by) + ", a constant, a count, a length, or one with psDefault or psOverflow",
+      std::string(by) + ", a constant, a count, a length, a position, or one with psDefault or psOverflow",
       "Name another field");
 }
 
@@ -46,7 +46,8 @@ size_t findLength(const Level &shape, const LevelPlan &plan, size_t from, size_t
     if (field == nullptr) continue;
     const bool whole = field->isNumber() && field->number.decimals == 0 && !field->blankAllowed;
     const bool own = !field->constant && !field->hasDefault && field->allowed.empty() &&
-                     field->counts.empty() && field->lengthOf == LengthOf::Nothing && !field->decides;
+                     field->counts.empty() && field->lengthOf == LengthOf::Nothing && !field->decides &&
+                     !field->position;
     if (whole && own) return i;
     throw Misconfigured(path, record, "a length field that is a whole number and nothing else", field->name,
                         "Write psType=\"number\" or another number type on it, without psConst, psValues, "

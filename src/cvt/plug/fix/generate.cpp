@@ -89,10 +89,15 @@ class Generator {
       throw Fault(m_out.offset(), "loops of one length behind one count field",
                   std::to_string(repetitions) + " and " + std::to_string(other) + " repetitions", "");
     }
-    char digits[16];
-    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, repetitions);
-    (void)error;  // an int always fits
-    writeField(field, {digits, static_cast<size_t>(end - digits)}, m_out);
+    writeKnown(field, static_cast<size_t>(repetitions), m_out);
+  }
+
+  // A count, a position or a length.
+  static void writeKnown(const FieldPlan &field, size_t number, kit::Output &out) {
+    char digits[24];
+    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, number);
+    (void)error;  // it always fits
+    writeField(field, {digits, static_cast<size_t>(end - digits)}, out);
   }
 
   // Whether anything of the node has a value.
@@ -199,6 +204,7 @@ class Generator {
     if (plan.optional && !anyGiven(level, i, to, values)) return;
     m_call.path.field(plan.name);
     endRecord();
+    if (plan.position) return writeKnown(plan, static_cast<size_t>(m_call.path.repetition()) + 1, m_out);
     const size_t start = m_out.offset();
     if (plan.lengthOf != LengthOf::Nothing) {
       m_lengthsAt[plan.lengthNumber] = start;
@@ -228,10 +234,7 @@ class Generator {
     const size_t at = m_lengthsAt[plan.lengthNumber];
     kit::Output there(m_out.at(0), at, at + plan.length);
     m_call.path.field(plan.name);
-    char digits[24];
-    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, length);
-    (void)error;  // a length always fits
-    writeField(plan, {digits, static_cast<size_t>(end - digits)}, there);
+    writeKnown(plan, length, there);
   }
 
   // The separator of the last record is written when something follows: only the end may do without.

@@ -131,6 +131,7 @@ void Parser::special(const LevelPlan &level, const Op &op, List &values) {
                              : variableWidth(field, level.fields[field.lengthField], values);
   const std::string_view value = fixed ? readField(field, m_at, width, offset(), m_call.store)
                                        : readVariable(field, {m_at, width}, offset(), m_call.store);
+  if (field.position) checkPosition(value);
   values.put(op.slot, value.data(), value.size());
   m_at += width + (field.lengthBy == Length::Mark ? 1 : 0);
   const bool ofRecord = field.lengthOf == LengthOf::RecordRest || field.lengthOf == LengthOf::RecordAll;
@@ -171,6 +172,16 @@ size_t Parser::statedNumber(const char *what, const char *name, std::string_view
   const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), number);
   if (error == std::errc() && end == value.data() + value.size()) return number;
   throw Fault(offset(), what, stated(name, value), "");
+}
+
+void Parser::checkPosition(std::string_view value) const {
+  char digits[16];
+  const auto [end, error] = std::to_chars(digits, digits + sizeof digits, m_call.path.repetition() + 1);
+  (void)error;  // an int always fits
+  const std::string_view expected(digits, static_cast<size_t>(end - digits));
+  if (value.empty() || value == expected) return;
+  throw Fault(offset(), std::string(expected) + ", the number of its repetition",
+              quoted(value.data(), value.size()), "Number the repetitions from 1");
 }
 
 // --- Choices

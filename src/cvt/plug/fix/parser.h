@@ -58,6 +58,7 @@ class Parser {
   size_t markedWidth(const FieldPlan &field) const;
   size_t statedNumber(const char *what, const char *name, std::string_view value) const;
   void recordLength(const FieldPlan &field, std::string_view value);
+  void checkPosition(std::string_view value) const;
 
   const Plan &m_plan;
   kit::ParseCall &m_call;

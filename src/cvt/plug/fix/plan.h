@@ -46,6 +46,7 @@ struct FieldPlan {
   bool hasDefault = false;
   bool optional = false;  // the record may end before it
   bool decides = false;   // its value tells whether a node is there
+  bool position = false;  // it is the number of its repetition
   char pad = ' ';         // the byte that fills
   char padText = ' ';     // the same inside a decoded text
   char blank = ' ';       // a blank number
@@ -118,7 +119,7 @@ struct LoopPlan {
   std::unique_ptr<LevelPlan> body;
 };
 
-// Special: a field whose length is not fixed, that may be missing, or that is a length itself.
+// Special: a field whose length is not fixed, that may be missing, that is a length itself or a position.
 // Those that have a value of their own come first.
 enum class Kind : unsigned char { Field, Special, Loop, Group, Choice, Record, End };
 

@@ -65,6 +65,7 @@ constexpr kit::Attribute kFieldRows[] = {
     KIT_BYTE(FixField, nEnd, "psEnd", kNotGiven, "the mark behind the field, which ends it"),
     KIT_FLAG(FixField, nRest, 0, "1: the field has what is left of the record"),
     KIT_FLAG(FixField, nOptional, 0, "1: the record may end before this field"),
+    KIT_FLAG(FixField, nPosition, 0, "1: the number of the repetition that the field stands in, from 1"),
 };
 
 constexpr kit::Attribute kRecordRows[] = {

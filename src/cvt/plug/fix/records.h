@@ -66,6 +66,8 @@ struct CVT_RECORD FixField {
   int nEnd;
   int nRest;
   int nOptional;
+  int nPosition;
+  char caGap[4];
   char *psConst;
   char *psValues;
   char *psDefault;
