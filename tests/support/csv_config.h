@@ -41,6 +41,7 @@ inline FormatNode rows(const std::vector<FormatNode> &fields, const std::string 
 inline std::vector<FormatNode> fields(const std::vector<std::string> &names,
                                       const std::string &sAttributes = "") {
   std::vector<FormatNode> all;
+  all.reserve(names.size());
   for (const std::string &sName : names) all.push_back(field(sName, sAttributes));
   return all;
 }

@@ -89,7 +89,8 @@ SQLRETURN SQLExecute(SQLHSTMT h) {
   pt->nFetched = 0;
   if (is(pt, "lose")) f_bLost = 1;
   if (is(pt, "no reason")) return fail(pt, NULL);
-  return f_bLost || is(pt, "general error") ? fail(pt, "HY000") : (SQLRETURN)SQL_SUCCESS;
+  if (f_bLost || is(pt, "general error")) return fail(pt, "HY000");
+  return SQL_SUCCESS;
 }
 
 SQLRETURN SQLExecDirect(SQLHSTMT h, SQLCHAR *psSql, SQLINTEGER nLen) {
@@ -102,11 +103,13 @@ SQLRETURN SQLTables(SQLHSTMT h, SQLCHAR *psCatalog, SQLSMALLINT nCatalog, SQLCHA
                     SQLSMALLINT nType) {
   (void)psCatalog, (void)nCatalog, (void)psSchema, (void)nSchema, (void)psTable, (void)nTable, (void)psType,
       (void)nType;
-  return f_bLost ? fail(h, "HY000") : (SQLRETURN)SQL_SUCCESS;
+  if (f_bLost) return fail(h, "HY000");
+  return SQL_SUCCESS;
 }
 
 SQLRETURN SQLMoreResults(SQLHSTMT h) {
-  return is(h, "second result fails") ? fail(h, "22012") : (SQLRETURN)SQL_NO_DATA;
+  if (is(h, "second result fails")) return fail(h, "22012");
+  return SQL_NO_DATA;
 }
 
 SQLRETURN SQLNumResultCols(SQLHSTMT h, SQLSMALLINT *pnCount) {

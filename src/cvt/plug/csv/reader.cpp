@@ -38,7 +38,7 @@ const char *Reader::lineEndName() const {
 }
 
 std::string Reader::fieldEnds() const {
-  const std::string separator = kit::quoted(m_dialect.separator.text);
+  std::string separator = kit::quoted(m_dialect.separator.text);
   if (m_dialect.terminated) return separator;
   if (!m_dialect.recordEnd.empty()) return separator + " or " + kit::quoted(m_dialect.recordEnd.text);
   return separator + " or " +

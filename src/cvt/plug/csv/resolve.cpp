@@ -110,7 +110,7 @@ std::string headerLine(const Plan &plan, const CsvMsg &text) {
 // All records without a tag, and what the header line stands before: the record or the loop of it.
 void findUntagged(Item &item, std::vector<std::pair<Compound *, Compound *>> &found) {
   Compound &compound = *item.compound;
-  if (item.kind == ItemKind::Record && compound.tag < 0) found.push_back({&compound, &compound});
+  if (item.kind == ItemKind::Record && compound.tag < 0) found.emplace_back(&compound, &compound);
   for (Item &each : compound.records) {
     findUntagged(each, found);
     if (item.kind == ItemKind::Loop && each.kind == ItemKind::Record) found.back().second = &compound;

@@ -78,7 +78,7 @@ void Writer::quotedValue(std::string_view text) {
   const char escape = m_dialect.escapeByte != 0 ? m_dialect.escapeByte : m_dialect.quoteByte;
   put(m_dialect.quote);
   const size_t start = m_line;
-  for (size_t from = 0; from <= text.size();) {
+  for (size_t from = 0;;) {
     size_t at = from;
     while (at < text.size() && text[at] != m_dialect.quoteByte && text[at] != escape) ++at;
     value(text.substr(from, at - from));
@@ -93,7 +93,7 @@ void Writer::quotedValue(std::string_view text) {
 
 void Writer::escapedValue(std::string_view text) {
   const size_t start = m_line;
-  for (size_t from = 0; from <= text.size();) {
+  for (size_t from = 0;;) {
     size_t at = from;
     while (at < text.size() && !m_dialect.marks.has(text[at])) ++at;
     value(text.substr(from, at - from));

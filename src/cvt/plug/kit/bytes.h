@@ -77,6 +77,21 @@ inline bool isPrintable(const char *in, size_t n) {
   });
 }
 
+// The high bit of each byte that is `byte`, up to the first such byte; 0 when there is none.
+inline uint64_t equals(uint64_t word, unsigned char byte) {
+  const uint64_t other = word ^ (kOnes * byte);
+  return (other - kOnes) & ~other & kHighBits;
+}
+
+// All bytes printable ASCII, and none of & < > ": text of XML as it stands, also in attributes.
+inline bool isPlainXml(const char *in, size_t n) {
+  return noneOf(in, n, ' ', [](uint64_t word) {
+    // < and > differ in one bit, and so do & and ": each pair is one comparison.
+    return word | (word - kOnes * 0x20) | (word + kOnes) | equals(word | kOnes * 0x02, '>') |
+           equals(word | kOnes * 0x04, '&');
+  });
+}
+
 // All bytes 0 to 9.
 inline bool isDigits(const char *in, size_t n) {
   return noneOf(in, n, '0', [](uint64_t word) {

@@ -4,6 +4,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "bytes.h"
+
 namespace cvt::kit {
 
 class Output {
@@ -25,8 +27,8 @@ class Output {
   }
 
   void put(std::string_view bytes) {
-    if (bytes.empty()) return;
-    std::memcpy(reserve(bytes.size()), bytes.data(), bytes.size());
+    char *const piece = reserve(bytes.size());
+    copyShort(piece, bytes.data(), bytes.size());
   }
   void put(char byte) { *reserve(1) = byte; }
   void fill(char byte, size_t count) {

@@ -75,13 +75,15 @@ template <class T>
 bool addName(std::vector<T> &all, kit::NameTable &locals, const T &added) {
   const auto position = static_cast<int>(all.size());
   if (locals.add(added.local, position)) return true;
-  int *link = nullptr;
-  for (int at = locals.find(added.local); at >= 0; at = *link) {
-    if (all[static_cast<size_t>(at)].space == added.space) return false;
-    link = &all[static_cast<size_t>(at)].sameLocal;
+  for (int at = locals.find(added.local);;) {
+    T &other = all[static_cast<size_t>(at)];
+    if (other.space == added.space) return false;
+    if (other.sameLocal < 0) {
+      other.sameLocal = position;
+      return true;
+    }
+    at = other.sameLocal;
   }
-  *link = position;
-  return true;
 }
 
 class Compiler {

@@ -61,7 +61,7 @@ std::string_view reference(char c) {
 }
 
 void putNumber(kit::Output &out, uint32_t code) {
-  char digits[16];
+  char digits[24];
   const char *end = std::to_chars(digits, digits + sizeof digits, code).ptr;
   out.put("&#");
   out.put({digits, static_cast<size_t>(end - digits)});
@@ -112,6 +112,7 @@ bool written(Kind kind, Place place) {
 }  // namespace
 
 void putEscaped(kit::Output &out, const kit::Charset &charset, std::string_view value, Place place) {
+  if (kit::isPlainXml(value.data(), value.size())) return out.put(value);
   size_t done = 0;  // written up to here
   for (size_t at = 0; at < value.size();) {
     const Kind kind = kindOf(value[at]);

@@ -93,7 +93,7 @@ class Scanner {
   size_t m_declarations = 0;
   std::string_view m_text;
   Reader::Bytes m_textIs = Reader::Bytes::Staying;
-  char m_character[4];
+  char m_character[4]{};
 };
 
 struct Scanner::Memory {
