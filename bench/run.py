@@ -2,6 +2,9 @@
 """Runs the bench: the library and its contestants in turn on one core, their outputs compared. README.md has the rest.
 
   run.py [WORKLOAD...] [--messages N] [--rounds N] [--core N] [--build FOLDER] [--results FOLDER]
+  run.py --check [WORKLOAD...] [--messages N] [--build FOLDER]
+
+--check: whether the library's outputs are those of the data and of the converters written by hand; measures nothing.
 """
 import argparse
 import dataclasses
@@ -13,10 +16,11 @@ import subprocess
 import sys
 import tempfile
 
+import compare
 import data
 import report
 import workloads
-from workloads import OURS
+from workloads import COPY, FLOOR, OURS
 
 HERE = pathlib.Path(__file__).resolve().parent
 ROOT = HERE.parent
@@ -40,12 +44,12 @@ class Times:
 
 
 class Bench:
-    def __init__(self, build, core, scratch):
+    def __init__(self, build, core, scratch, mebibytes=MAX_MEBIBYTES):
         self.core = core
+        self.mebibytes = mebibytes
         self.scratch = pathlib.Path(scratch)
         self.work = build / "contestants"
         self.bin = build / "bin"
-        self.work.mkdir(parents=True, exist_ok=True)
 
     def words(self, text, **names):
         return [word.format(bench=HERE, bin=self.bin, work=self.work, **names) for word in shlex.split(text)]
@@ -53,7 +57,7 @@ class Bench:
     def run(self, command, stdout):
         """Times of the command, whose standard output goes to that file."""
         with open(stdout, "wb") as output:
-            done = subprocess.run([self.bin / "bench_measure", str(self.core), str(MAX_SECONDS), str(MAX_MEBIBYTES),
+            done = subprocess.run([self.bin / "bench_measure", str(self.core), str(MAX_SECONDS), str(self.mebibytes),
                                    *command], stdout=output, stderr=subprocess.PIPE, check=False)
         said = done.stderr.decode(errors="replace").strip().splitlines()
         status, process, peak = map(int, said.pop().split())
@@ -114,54 +118,67 @@ class Entry:
 class Run:
     """A workload: its contestants round after round, each output compared in the first one."""
 
-    def __init__(self, bench, workload, folder, one):
+    def __init__(self, bench, workload, folder, one=None):
         self.bench = bench
         self.workload = workload
+        self.folder = folder
         self.input = folder / workload.input
-        self.one = one / workload.input
+        self.one = one / workload.input if one else None
         self.entries = [Entry(contestant) for contestant in workload.contestants]
-        known = folder / workload.expected
-        self.expected = known if known.exists() else self.output(workload.expected)
 
     def output(self, name):
         return self.bench.scratch / f"{self.workload.name}-{name.replace(' ', '-')}"
 
-    def round(self, number):
-        for entry in self.entries:
-            reason = self.bench.missing(entry.contestant)
-            if reason:
-                entry.status = "skipped: " + reason
-            if entry.ended() or (number > 1 and entry.is_long()):
-                continue
-            try:
-                output = self.output(entry.contestant.name)
-                entry.full.append(self.bench.measure(entry.contestant, self.input, output))
-                entry.one.append(self.bench.measure(entry.contestant, self.one, self.bench.scratch / "one"))
-            except Failed as error:
-                entry.status = f"failed: {error}"
-
-    def compare(self):
-        if not self.expected.exists():
-            for entry in self.entries:
-                entry.status = entry.status if entry.ended() else f"not compared: no {self.workload.expected}"
+    def measure(self, entry):
+        reason = self.bench.missing(entry.contestant)
+        if reason:
+            entry.status = "skipped: " + reason
             return
-        for entry in self.entries:
-            expected = self.input if entry.contestant.role == workloads.COPY else self.expected
-            kind = "bytes" if expected == self.input else self.workload.compare
-            if not entry.ended():
-                done = subprocess.run([sys.executable, HERE / "compare.py", kind, expected,
-                                       self.output(entry.contestant.name)], stderr=subprocess.PIPE, check=False)
-                if done.returncode != 0:
-                    entry.status = "WRONG: " + done.stderr.decode(errors="replace").strip().splitlines()[-1]
+        try:
+            entry.full.append(self.bench.measure(entry.contestant, self.input, self.output(entry.contestant.name)))
+            if self.one:
+                entry.one.append(self.bench.measure(entry.contestant, self.one, self.bench.scratch / "one"))
+        except Failed as error:
+            entry.status = f"failed: {error}"
+
+    def expected(self):
+        """The file that the outputs must equal: of the data, of the contestant that is named, or else of a floor."""
+        known = self.folder / self.workload.expected
+        if known.exists():
+            return known
+        done = {entry.contestant.name: entry.contestant.role for entry in self.entries if not entry.ended()}
+        floors = [name for name, role in done.items() if role == FLOOR]
+        names = [self.workload.expected] if self.workload.expected in done else floors
+        return self.output(names[0]) if names else None
+
+    def compare(self, entry):
+        if entry.ended():
+            return
+        is_copy = entry.contestant.role == COPY
+        expected = self.input if is_copy else self.expected()
+        output = self.output(entry.contestant.name)
+        if expected is None or (expected == output and entry.contestant.name != self.workload.expected):
+            entry.status = "not compared: no other output"
+            return
+        found = compare.difference("bytes" if is_copy else self.workload.compare, expected, output)
+        if found:
+            entry.status = "WRONG: " + found
 
     def all(self, rounds):
         for number in range(rounds):
-            self.round(number)
+            for entry in self.entries:
+                if not entry.ended() and not (number > 1 and entry.is_long()):
+                    self.measure(entry)
             if number == 0:
-                self.compare()
+                for entry in self.entries:
+                    self.compare(entry)
         for entry in self.entries:
             self.output(entry.contestant.name).unlink(missing_ok=True)
         return self.entries
+
+    def only(self, *roles):
+        self.entries = [entry for entry in self.entries if entry.contestant.role in roles]
+        return self
 
 
 def starts(bench, one):
@@ -208,35 +225,50 @@ def options():
     parser.add_argument("--core", type=int, default=0)
     parser.add_argument("--build", type=pathlib.Path, default=ROOT / "build/bench")
     parser.add_argument("--results", type=pathlib.Path, help="where results.csv and RESULTS.md are written")
+    parser.add_argument("--check", action="store_true", help="compare the library's outputs, measure nothing")
     arguments = parser.parse_args()
     arguments.build = arguments.build.resolve()
     return arguments
 
 
 def chosen(names):
-    wanted = [workload for workload in workloads.WORKLOADS
-              if not names or any(workload.name.startswith(name) for name in names)]
+    """The workloads of these names, and whether the starts are among them."""
     known = [workload.name for workload in workloads.WORKLOADS] + ["start"]
     for name in names:
         if not any(one.startswith(name) for one in known):
             sys.exit(f"run.py: no workload '{name}'; known: {', '.join(known)}")
+    wanted = [workload for workload in workloads.WORKLOADS
+              if not names or any(workload.name.startswith(name) for name in names)]
     return wanted, not names or "start" in names
 
 
-def main():
-    arguments = options()
-    wanted, with_starts = chosen(arguments.workloads)
-    # What is not the whole bench does not replace its results.
-    is_whole = not arguments.workloads and arguments.messages == data.DEFAULT
-    folder = arguments.results or (HERE if is_whole else arguments.build)
+def scratch_folder():
+    shared = "/dev/shm" if pathlib.Path("/dev/shm").is_dir() else None
+    return tempfile.TemporaryDirectory(prefix="cvt2-bench-", dir=shared)
+
+
+def check(arguments, wanted):
+    """Exit status: 1 when an output is wrong or there is none."""
+    inputs = made_data(arguments.build / f"data/{arguments.messages}", arguments.messages)
+    code = 0
+    with scratch_folder() as scratch:
+        bench = Bench(arguments.build, arguments.core, scratch, mebibytes=1 << 40)
+        for workload in wanted:
+            for entry in Run(bench, workload, inputs).only(OURS, FLOOR).all(1):
+                print(f"{workload.name}: {entry.contestant.name}: {entry.status}")
+                code |= entry.status.startswith("WRONG") or (entry.ended() and entry.contestant.role == OURS)
+    return int(code)
+
+
+def measure(arguments, wanted, with_starts):
     facts = report.facts(arguments.build, arguments.messages, arguments.rounds, arguments.core)
     inputs = made_data(arguments.build / f"data/{arguments.messages}", arguments.messages)
     one = made_data(arguments.build / "data/1", 1)
-    shared = "/dev/shm" if pathlib.Path("/dev/shm").is_dir() else None
-    with tempfile.TemporaryDirectory(prefix="cvt2-bench-", dir=shared) as scratch:
+    rows = []
+    with scratch_folder() as scratch:
         bench = Bench(arguments.build, arguments.core, scratch)
+        bench.work.mkdir(parents=True, exist_ok=True)
         prepare(bench.work)
-        rows = []
         for workload in wanted:
             print(f"== {workload.name}: {workload.title}", flush=True)
             entries = Run(bench, workload, inputs, one).all(arguments.rounds)
@@ -244,11 +276,22 @@ def main():
                                 (inputs / workload.input).stat().st_size)
             report.show(rows, workload.name)
         if with_starts:
+            print("== start", flush=True)
             rows += report.start_rows(starts(bench, one))
             report.show(rows, "start")
-    report.write(folder, rows, facts)
-    ours = [row for row in rows if row["role"] in (OURS, workloads.FLOOR, workloads.RIVAL)]
-    return 1 if any(row["output"].startswith("WRONG") for row in ours) else 0
+    return rows, facts
+
+
+def main():
+    arguments = options()
+    wanted, with_starts = chosen(arguments.workloads)
+    if arguments.check:
+        return check(arguments, wanted)
+    rows, facts = measure(arguments, wanted, with_starts)
+    # What is not the whole bench does not replace its results.
+    is_whole = not arguments.workloads and arguments.messages == data.DEFAULT
+    report.write(arguments.results or (HERE if is_whole else arguments.build), rows, facts)
+    return int(any(row["output"].startswith("WRONG") for row in rows))
 
 
 if __name__ == "__main__":
