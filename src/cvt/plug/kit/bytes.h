@@ -92,6 +92,20 @@ inline bool isPlainXml(const char *in, size_t n) {
   });
 }
 
+// Length of the printable ASCII at the start that stands for itself in an XML text: up to any of < & ] and other bytes,
+// and to the last seven bytes of the input, at which nobody looks.
+inline size_t plainTextEnd(const char *in, size_t n) {
+  size_t i = 0;
+  for (; i + 8 <= n; i += 8) {
+    const uint64_t word = loadWord(in + i);
+    const uint64_t ends = (word | (word - kOnes * 0x20) | (word + kOnes) | equals(word, '<') |
+                           equals(word, '&') | equals(word, ']')) &
+                          kHighBits;
+    if (ends != 0) return i + static_cast<size_t>(std::countr_zero(ends)) / 8;
+  }
+  return i;
+}
+
 // All bytes 0 to 9.
 inline bool isDigits(const char *in, size_t n) {
   return noneOf(in, n, '0', [](uint64_t word) {

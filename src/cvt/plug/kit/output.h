@@ -30,6 +30,13 @@ class Output {
     char *const piece = reserve(bytes.size());
     copyShort(piece, bytes.data(), bytes.size());
   }
+  // Three pieces with room for all of them, or none.
+  void put(std::string_view first, std::string_view second, std::string_view third) {
+    char *const piece = reserve(first.size() + second.size() + third.size());
+    copyShort(piece, first.data(), first.size());
+    copyShort(piece + first.size(), second.data(), second.size());
+    copyShort(piece + first.size() + second.size(), third.data(), third.size());
+  }
   void put(char byte) { *reserve(1) = byte; }
   void fill(char byte, size_t count) {
     if (count != 0) std::memset(reserve(count), byte, count);

@@ -95,10 +95,11 @@ Rule Rules::make(size_t position, const RuleText &text, const std::string &path,
           static_cast<size_t>(text.nMaxLen),
           text.psDefault,
           text.psConst,
-          counted};
+          counted,
+          text.nMandatory == 0 && text.nPosition == 0 && text.nMaxLen == 0 && !supplied && counted == kNone};
 }
 
-void checkRead(const Rule &rule, std::string_view value, const Path &path) {
+void detail::checkRead(const Rule &rule, std::string_view value, const Path &path) {
   if (rule.constant != nullptr && value != rule.constant) {
     throw Fault(Fault::kHere, quotedText(rule.constant), quotedText(value), "The field is a constant");
   }
@@ -106,12 +107,7 @@ void checkRead(const Rule &rule, std::string_view value, const Path &path) {
   check(rule, value);
 }
 
-void putRead(const Rule &rule, List list, Store &store, std::string_view bytes) {
-  if (bytes.empty() && rule.empty != Empty::KeepGiven) return;
-  list.put(rule.slot, store.copy(bytes.data(), bytes.size()), bytes.size());
-}
-
-std::string_view textToWrite(const Rule &rule, const List &list, const Path &path, Digits &digits) {
+std::string_view detail::textToWrite(const Rule &rule, const List &list, const Path &path, Digits &digits) {
   std::string_view text;
   if (rule.countedLoop >= 0) {
     text = decimal(list.repetitions(rule.countedLoop), digits);
@@ -125,11 +121,6 @@ std::string_view textToWrite(const Rule &rule, const List &list, const Path &pat
   check(rule, text);
   if (rule.mandatory && !isWritten(rule, list, text)) missing();
   return text;
-}
-
-bool isWritten(const Rule &rule, const List &list, std::string_view text) {
-  if (!text.empty() || rule.empty == Empty::Keep) return true;
-  return rule.empty == Empty::KeepGiven && list.given(rule.slot);
 }
 
 bool given(const Rule &rule, const List &list) {

@@ -35,6 +35,7 @@ struct Rule {
   const char *fallback;  // psDefault, or null
   const char *constant;  // psConst, or null
   int countedLoop;       // slot of the loop whose repetitions it counts; -1: an ordinary value
+  bool plain;            // nothing is asked of the value: it is read and written as it is
 };
 
 // What a record says, for Rules::make.
@@ -64,23 +65,41 @@ class Rules {
   std::vector<int> m_counted;  // for each node, the slot of the loop that it counts
 };
 
-// A value that was read at that place: the constant, the position, mandatory and not too long. Throws Fault.
-void checkRead(const Rule &rule, std::string_view value, const Path &path);
-
-// Stores a copy of a value that was read and checked.
-void putRead(const Rule &rule, List list, Store &store, std::string_view bytes);
-
 // The digits of a count or a position while it is written.
 struct Digits {
   char bytes[16];
 };
 
-// The text to be written for a field at that place: its count, position, constant, value or default. Throws
-// Fault when it must not be empty but is, is too long, or contradicts the constant.
+namespace detail {
+
+// For rules that are not plain.
+void checkRead(const Rule &rule, std::string_view value, const Path &path);
 std::string_view textToWrite(const Rule &rule, const List &list, const Path &path, Digits &digits);
 
+}  // namespace detail
+
+// A value that was read at that place: the constant, the position, mandatory and not too long. Throws Fault.
+inline void checkRead(const Rule &rule, std::string_view value, const Path &path) {
+  if (!rule.plain) detail::checkRead(rule, value, path);
+}
+
+// Stores a copy of a value that was read and checked.
+inline void putRead(const Rule &rule, List list, Store &store, std::string_view bytes) {
+  if (bytes.empty() && rule.empty != Empty::KeepGiven) return;
+  list.put(rule.slot, store.copy(bytes.data(), bytes.size()), bytes.size());
+}
+
+// The text to be written for a field at that place: its count, position, constant, value or default. Throws
+// Fault when it must not be empty but is, is too long, or contradicts the constant.
+inline std::string_view textToWrite(const Rule &rule, const List &list, const Path &path, Digits &digits) {
+  return rule.plain ? list.get(rule.slot) : detail::textToWrite(rule, list, path, digits);
+}
+
 // Whether the field is written at all, with that text.
-bool isWritten(const Rule &rule, const List &list, std::string_view text);
+inline bool isWritten(const Rule &rule, const List &list, std::string_view text) {
+  if (!text.empty() || rule.empty == Empty::Keep) return true;
+  return rule.empty == Empty::KeepGiven && list.given(rule.slot);
+}
 
 // Whether the message gives the field something to write. A constant, a default or a position is nothing.
 bool given(const Rule &rule, const List &list);

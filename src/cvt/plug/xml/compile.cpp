@@ -447,6 +447,9 @@ Element Compiler::element(const char *node, const std::string &name, const Scope
     m_plan->defaultSpaces.push_back(own);
   }
   made.open = encoded(open, scope);
+  made.tag = "<" + made.local + ">";
+  made.endTag = "</" + made.local + ">";
+  made.start = encoded(open + ">", scope);
   made.close = encoded("</" + name + ">", scope);
   return made;
 }

@@ -1,6 +1,7 @@
 #include "generator.h"
 
 #include "escape.h"
+#include "kit/bytes.h"
 
 namespace cvt::xml {
 
@@ -104,9 +105,12 @@ void Generator::repetitions(const Element &child, const List &list) {
 // An element that is nothing but text.
 void Generator::leaf(const Element &element, std::string_view value) {
   if (m_pretty) newLine();
-  m_out.put(element.open);
-  if (value.empty()) return empty(element);
-  m_out.put('>');
+  if (value.empty()) {
+    m_out.put(element.open);
+    return empty(element);
+  }
+  if (kit::isPlainXml(value.data(), value.size())) return m_out.put(element.start, value, element.close);
+  m_out.put(element.start);
   putEscaped(m_out, *m_plan.charset, value, Place::Content);
   m_out.put(element.close);
 }

@@ -23,6 +23,20 @@ struct Release {
   }
 };
 
+// Most documents keep the definition's order and have few attributes: as far as that is so, elements are taken
+// without a look at their names.
+void takeExpected(Scanner &scanner, Reader &reader) {
+  for (const Element *next = reader.expected(); next != nullptr; next = reader.expected()) {
+    if (next->leaf()) {
+      if (!scanner.leaf(*next)) return;
+      reader.leaf(scanner.text());
+    } else {
+      if (!scanner.opens(*next)) return;
+      reader.openExpected();
+    }
+  }
+}
+
 // Whether the document was plain, and has been read.
 bool readPlain(const Plan &plan, kit::ParseCall &call, const Input &input) {
   using Token = Scanner::Token;
@@ -30,6 +44,7 @@ bool readPlain(const Plan &plan, kit::ParseCall &call, const Input &input) {
   Reader reader(plan, call, f_room);
   try {
     for (;;) {
+      takeExpected(scanner, reader);
       switch (scanner.next()) {
         case Token::Open:
           reader.open(scanner.name(), scanner.attributes(), scanner.declarations());

@@ -57,8 +57,11 @@ struct Element : Named {
   const char *node = nullptr;  // null for a wrapper, which no node stands for
   std::string shown;           // for messages: the name, and what tells it apart from others of that name
   std::string open;            // `<name`, with the namespaces that are declared on it
+  std::string start;           // the same of an element without attributes, with the end of the tag
   std::string close;           // `</name>`
-  bool field = false;          // a field: nothing but text
+  std::string tag;             // `<local>` and `</local>`: as it comes without prefix and attributes
+  std::string endTag;
+  bool field = false;  // a field: nothing but text
   bool mandatory = false;
   bool keepEmpty = false;
 
@@ -80,6 +83,7 @@ struct Element : Named {
 
   bool loop() const { return loopSlot >= 0; }
   bool wrapper() const { return node == nullptr; }
+  bool leaf() const { return field && !loop(); }
 };
 
 struct Prefix {

@@ -156,7 +156,10 @@ void Reader::openChild(Frame &top, const Name &name, Attributes attributes) {
     m_skipped = 1;
     return;
   }
-  const auto position = static_cast<size_t>(found);
+  openChild(top, static_cast<size_t>(found), attributes);
+}
+
+void Reader::openChild(Frame &top, size_t position, Attributes attributes) {
   const Element &child = top.element->children[position];
   char &seen = m_room.seen[top.seenStart + position];
   if (child.loop()) {
@@ -176,6 +179,32 @@ void Reader::openChild(Frame &top, const Name &name, Attributes attributes) {
     m_call.path.enter(child.node);
   }
   enter(child, top.list, attributes);
+}
+
+// Not a child that has come already, unless it repeats, nor one of several that a value tells apart.
+const Element *Reader::expected() const {
+  if (m_skipped > 0 || m_room.frames.empty() || !m_only.empty()) return nullptr;
+  const Frame &top = m_room.frames.back();
+  if (top.nextChild >= top.element->children.size()) return nullptr;
+  const Element &child = top.element->children[top.nextChild];
+  const bool comes = child.loop() || m_room.seen[top.seenStart + top.nextChild] == 0;
+  return comes && child.alternative < 0 ? &child : nullptr;
+}
+
+void Reader::openExpected() {
+  ++m_depth;
+  Frame &top = m_room.frames.back();
+  openChild(top, top.nextChild, {});
+}
+
+void Reader::leaf(std::string_view text) {
+  Frame &top = m_room.frames.back();
+  const Element &child = top.element->children[top.nextChild];
+  m_room.seen[top.seenStart + top.nextChild] = 1;
+  ++top.nextChild;
+  m_call.path.field(child.node);
+  store(*child.text, top.list, text);
+  m_call.path.field(nullptr);
 }
 
 kit::List Reader::repetition(const Element &child, kit::List &list) {

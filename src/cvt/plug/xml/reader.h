@@ -50,6 +50,12 @@ class Reader {
   void text(std::string_view bytes, Bytes bytesAre);
   void close();
 
+  // The child that comes next when the document keeps the definition's order; null where that cannot be said.
+  const Element *expected() const;
+  // It comes, without attributes: as an element that is open now, or, a field, with all of its text.
+  void openExpected();
+  void leaf(std::string_view text);
+
   // Refuses an element with too many attributes; soFar stands behind the number in the message.
   void limitAttributes(size_t count, size_t offset, const char *soFar) const;
 
@@ -59,6 +65,7 @@ class Reader {
  private:
   void enter(const Element &element, kit::List list, Attributes attributes);
   void openChild(Frame &top, const Name &name, Attributes attributes);
+  void openChild(Frame &top, size_t position, Attributes attributes);
   kit::List repetition(const Element &child, kit::List &list);
   int child(const Frame &top, const Name &name, Attributes attributes) const;
   void collect(std::string_view bytes);

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstring>
 
+#include "kit/bytes.h"
 #include "kit/utf8.h"
 
 namespace cvt::xml {
@@ -129,6 +130,34 @@ Scanner::Token Scanner::next() {
   }
   if (m_at == m_end) return Token::NotPlain;
   return *m_at == '<' ? markup() : content();
+}
+
+bool Scanner::comesPlain(const Element &element) const {
+  if (m_closes || !comes(element.tag)) return false;
+  size_t i = m_memory.bindings.size() - 1;
+  while (!m_memory.bindings[i].prefix.empty()) --i;  // the first one is a default namespace
+  return m_memory.bindings[i].space == element.space;
+}
+
+bool Scanner::opens(const Element &element) {
+  if (!comesPlain(element)) return false;
+  m_token = m_at;
+  m_memory.open.push_back({{m_at + 1, element.local.size()}, m_memory.bindings.size()});
+  m_at += element.tag.size();
+  return true;
+}
+
+bool Scanner::leaf(const Element &element) {
+  if (!comesPlain(element)) return false;
+  const char *const from = m_at + element.tag.size();
+  const char *const to = from + kit::plainTextEnd(from, static_cast<size_t>(m_end - from));
+  const std::string &end = element.endTag;
+  if (static_cast<size_t>(m_end - to) < end.size() || std::memcmp(to, end.data(), end.size()) != 0)
+    return false;
+  m_token = to;
+  m_at = to + end.size();
+  m_text = {from, static_cast<size_t>(to - from)};
+  return true;
 }
 
 // In front of the root element, and behind it.

@@ -23,6 +23,11 @@ class Scanner {
   enum class Token { Open, Text, Close, End, NotPlain };
   Token next();
 
+  // Whether that element comes next, without prefix and attributes. It is passed then: its start tag, or, a field
+  // whose text is one piece of ASCII, all of it, and its text is told.
+  bool opens(const Element &element);
+  bool leaf(const Element &element);
+
   // Where the last token begins.
   size_t offset() const { return static_cast<size_t>(m_token - m_begin); }
 
@@ -78,6 +83,7 @@ class Scanner {
   const char *skipCharacter(const char *at) const;
   bool skipSpace();
   bool comes(std::string_view text) const;
+  bool comesPlain(const Element &element) const;
 
   const Plan &m_plan;
   const char *m_begin;
