@@ -52,21 +52,23 @@ inline char *putInteger(char *to, size_t value) {
   return std::to_chars(to, to + 20, value).ptr;
 }
 
-// A number of the form 12 or 12.34 as digits without the point, filled with zeros in front to `width`.
-inline char *putFilled(char *to, std::string_view number, size_t decimals, size_t width) {
-  const size_t point = decimals == 0 ? number.size() : number.size() - decimals - 1;
-  if (number.size() <= decimals || (decimals != 0 && number[point] != '.')) {
-    throw Failure("expected " + std::to_string(decimals) + " decimals: \"" + std::string(number) + "\"");
-  }
-  const std::string_view whole = number.substr(0, point);
-  const std::string_view fraction = decimals == 0 ? std::string_view() : number.substr(point + 1);
-  needDigits(whole);
-  if (decimals != 0) needDigits(fraction);
-  needLength(number, 1, width + (decimals == 0 ? 0 : 1));
-  std::memset(to, '0', width);
-  put(to + width - fraction.size() - whole.size(), whole);
-  put(to + width - fraction.size(), fraction);
+// Digits, filled with zeros in front to `width`.
+inline char *putFilled(char *to, std::string_view digits, size_t width) {
+  needDigits(digits);
+  needLength(digits, 1, width);
+  std::memset(to, '0', width - digits.size());
+  put(to + width - digits.size(), digits);
   return to + width;
+}
+
+// A number with two decimals as its cents, filled with zeros in front to `width`.
+inline char *putCents(char *to, std::string_view number, size_t width) {
+  if (number.size() < 4 || number[number.size() - 3] != '.') {
+    throw Failure("expected two decimals: \"" + std::string(number) + "\"");
+  }
+  const std::string_view decimals = number.substr(number.size() - 2);
+  needDigits(decimals);
+  return put(putFilled(to, number.substr(0, number.size() - 3), width - 2), decimals);
 }
 
 // A text filled with blanks to `width`.

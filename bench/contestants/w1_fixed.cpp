@@ -48,7 +48,7 @@ char *putOrder(char *to, const OrderRecord &order) {
   to = putPadded(to, order.id(), 16);
   to = putPacked(to, order.amount(), 8);
   to = putPadded(to, order.name().substr(0, 30), 30);
-  to = putFilled(to, order.customer(), 0, 12);
+  to = putFilled(to, order.customer(), 12);
   to = putPadded(to, order.address(), 60);
   to = putBinary(to, order.count);
   for (size_t i = 0; i < order.count; ++i) {

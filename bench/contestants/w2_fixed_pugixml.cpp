@@ -16,8 +16,8 @@ char *putDigits(char *to, std::string_view digits, size_t width) {
 char *putItem(char *to, const pugi::xml_node &item) {
   to = putPadded(to, childText(item, "sku"), 12);
   to = putPadded(to, childText(item, "desc"), 14);
-  to = putFilled(to, childText(item, "qty"), 0, 6);
-  return putFilled(to, childText(item, "price"), 2, 8);
+  to = putFilled(to, childText(item, "qty"), 6);
+  return putCents(to, childText(item, "price"), 8);
 }
 
 char *putCount(char *to, size_t count) {
@@ -31,10 +31,10 @@ char *putOrder(char *to, const pugi::xml_node &order, const pugi::xml_node &item
   to = putPadded(to, childText(order, "orderId"), 16);
   to = putDigits(to, childText(order, "date"), 8);
   to = putDigits(to, childText(order, "time"), 6);
-  to = putFilled(to, childText(order, "custNo"), 0, 10);
+  to = putFilled(to, childText(order, "custNo"), 10);
   to = putPadded(to, childText(order, "custName"), 40);
   to = putPadded(to, childText(order, "currency"), 3);
-  to = putFilled(to, childText(order, "amount"), 2, 15);
+  to = putCents(to, childText(order, "amount"), 15);
   to = putPadded(to, childText(order, "address"), 60);
   to = putPadded(to, childText(order, "remark"), 32);
   to = putCount(to, count);
