@@ -4,6 +4,7 @@
 
 #include "field.h"
 #include "kit/fault.h"
+#include "kit/plain_digits.h"
 
 namespace cvt::fix {
 
@@ -194,6 +195,7 @@ class FieldCompiler {
              "nLen " + std::to_string(m_plan.length) + " with " + std::to_string(spec.decimals) + " decimals",
              "");
     }
+    m_plan.plainDigits = is(FieldType::Number) && kit::isPlainDigits(spec) && m_plan.charset->containsAscii();
   }
 
   void compileFill(kit::NumberSpec &spec) const {

@@ -4,6 +4,7 @@
 
 #include "kit/bytes.h"
 #include "kit/fault.h"
+#include "kit/plain_digits.h"
 
 namespace cvt::fix {
 
@@ -116,6 +117,14 @@ std::string_view readDigits(const FieldPlan &field, std::string_view bytes, size
     return {store.take(0), 0};  // NOLINT(bugprone-string-constructor): empty, and not null
   }
   const char *in = bytes.data();
+  if (field.plainDigits) {
+    const kit::PlainDigits plain(in, bytes.size(), static_cast<size_t>(field.number.decimals));
+    if (plain.digits()) {
+      char *const out = store.take(plain.length());
+      plain.put(out);
+      return {out, plain.length()};
+    }
+  }
   char text[kNumberRoom];
   if (field.type == FieldType::Number && !field.charset->containsAscii()) {
     const Converted result = field.charset->decode(in, bytes.size(), text, sizeof text);
@@ -222,6 +231,8 @@ void writeRaw(const FieldPlan &field, std::string_view value, kit::Output &out) 
 void writeDigits(const FieldPlan &field, std::string_view value, kit::Output &out) {
   const size_t offset = out.offset();
   char *room = out.reserve(field.length);
+  const auto decimals = static_cast<size_t>(field.number.decimals);
+  if (field.plainDigits && kit::putPlainDigits(value, decimals, room, field.length)) return;
   const bool recode = field.type == FieldType::Number && !field.charset->containsAscii();
   char text[kNumberRoom];
   const kit::NumberResult result = kit::writeNumber(field.number, value, recode ? text : room, field.length);

@@ -57,6 +57,7 @@ struct FieldPlan {
   int lengthSlot = -1;      // and slot of the field that says it
   size_t lengthNumber = 0;  // a field that is a length: which one of the plan's
   kit::NumberSpec number;
+  bool plainDigits = false;          // a number of ASCII digits alone
   std::vector<int> counts;           // slots of the loops that this field counts
   std::vector<std::string> allowed;  // as values; empty: all
   std::vector<std::string> tags;     // bytes that tell the record; empty: this field is no tag

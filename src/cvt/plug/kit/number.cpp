@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "bytes.h"
+#include "plain_digits.h"
 
 namespace cvt::kit {
 
@@ -357,42 +357,6 @@ NumberResult writeBinary(const NumberSpec &spec, const Digits &number, char *out
 // --- Unsigned digits that fill their room, the most frequent form
 // -----------------------------------------------
 
-bool isPlainDigits(const NumberSpec &spec) {
-  return spec.form == NumberForm::Text && spec.fill == NumberFill::Zeros && spec.sign == NumberSign::None &&
-         !hasPoint(spec);
-}
-
-// Length of the canonical text; 0 when something is wrong, which the general way then tells.
-size_t readPlainDigits(const NumberSpec &spec, const char *in, size_t bytes, char *out) {
-  if (!isDigits(in, bytes)) return 0;
-  const auto decimals = static_cast<size_t>(spec.decimals);
-  const size_t whole = bytes - decimals;
-  const size_t at = whole == 0 ? 0 : countStart(in, whole - 1, '0');
-  size_t length = whole - at;
-  if (whole == 0) out[length++] = '0';
-  if (whole != 0) std::memcpy(out, in + at, length);
-  if (decimals == 0) return length;
-  out[length] = '.';
-  std::memcpy(out + length + 1, in + whole, decimals);
-  return length + 1 + decimals;
-}
-
-// False when something is wrong, which the general way then tells.
-bool writePlainDigits(const NumberSpec &spec, std::string_view value, char *out, size_t bytes) {
-  const auto decimals = static_cast<size_t>(spec.decimals);
-  size_t point = value.find('.');
-  if (point == std::string_view::npos) point = value.size();
-  const size_t fraction = point < value.size() ? value.size() - point - 1 : 0;
-  const size_t whole = bytes - decimals;
-  if (point == 0 || point > whole || fraction > decimals) return false;
-  const char *digits = value.data();
-  if (!isDigits(digits, point) || !isDigits(digits + value.size() - fraction, fraction)) return false;
-  std::memset(out, '0', bytes);
-  std::memcpy(out + (whole - point), digits, point);
-  std::memcpy(out + whole, digits + value.size() - fraction, fraction);
-  return true;
-}
-
 bool isBinary(NumberForm form) {
   return form == NumberForm::BinaryBig || form == NumberForm::BinaryLittle;
 }
@@ -419,8 +383,11 @@ int digitsOf(const NumberSpec &spec, size_t bytes) {
 
 NumberResult readNumber(const NumberSpec &spec, const char *in, size_t bytes, char *out) {
   if (isPlainDigits(spec)) {
-    const size_t length = readPlainDigits(spec, in, bytes, out);
-    if (length != 0) return {nullptr, 0, length};
+    const PlainDigits plain(in, bytes, static_cast<size_t>(spec.decimals));
+    if (plain.digits()) {
+      plain.put(out);
+      return {nullptr, 0, plain.length()};
+    }
   }
   Digits number;
   NumberResult result;
@@ -448,7 +415,7 @@ NumberResult readNumber(const NumberSpec &spec, const char *in, size_t bytes, ch
 }
 
 NumberResult writeNumber(const NumberSpec &spec, std::string_view value, char *out, size_t bytes) {
-  if (isPlainDigits(spec) && writePlainDigits(spec, value, out, bytes)) return {};
+  if (isPlainDigits(spec) && putPlainDigits(value, static_cast<size_t>(spec.decimals), out, bytes)) return {};
   Digits number;
   NumberResult result = scan(value, spec.decimals, number);
   if (result.expected != nullptr) return result;

@@ -108,7 +108,7 @@ Scanner::Scanner(const Plan &plan, std::string_view bytes, Room &room, Memory &m
 }
 
 bool Scanner::comes(std::string_view text) const {
-  return static_cast<size_t>(m_end - m_at) >= text.size() && std::memcmp(m_at, text.data(), text.size()) == 0;
+  return static_cast<size_t>(m_end - m_at) >= text.size() && kit::equalShort(m_at, text.data(), text.size());
 }
 
 bool Scanner::skipSpace() {
@@ -152,7 +152,7 @@ bool Scanner::leaf(const Element &element) {
   const char *const from = m_at + element.tag.size();
   const char *const to = from + kit::plainTextEnd(from, static_cast<size_t>(m_end - from));
   const std::string &end = element.endTag;
-  if (static_cast<size_t>(m_end - to) < end.size() || std::memcmp(to, end.data(), end.size()) != 0)
+  if (static_cast<size_t>(m_end - to) < end.size() || !kit::equalShort(to, end.data(), end.size()))
     return false;
   m_token = to;
   m_at = to + end.size();
