@@ -86,8 +86,8 @@ def ratio_of(entry, ours, messages):
 def row(workload, entry, ours, messages, size):
     contestant = entry.contestant
     process = entry.process(messages)
-    good = entry.status == "same" and ours.status == "same"
-    ratio = ratio_of(entry, ours, messages) if good and contestant.role in (RIVAL, FLOOR) else None
+    is_compared = entry.is_right() and ours.is_right() and contestant.role in (RIVAL, FLOOR)
+    ratio = ratio_of(entry, ours, messages) if is_compared else None
     return {"workload": workload.name, "contestant": contestant.name, "role": contestant.role, "output": entry.status,
             "messages": messages, "process_ns": process, "inside_ns": entry.inside(messages),
             "messages_per_s": 1e9 / process if process else None,

@@ -91,6 +91,9 @@ class Entry:
     def ended(self):
         return self.status.startswith(("skipped", "failed"))
 
+    def is_right(self):
+        return self.status in ("same", "reference")
+
     def is_long(self):
         return len(self.full) > 1 and self.full[0].process > LONG
 
@@ -157,8 +160,8 @@ class Run:
         is_copy = entry.contestant.role == COPY
         expected = self.input if is_copy else self.expected()
         output = self.output(entry.contestant.name)
-        if expected is None or (expected == output and entry.contestant.name != self.workload.expected):
-            entry.status = "not compared: no other output"
+        if expected is None or expected == output:
+            entry.status = "reference" if expected else "not compared: no other output"
             return
         found = compare.difference("bytes" if is_copy else self.workload.compare, expected, output)
         if found:
