@@ -24,6 +24,11 @@ cvt_definition 5
 stt_cvt_message 6
 cvt_struct_loop 6
 cvt_message 6
+cvt_convert_parts 7
+cvt_convert_sql 7
+cvt_convert_value 7
+cvt_convert_rule 7
+cvt_convert_bind 7
 cvt_convert 7
 cvt_identify 8
 cvt_plug 9
