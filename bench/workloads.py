@@ -30,9 +30,9 @@ class Workload:
     contestants: tuple
 
 
-def ours(message, target, frame, growth, root="{bench}/cvt2"):
-    return Contestant("cvt2", OURS, f"{{bin}}/bench_cvt2 {{input}} {{output}} {root} {message} in {target} {frame} {growth}",
-                      "{bin}/bench_cvt2")
+def ours(message, target, frame, growth, root="{bench}/cvt2", pipeline="in"):
+    return Contestant("cvt2", OURS, f"{{bin}}/bench_cvt2 {{input}} {{output}} {root} {message} {pipeline} {target} {frame} "
+                      f"{growth}", "{bin}/bench_cvt2")
 
 
 def built(name, program, role, goal, more=""):
@@ -123,7 +123,7 @@ WORKLOADS = [
         hand("w7", more="GB18030 UTF-8"),
         COPIED)),
     Workload("w8-xml", "NACHA file to XML; a message is an entry", "w8.ach", "Python", "bytes", (
-        ours("NachaFile", "pain", "whole", 8),
+        ours("NachaFile", "pain", "whole", 8, root="{bench}/nacha", pipeline="nacha"),
         python("w8_xml.py"),
         hand("w8_xml"),
         COPIED)),
