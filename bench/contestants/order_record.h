@@ -6,7 +6,7 @@
 namespace bench {
 
 struct OrderRecord {
-  static constexpr size_t kHead = 200, kItem = 40, kMaxItems = 99;
+  static constexpr size_t kHead = 200, kItem = 40;
 
   explicit OrderRecord(std::string_view line) : m_line(line) {
     if (line.size() < kHead) throw Failure("an order of " + std::to_string(line.size()) + " bytes");
