@@ -128,11 +128,10 @@ def said_ratio(row):
 
 
 def cells(row):
-    reached = {None: "", True: "yes", False: "**no**"}[row["reached"]]
     return [row["contestant"], whole(row["process_ns"]), whole(row["inside_ns"]), whole(row["messages_per_s"]),
             "" if row["mb_per_s"] is None else f"{row['mb_per_s']:.1f}",
-            "" if row["peak_kib"] is None else f"{row['peak_kib'] / 1024:.1f}", said_ratio(row), row["goal"], reached,
-            row["output"]]
+            "" if row["peak_kib"] is None else f"{row['peak_kib'] / 1024:.1f}", said_ratio(row), row["goal"],
+            said_reached(row), row["output"]]
 
 
 HEAD = ["contestant", "ns a message, process", "inside", "messages/s", "MB/s", "peak MiB", "ours", "goal", "reached",
@@ -150,18 +149,28 @@ def show(rows, name):
             print("  ".join(f"{cell:>14}" if i else f"{cell:<18}" for i, cell in enumerate(cells(row))), flush=True)
 
 
-def summary(rows):
-    goals = [row for row in rows if row["goal"]]
-    reached = sum(row["reached"] is True for row in goals)
-    unknown = sum(row["reached"] is None for row in goals)
-    return f"{reached} of {len(goals)} goals are reached, {unknown} could not be measured."
+def said_reached(row):
+    return {None: "", True: "yes", False: "**no**"}[row["reached"]]
+
+
+def goals(rows):
+    """All goals in one table."""
+    wanted = [row for row in rows if row["goal"]]
+    reached = sum(row["reached"] is True for row in wanted)
+    unknown = sum(row["reached"] is None for row in wanted)
+    lines = [f"{reached} of {len(wanted)} goals are reached, {unknown} could not be measured.", "",
+             "| workload | beside | the library | goal | reached |", "|---|---|---|---|---|"]
+    for row in wanted:
+        said = [row["workload"], row["contestant"], said_ratio(row) or row["output"], row["goal"], said_reached(row)]
+        lines.append("| " + " | ".join(said) + " |")
+    return lines
 
 
 def markdown(rows, facts):
     lines = ["# Results of the bench", "",
              "Written by `./run bench`, never by hand. [README.md](README.md) says what is measured and how to read it,",
              "[NOTES.md](NOTES.md) what was tried, kept and dropped.", ""]
-    lines += ["| | |", "|---|---|"] + [f"| {name} | {value} |" for name, value in facts.items()] + ["", summary(rows), ""]
+    lines += ["| | |", "|---|---|"] + [f"| {name} | {value} |" for name, value in facts.items()] + ["", *goals(rows), ""]
     titles = {workload.name: workload.title for workload in workloads.WORKLOADS}
     titles["start"] = "one message a start of the command, and a program that does nothing"
     for name, title in titles.items():

@@ -265,6 +265,7 @@ def check(arguments, wanted):
 
 def measure(arguments, wanted, with_starts):
     facts = report.facts(arguments.build, arguments.messages, arguments.rounds, arguments.core)
+    facts["contestants"] += f", npm {NPM_PACKAGE}"
     inputs = made_data(arguments.build / f"data/{arguments.messages}", arguments.messages)
     one = made_data(arguments.build / "data/1", 1)
     rows = []
