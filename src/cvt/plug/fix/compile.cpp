@@ -39,6 +39,7 @@ class LevelCompiler {
     m_plan.ops.resize(m_shape.nodes.size());
     members(0, m_shape.nodes.size(), m_outer, m_inRecord, false);
     if (m_scope == nullptr) checkTail(m_plan, 0, m_plan.ops.size(), m_outer, nullptr);
+    findPlainRuns(m_plan);
     return std::move(m_plan);
   }
 
@@ -48,7 +49,7 @@ class LevelCompiler {
     for (size_t i = from; i < to; i = next(i)) {
       const Node &node = m_shape.nodes[i];
       const std::string path = kit::nodePath(outer, node);
-      m_plan.ops[i] = {Kind::Field, false, node.slot, node.next, node.name, 0, {}, -1};
+      m_plan.ops[i] = {Kind::Field, false, node.slot, node.next, node.name, 0, {}};
       if (node.counted) {
         throw Misconfigured(path, node.record, "a field, a group or a loop",
                             "a counted node (StructAttr nType 5)",

@@ -38,6 +38,11 @@ class Generator {
   void members(const LevelPlan &level, size_t from, size_t to, const List &values) {
     for (size_t i = from; i < to;) {
       const Op &op = level.ops[i];
+      const size_t done = op.run < 0 ? 0 : plainRun(level.runs[static_cast<size_t>(op.run)], values);
+      if (done != 0) {
+        i += done;
+        continue;
+      }
       if (op.kind == Kind::Field) {
         field(level.fields[op.detail], op.slot, values);
       } else if (op.kind == Kind::Special) {
@@ -71,6 +76,16 @@ class Generator {
       case Kind::End:
         break;
     }
+  }
+
+  // As many fields as are plain.
+  size_t plainRun(const PlainRun &run, const List &values) {
+    endRecord();
+    if (m_out.room() < run.width) return 0;
+    const auto tell = [this](const char *name) { m_call.path.field(name); };
+    const size_t done = writePlain(run, m_out.at(m_out.offset()), values, tell);
+    m_out.reserve(done == run.fields.size() ? run.width : widthOf(run, done));
+    return done;
   }
 
   void field(const FieldPlan &field, int slot, const List &values) {

@@ -47,6 +47,16 @@ inline void Parser::field(const FieldPlan &field, int slot, List &values) {
   m_at += width;
 }
 
+// As many fields as are plain.
+inline size_t Parser::plainRun(const PlainRun &run, List &values) {
+  if (left() < run.width) return 0;
+  const size_t done = readPlain(run, m_at, values, m_call.store);
+  const bool all = done == run.fields.size();
+  m_at += all ? run.width : widthOf(run, done);
+  if (done != 0) m_call.path.field(run.fields[done - 1].name);
+  return done;
+}
+
 // --- Recognising
 // ------------------------------------------------------------------------------------------------
 
@@ -86,6 +96,11 @@ inline bool Parser::has(const Tag &tag) const {
 void Parser::members(const LevelPlan &level, size_t from, size_t to, List &values) {
   for (size_t i = from; i < to;) {
     const Op &op = level.ops[i];
+    const size_t done = op.run < 0 ? 0 : plainRun(level.runs[static_cast<size_t>(op.run)], values);
+    if (done != 0) {
+      i += done;
+      continue;
+    }
     if (op.kind == Kind::Field) {
       field(level.fields[op.detail], op.slot, values);
     } else if (op.kind == Kind::Special) {

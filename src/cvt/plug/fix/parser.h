@@ -30,6 +30,7 @@ class Parser {
   void members(const LevelPlan &level, size_t from, size_t to, kit::List &values);
   void node(const LevelPlan &level, size_t i, kit::List &values);
   void field(const FieldPlan &field, int slot, kit::List &values);
+  size_t plainRun(const PlainRun &run, kit::List &values);
 
   bool isThere(const LevelPlan &level, const Op &op, const kit::List &values) const;
   bool starts(const std::vector<Start> &starts) const;

@@ -8,6 +8,7 @@
 #include "cvt_message.h"
 #include "kit/charset.h"
 #include "kit/number.h"
+#include "plain_run.h"
 #include "records.h"
 
 namespace cvt::fix {
@@ -141,6 +142,7 @@ struct Op {
   size_t detail;              // position in the level's fields, records or loops
   std::vector<Start> starts;  // how it may start: known where a record must be recognised
   int condition = -1;         // position in the level's conditions: a value tells, and no tag
+  int run = -1;               // position in the level's runs: one begins here
 };
 
 struct LevelPlan {
@@ -149,6 +151,7 @@ struct LevelPlan {
   std::vector<RecordPlan> records;
   std::vector<LoopPlan> loops;
   std::vector<Condition> conditions;
+  std::vector<PlainRun> runs;
   int slots = 0;
 };
 

@@ -90,6 +90,12 @@ class Store {
     m_left += length - used;
   }
 
+  // Gives back the end of the piece taken last, from there on: nothing was written to it.
+  void giveBack(char *from) {
+    m_left += static_cast<size_t>(m_next - from);
+    m_next = from;
+  }
+
   char *copy(const char *bytes, size_t length) {
     char *piece = take(length);
     if (length != 0) std::memcpy(piece, bytes, length);
