@@ -101,20 +101,20 @@ std::string pipelines(int others) {
   return test::pipelines(all);
 }
 
-// A number and blanks make a text of that length.
-std::string padded(int n, int length) {
+// A number makes a text of that length: a short one with blanks behind it, a long one that is full.
+std::string textOf(int n, int length) {
   std::string text = std::to_string(n);
-  text.resize(static_cast<size_t>(length), ' ');
+  text.resize(static_cast<size_t>(length), length <= 10 ? ' ' : 'x');
   return text;
 }
 
 std::string messageOf(const Shape &shape) {
   std::string text;
-  for (int i = 0; i < shape.fields; ++i) text += padded(i, shape.fieldLength);
+  for (int i = 0; i < shape.fields; ++i) text += textOf(i, shape.fieldLength);
   if (shape.repetitions == 0) return text;
   const std::string count = std::to_string(shape.repetitions);
   text += std::string(6 - count.size(), '0') + count;
-  for (int i = 0; i < shape.repetitions; ++i) text += padded(i, 8) + padded(i, 10);
+  for (int i = 0; i < shape.repetitions; ++i) text += textOf(i, 8) + textOf(i, 10);
   return text;
 }
 
