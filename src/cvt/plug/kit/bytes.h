@@ -58,7 +58,7 @@ inline bool equalShort(const char *a, const char *b, size_t n) {
 // Whether bad(word) & kHighBits is 0 for the bytes of the text; a byte decides for itself. `neutral` is a
 // byte for which it is 0, for words that are not full.
 template <class Bad>
-bool noneOf(const char *in, size_t n, unsigned char neutral, Bad bad) {
+[[gnu::always_inline]] inline bool noneOf(const char *in, size_t n, unsigned char neutral, Bad bad) {
   const uint64_t rest = kOnes * neutral;
   uint64_t found = 0;
   if (n >= 8) {
