@@ -27,6 +27,7 @@ cvt_message 6
 cvt_convert_parts 7
 cvt_convert_sql 7
 cvt_convert_value 7
+cvt_convert_plan 7
 cvt_convert_rule 7
 cvt_convert_bind 7
 cvt_convert 7

@@ -3,6 +3,7 @@
 #include "cvt_convert.h"
 
 #include "cvt_convert_parts.h"
+#include "cvt_convert_plan.h"
 #include "cvt_index.h"
 
 CvtGlobalInfo *gptCvtGlobalInfo = nullptr;
@@ -40,6 +41,7 @@ int cvtCvtEnd() {
   gptCvtGlobalInfo = nullptr;
   f_funcIndex.clear();
   f_cvtIndex.clear();
+  cvt::convert::forgetPlans();
   return 0;
 }
 
@@ -76,6 +78,7 @@ int CvtInitCvt(char *psFileName) {
     CVT_ERR("Add ptConvert[%s] to global define Err!!", ptConvert->psName);
     return -1;
   }
+  cvt::convert::plan(*ptConvert);
   return 0;
 }
 

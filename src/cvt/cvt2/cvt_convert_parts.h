@@ -3,6 +3,7 @@
 //   cvt_convert        module state, functions and converters by name, the "Convert" section
 //   cvt_convert_bind   converter files: records, and names that become positions
 //   cvt_convert_value  arguments and temporary values
+//   cvt_convert_plan   rule lists as they are run: runs of copies
 //   cvt_convert_rule   rules, and the walk over a list of them
 //   cvt_convert_sql    the SQL rule
 #pragma once

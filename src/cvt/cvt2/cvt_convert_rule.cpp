@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "cvt_convert_parts.h"
+#include "cvt_convert_plan.h"
 
 namespace cvt::convert {
 
@@ -131,18 +132,6 @@ int CvtMapping(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Mappi
   return 0;
 }
 
-// A copy from slot to slot, as most rules are; false where something else is to be done, or to be said.
-bool copySlot(ValueListPort ptSrc, ValueListPort ptDst, const Arg *ptArg) {
-  if (ptArg->nType != CVT_TYPE_COPY || ptArg->pInfo == nullptr || bind::g_bMisfits) return false;
-  const auto *const ptCopy = static_cast<const Copy *>(ptArg->pInfo);
-  Value *const ptTo = slotOf(ptSrc, ptDst, ptCopy->ptDstArgs);
-  const Value *const ptFrom = slotOf(ptSrc, ptDst, ptCopy->ptSrcArgs);
-  if (ptTo == nullptr || ptFrom == nullptr) return false;
-  ptTo->psValue = ptFrom->psValue;
-  ptTo->nLen = ptFrom->nLen;
-  return true;
-}
-
 // The status of a rule, with the text that says which kind has failed.
 struct Done {
   int nRet;
@@ -167,24 +156,60 @@ Done convertByRule(ValueListPort ptSrc, ValueListPort ptDst, const Arg *ptArg, M
   }
 }
 
+// Rule number i of a list.
+int runRule(ValueListPort ptSrc, ValueListPort ptDst, const Arg *ptArg, int i, MemPort ptMemNode) {
+  const Done done = convertByRule(ptSrc, ptDst, ptArg, ptMemNode);
+  PushTempValue(nullptr);
+  if (done.nRet == 0) return 0;
+  CVT_ERR("%s", done.psFailed);
+  CVT_ERR("Do Convert Rule [%d] err!!", i);
+  return -1;
+}
+
+// Whether the lists have the slots of a run.
+bool hasRoom(const Step &run, const ValueList *ptSrc, const ValueList *ptDst) {
+  return run.nMostFrom < ptSrc->nNow && run.nMostFrom < ptSrc->nMax && run.nMostTo < ptDst->nNow &&
+         run.nMostTo < ptDst->nMax;
+}
+
+// A run of copies: at once, or, where a slot is missing, rule by rule.
+int runCopies(ValueListPort ptSrc, ValueListPort ptDst, const Step &run, MemPort ptMemNode) {
+  if (hasRoom(run, ptSrc, ptDst)) {
+    for (const SlotPair &pair : run.pairs) {
+      const Value &from = ptSrc->ptValue[pair.nFrom];
+      Value &to = ptDst->ptValue[pair.nTo];
+      to.psValue = from.psValue;
+      to.nLen = from.nLen;
+    }
+    PushTempValue(nullptr);
+    return 0;
+  }
+  const Arg *pt = run.ptArg;
+  for (size_t i = 0; i < run.pairs.size(); ++i, pt = pt->ptNext) {
+    if (runRule(ptSrc, ptDst, pt, run.nPosition + static_cast<int>(i), ptMemNode) != 0) return -1;
+  }
+  return 0;
+}
+
+int runSteps(ValueListPort ptSrc, ValueListPort ptDst, const Steps &steps, MemPort ptMemNode) {
+  for (const Step &step : steps) {
+    const int nRet = step.pairs.empty() ? runRule(ptSrc, ptDst, step.ptArg, step.nPosition, ptMemNode)
+                                        : runCopies(ptSrc, ptDst, step, ptMemNode);
+    if (nRet != 0) return -1;
+  }
+  return 0;
+}
+
 int StructConvert(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Arg *ptArgs,
                   MemPort ptMemNode) {
   CVT_NOT_NULL(ptSrcValueList, -1);
   CVT_NOT_NULL(ptDstValueList, -1);
+  if (const Steps *const ptSteps = planOf(ptArgs)) {
+    return runSteps(ptSrcValueList, ptDstValueList, *ptSteps, ptMemNode);
+  }
   int i = 0;
   for (const Arg *pt = ptArgs; pt != nullptr; pt = pt->ptNext) {
-    ++i;
-    if (copySlot(ptSrcValueList, ptDstValueList, pt)) {
-      PushTempValue(nullptr);
-      continue;
-    }
-    const Done done = convertByRule(ptSrcValueList, ptDstValueList, pt, ptMemNode);
-    PushTempValue(nullptr);
-    if (done.nRet != 0) {
-      CVT_ERR("%s", done.psFailed);
-      CVT_ERR("Do Convert Rule [%d] err!!", i);
-      return -1;
-    }
+    if (runRule(ptSrcValueList, ptDstValueList, pt, ++i, ptMemNode) != 0) return -1;
   }
   return 0;
 }
