@@ -41,10 +41,10 @@ struct Marks {
 
  private:
   bool absentIn(std::string_view text, uint64_t otherwise) const {
-    return kit::noneOf(text.data(), text.size(), other, [this, otherwise](uint64_t word) {
-      uint64_t found = word & otherwise;
+    return kit::noneOf(text.data(), text.size(), other, [this, otherwise](auto word) {
+      auto found = word & otherwise;
       for (size_t i = 0; i < count; ++i) {
-        const uint64_t apart = word ^ (kit::kOnes * bytes[i]);
+        const auto apart = word ^ (kit::kOnes * bytes[i]);
         found |= (apart - kit::kOnes) & ~apart;
       }
       return found;

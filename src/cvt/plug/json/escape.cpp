@@ -10,9 +10,9 @@ namespace {
 
 // Printable ASCII without quotes and backslashes: most values are nothing else.
 bool isPlain(std::string_view value) {
-  return kit::noneOf(value.data(), value.size(), ' ', [](uint64_t word) {
-    const uint64_t quote = word ^ (kit::kOnes * '"');
-    const uint64_t backslash = word ^ (kit::kOnes * '\\');
+  return kit::noneOf(value.data(), value.size(), ' ', [](auto word) {
+    const auto quote = word ^ (kit::kOnes * '"');
+    const auto backslash = word ^ (kit::kOnes * '\\');
     return word | (word - kit::kOnes * 0x20) | (quote - kit::kOnes) | (backslash - kit::kOnes);
   });
 }

@@ -21,8 +21,8 @@ bool isNumber(std::string_view text);
 
 // Whether something in a string, without its quotes, is not itself.
 inline bool hasEscape(std::string_view string) {
-  return !kit::noneOf(string.data(), string.size(), ' ', [](uint64_t word) {
-    const uint64_t other = word ^ (kit::kOnes * '\\');
+  return !kit::noneOf(string.data(), string.size(), ' ', [](auto word) {
+    const auto other = word ^ (kit::kOnes * '\\');
     return (other - kit::kOnes) & ~other;
   });
 }
