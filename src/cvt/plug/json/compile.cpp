@@ -358,6 +358,7 @@ void Compiler::add(Item &parent, Item child, const Scope &scope) const {
     }
     child.spelled = spelled(child.name);
     child.key = ",\"" + child.spelled + (m_plan->indent == 0 ? "\":" : "\": ");
+    child.textKey = child.key + '"';
   }
   const bool required = child.mandatory || child.minTimes > 0;
   if (required && child.form != Form::Others) parent.required.push_back(parent.children.size());

@@ -1,21 +1,11 @@
 #include "escape.h"
 
-#include "kit/bytes.h"
 #include "kit/fault.h"
 #include "kit/utf8.h"
 
 namespace cvt::json {
 
 namespace {
-
-// Printable ASCII without quotes and backslashes: most values are nothing else.
-bool isPlain(std::string_view value) {
-  return kit::noneOf(value.data(), value.size(), ' ', [](auto word) {
-    const auto quote = word ^ (kit::kOnes * '"');
-    const auto backslash = word ^ (kit::kOnes * '\\');
-    return word | (word - kit::kOnes * 0x20) | (quote - kit::kOnes) | (backslash - kit::kOnes);
-  });
-}
 
 bool isPlain(char c) {
   return c >= 0x20 && c < 0x7F && c != '"' && c != '\\';

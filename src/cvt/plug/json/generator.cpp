@@ -40,6 +40,7 @@ class Generator {
   void loop(const Item &item, const List &list);
   void name(const Item &item, const List &body);
 
+  bool plainMember(const Item &item, std::string_view text);
   void key(const Item &item);
   void separate();
   void open(char bracket);
@@ -75,6 +76,21 @@ void Generator::key(const Item &item) {
   }
   separate();
   m_out.put(std::string_view(item.key).substr(1));
+}
+
+// A text or number that stands as it is, with its name, in one piece; false for everything else.
+bool Generator::plainMember(const Item &item, std::string_view text) {
+  if (m_plan.indent != 0 || text.empty()) return false;
+  const size_t comma = m_first ? 1 : 0;
+  if (item.type == Type::Text && isPlain(text)) {
+    m_out.put(std::string_view(item.textKey).substr(comma), text, "\"");
+  } else if (item.type == Type::Number && isNumber(text)) {
+    m_out.put(std::string_view(item.key).substr(comma), text, {});
+  } else {
+    return false;
+  }
+  m_first = false;
+  return true;
 }
 
 void Generator::open(char bracket) {
@@ -117,7 +133,7 @@ void Generator::member(const Item &item, const List &list) {
   if (item.form == Form::Scalar) {
     m_path.field(item.node);
     const std::string_view text = textToWrite(item.rule, list, m_path, m_digits);
-    if (isWritten(item.rule, list, text)) {
+    if (isWritten(item.rule, list, text) && !plainMember(item, text)) {
       key(item);
       scalar(item, text);
     }

@@ -12,20 +12,6 @@ bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-// The digits at the start of the text are taken off; whether there was one.
-bool takeDigits(std::string_view &text) {
-  size_t n = 0;
-  while (n < text.size() && isDigit(text[n])) ++n;
-  text.remove_prefix(n);
-  return n > 0;
-}
-
-bool take(std::string_view &text, char c) {
-  if (text.empty() || text.front() != c) return false;
-  text.remove_prefix(1);
-  return true;
-}
-
 int hexValue(char c) {
   if (isDigit(c)) return c - '0';
   if (c >= 'a' && c <= 'f') return c - 'a' + 10;
@@ -79,18 +65,6 @@ constexpr const char *kEscape =
 constexpr const char *kPair = "both halves of a surrogate pair";
 
 }  // namespace
-
-bool isNumber(std::string_view text) {
-  take(text, '-');
-  const bool zero = take(text, '0');
-  if (!zero && !takeDigits(text)) return false;
-  if (take(text, '.') && !takeDigits(text)) return false;
-  if (take(text, 'e') || take(text, 'E')) {
-    if (!take(text, '+')) take(text, '-');
-    if (!takeDigits(text)) return false;
-  }
-  return text.empty();
-}
 
 Unescaped unescape(std::string_view string, char *out) {
   Unescaped done;

@@ -16,8 +16,28 @@ inline bool isOperator(char c) {
   return c == '{' || c == '}' || c == '[' || c == ']' || c == ':' || c == ',';
 }
 
+// The place behind the digits that stand there.
+inline const char *behindDigits(const char *at, const char *end) {
+  while (at != end && *at >= '0' && *at <= '9') ++at;
+  return at;
+}
+
 // Whether the whole text is a number.
-bool isNumber(std::string_view text);
+inline bool isNumber(std::string_view text) {
+  const char *const end = text.data() + text.size();
+  const char *const from = text.data() + (text.starts_with('-') ? 1 : 0);
+  const char *at = behindDigits(from, end);
+  if (at == from || (*from == '0' && at != from + 1)) return false;
+  if (at != end && *at == '.') {
+    const char *const fraction = at + 1;
+    at = behindDigits(fraction, end);
+    if (at == fraction) return false;
+  }
+  if (at == end || (*at != 'e' && *at != 'E')) return at == end;
+  ++at;
+  if (at != end && (*at == '+' || *at == '-')) ++at;
+  return at != end && behindDigits(at, end) == end;
+}
 
 // Whether something in a string, without its quotes, is not itself.
 inline bool hasEscape(std::string_view string) {

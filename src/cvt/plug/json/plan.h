@@ -38,6 +38,7 @@ struct Item {
   std::string name;     // of the member; empty in an array
   std::string spelled;  // as it is written, without quotes; of a child that has no name, as none is
   std::string key;      // `,"name":` as it is written
+  std::string textKey;  // the same in front of a text, with its quote
   Null null = Null::Refuse;
   bool mandatory = false;
   bool keepEmpty = false;
