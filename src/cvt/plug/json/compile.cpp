@@ -78,7 +78,7 @@ class Compiler {
   void checkField(const JsonField &record, const Item &field, const Scope &scope) const;
   void checkNode(const Node &node, const Scope &scope) const;
   void checkDepth(const Scope &scope) const;
-  std::string spelled(const std::string &name) const;
+  std::string quoted(const std::string &name) const;
   Scope inside(const Scope &scope, const Node &node) const;
 
   const Msg &m_msg;
@@ -349,15 +349,14 @@ void Compiler::add(Item &parent, Item child, const Scope &scope) const {
                           "a second one", "Remove it");
     }
     parent.others = position;
-    child.spelled = "\"";
   } else {
     if (!parent.names.add(child.name, position)) {
       throw Misconfigured(scope.path, scope.record, "members of different names",
                           "a second \"" + child.name + "\"",
                           "Give it another psName, or make one loop of both");
     }
-    child.spelled = spelled(child.name);
-    child.key = ",\"" + child.spelled + (m_plan->indent == 0 ? "\":" : "\": ");
+    child.quoted = quoted(child.name);
+    child.key = "," + child.quoted + (m_plan->indent == 0 ? ":" : ": ");
     child.textKey = child.key + '"';
   }
   const bool required = child.mandatory || child.minTimes > 0;
@@ -365,11 +364,12 @@ void Compiler::add(Item &parent, Item child, const Scope &scope) const {
   parent.children.push_back(std::move(child));
 }
 
-std::string Compiler::spelled(const std::string &name) const {
+std::string Compiler::quoted(const std::string &name) const {
   std::string room(12 * name.size() + 2, '\0');
   kit::Output out(room.data(), 0, room.size());
   putString(out, name, m_plan->ascii);
-  return room.substr(1, out.offset() - 2);
+  room.resize(out.offset());
+  return room;
 }
 
 void Compiler::checkDepth(const Scope &scope) const {

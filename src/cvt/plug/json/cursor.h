@@ -49,6 +49,22 @@ class Cursor {
     return true;
   }
 
+  // The name with its quotes and the colon, when they stand here without blanks.
+  bool takeName(std::string_view quoted) {
+    if (m_end - m_at < 2 || m_at[1] - m_at[0] != quoted.size() || m_text[m_at[1]] != ':') return false;
+    if (!kit::equalShort(m_text + *m_at, quoted.data(), quoted.size())) return false;
+    m_at += 2;
+    return true;
+  }
+
+  // A string without blanks behind it, when one stands here: as it is written, without its quotes.
+  bool takeString(std::string_view &string) {
+    if (peek() != '"' || m_at[1] - m_at[0] < 2 || m_text[m_at[1] - 1] != '"') return false;
+    string = {m_text + *m_at + 1, m_at[1] - m_at[0] - 2};
+    ++m_at;
+    return true;
+  }
+
   // { or [, and } or ], counted.
   void open(char bracket, const char *expected, const char *advice = "");
   void close(char bracket);

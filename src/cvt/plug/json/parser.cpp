@@ -109,7 +109,7 @@ class Parser {
   void string(const kit::Rule &rule, List values, std::string_view raw);
   void object(const Item &item, List values);
   void member(const Item &item, List values, Open &open);
-  int find(const Item &item, std::string_view raw, size_t next);
+  int find(const Item &item, std::string_view raw);
   void unknown(const Item &item, std::string_view raw, const Open &open);
   void putOthers(const Item &item, List values, const Open &open);
   void addName(std::string_view raw);
@@ -179,6 +179,8 @@ Seen Parser::scalar(const Item &item, List values) {
 
 void Parser::content(const Item &item, List values) {
   if (item.type == Type::Text) {
+    std::string_view raw;
+    if (m_in.takeString(raw)) return string(item.rule, values, raw);
     const bool null = m_in.peek() == 'n';
     return string(item.rule, values,
                   m_in.string(kindOf(item), null ? kSeeNull : "Put it in double quotes, or see psType"));
@@ -236,12 +238,16 @@ void Parser::putOthers(const Item &item, List values, const Open &open) {
   f_room.others.resize(open.others);
 }
 
+// Texts mostly keep the definition's order, so the next child is tried before the table.
 void Parser::member(const Item &item, List values, Open &open) {
   const size_t offset = m_in.offset();
-  const std::string_view raw = m_in.name();
-  const int found = find(item, raw, open.next);
-  if (found < 0) return unknown(item, raw, open);
-  const auto position = static_cast<size_t>(found);
+  size_t position = open.next;
+  if (position >= item.children.size() || !m_in.takeName(item.children[position].quoted)) {
+    const std::string_view raw = m_in.name();
+    const int found = find(item, raw);
+    if (found < 0) return unknown(item, raw, open);
+    position = static_cast<size_t>(found);
+  }
   const Item &child = item.children[position];
   if (f_room.seen[open.seen + position] != kNothing) {
     m_path.field(child.node);
@@ -252,9 +258,7 @@ void Parser::member(const Item &item, List values, Open &open) {
   open.next = position + 1;
 }
 
-// Texts mostly keep the definition's order, so the next child is tried before the table.
-int Parser::find(const Item &item, std::string_view raw, size_t next) {
-  if (next < item.children.size() && item.children[next].spelled == raw) return static_cast<int>(next);
+int Parser::find(const Item &item, std::string_view raw) {
   if (!hasEscape(raw)) return item.names.find(raw);
   f_room.text.resize(raw.size());
   return item.names.find({f_room.text.data(), m_in.decode(raw, f_room.text.data())});

@@ -36,7 +36,7 @@ struct Item {
   const char *node = nullptr;  // null: no node stands for it (the root, a repetition)
   Form form = Form::Object;
   std::string name;     // of the member; empty in an array
-  std::string spelled;  // as it is written, without quotes; of a child that has no name, as none is
+  std::string quoted;   // as it is written, with its quotes; empty without a name
   std::string key;      // `,"name":` as it is written
   std::string textKey;  // the same in front of a text, with its quote
   Null null = Null::Refuse;
