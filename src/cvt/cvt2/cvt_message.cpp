@@ -256,17 +256,21 @@ int SwitchToLoopList(ValueList *ptList) {
 }
 
 // A list may have been asked for more slots than it has room for: those beyond its capacity do not exist.
-bool isSlot(const ValueList *ptValueList, int nIndex) {
-  const int nSlots = std::min(static_cast<int>(ptValueList->nNow), static_cast<int>(ptValueList->nMax));
-  if (nIndex >= 0 && nIndex < nSlots) return true;
+bool noSlot(int nIndex, int nSlots) {
   CVT_ERR("Value Index[%d] < 0 or >= max [%d] err!!", nIndex, nSlots);
   return false;
 }
+inline bool isSlot(const ValueList *ptValueList, int nIndex) {
+  const int nSlots = std::min(static_cast<int>(ptValueList->nNow), static_cast<int>(ptValueList->nMax));
+  return (nIndex >= 0 && nIndex < nSlots) || noSlot(nIndex, nSlots);
+}
 
-bool holdsNoValue(const ValueList *ptValueList, int nIndex) {
-  if (ptValueList->ptValue[nIndex].nLen <= 0) return true;
+bool holdsValue(int nIndex) {
   CVT_ERR("value Index[%d] is not LoopValueList", nIndex);
   return false;
+}
+inline bool holdsNoValue(const ValueList *ptValueList, int nIndex) {
+  return ptValueList->ptValue[nIndex].nLen <= 0 || holdsValue(nIndex);
 }
 
 }  // namespace

@@ -15,7 +15,11 @@ namespace cvt::kit {
 class List {
  public:
   // Throws Fault when the list is null or has fewer slots than the level.
-  List(ValueList *list, int slots);
+  List(ValueList *list, int slots) : m_list(list) {
+    const bool fits = list != nullptr && list->nNow >= slots && list->nMax >= slots &&
+                      (slots <= 0 || list->ptValue != nullptr);
+    if (!fits) badList(list, slots);
+  }
 
   // Nothing stored: an empty value, or a loop that has not been started.
   bool empty(int slot) const {
@@ -44,10 +48,18 @@ class List {
 
   // Number of repetitions of a loop; 0 when it was not started. Throws Fault when the slot holds a plain
   // value.
-  int repetitions(int slot) const;
+  int repetitions(int slot) const {
+    const ValueList *loop = loopAt(slot);
+    if (loop == nullptr) return 0;
+    return loop->nNow < loop->nMax ? loop->nNow : loop->nMax;
+  }
 
   // The list of repetition index, 0 .. repetitions - 1, as a level of `slots` slots.
-  List repetition(int slot, int index, int slots) const;
+  List repetition(int slot, int index, int slots) const {
+    const ValueList *loop = loopAt(slot);
+    if (loop == nullptr || index < 0 || index >= loop->nNow || index >= loop->nMax) badRepetition(index);
+    return {reinterpret_cast<ValueList *>(loop->ptValue[index].psValue), slots};
+  }
 
   // Appends a repetition. Throws Fault when the loop is full; the message names gnMaxLoop.
   List append(int slot, int slots);
@@ -62,6 +74,18 @@ class List {
     // The slot array lies in the pool: entries are packed records.
     return m_list->ptValue + slot;
   }
+  // The repetitions of a loop slot; null when it was not started.
+  const ValueList *loopAt(int slot) const {
+    const Value *value = at(slot);
+    const int length = value->nLen;
+    if (length == 0) return nullptr;
+    if (length != -1 || value->psValue == nullptr) badLoop(length);
+    return reinterpret_cast<const ValueList *>(value->psValue);
+  }
+
+  [[noreturn]] static void badList(const ValueList *list, int slots);
+  [[noreturn]] static void badLoop(int length);
+  [[noreturn]] static void badRepetition(int index);
   [[noreturn]] static void badValue(int length);
 
   ValueList *m_list;
