@@ -456,4 +456,40 @@ TEST_F(StdClockSettings, FirstYearAndZonesComeFromThem) {
   EXPECT_EQ(to.get("Y"), "2024070114");
 }
 
+// --- Patterns that are used again ----------------------------------------------------------------------------
+
+// A pattern is taken apart once; what is wrong with a value is told in the same words the next time.
+TEST(DatePattern, TellsTheSameEveryTime) {
+  const std::string sHours = errorOf("reformatDate", {"9:05", "h:mm", "HH:mm"});
+  EXPECT_NE(sHours.find("Arg[2] Len[4] Offset[4]: expected an a (AM or PM) beside hours to 12"),
+            std::string::npos)
+      << sHours;
+  const std::string sWeekday = errorOf("reformatDate", {"Mon 2024-01-02", "EEE yyyy-MM-dd", "yyyyMMdd"});
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(errorOf("reformatDate", {"9:05", "h:mm", "HH:mm"}), sHours);
+    EXPECT_EQ(errorOf("reformatDate", {"Mon 2024-01-02", "EEE yyyy-MM-dd", "yyyyMMdd"}), sWeekday);
+  }
+}
+
+TEST(DatePattern, MoreThanAreKeptStayApart) {
+  const std::vector<std::string> separators = {"-", "/", ".", " ", ":", "_", "+", "*", "#", "=", ","};
+  for (int nRound = 0; nRound < 3; ++nRound) {
+    for (const std::string &s : separators) {
+      EXPECT_EQ(resultOf("reformatDate", {"20241231", "yyyyMMdd", "yyyy" + s + "MM" + s + "dd"}),
+                "2024" + s + "12" + s + "31");
+    }
+  }
+}
+
+// The one that is replaced meanwhile must not be the one in use.
+TEST(DatePattern, BothPatternsOfACallMayBeNew) {
+  for (int i = 0; i < 40; ++i) {
+    const std::string sMark(1, static_cast<char>('0' + i % 10));
+    const std::string sFrom = "yyyy'" + sMark + "x" + std::to_string(i) + "'MMdd";
+    const std::string sTo = "dd'" + sMark + "y" + std::to_string(i) + "'MMyyyy";
+    EXPECT_EQ(resultOf("reformatDate", {"2024" + sMark + "x" + std::to_string(i) + "1231", sFrom, sTo}),
+              "31" + sMark + "y" + std::to_string(i) + "122024");
+  }
+}
+
 }  // namespace

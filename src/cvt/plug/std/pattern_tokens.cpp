@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "kit/bytes.h"
+
 namespace cvt::functions {
 
 namespace {
@@ -31,7 +33,58 @@ bool beginsWithDigit(const Token &token) {
 
 }  // namespace
 
+struct KnownPattern {
+  char text[kMaxPattern];
+  size_t length = 0;
+  struct {
+    Token token;
+    size_t begin;
+  } tokens[kMaxPattern];
+  size_t count = 0;
+};
+
+const KnownPattern *Tokens::find(std::string_view pattern) {
+  static constexpr size_t kKept = 8;
+  static KnownPattern kept[kKept];
+  static size_t oldest = 0;
+  if (pattern.empty() || pattern.size() > kMaxPattern) return nullptr;
+  for (const KnownPattern &known : kept) {
+    const bool same =
+        known.length == pattern.size() && kit::equalShort(known.text, pattern.data(), pattern.size());
+    if (same) return &known;
+  }
+  KnownPattern &made = kept[oldest];
+  made.length = 0;
+  if (!learn(pattern, made)) return nullptr;
+  oldest = (oldest + 1) % kKept;
+  return &made;
+}
+
+// False for a pattern with a fault, which is told by whoever uses it.
+bool Tokens::learn(std::string_view pattern, KnownPattern &known) {
+  Misfit misfit;
+  Tokens tokens(pattern, misfit, Anew());
+  known.count = 0;
+  for (Token token; tokens.readNext(token);) known.tokens[known.count++] = {token, tokens.m_begin};
+  if (misfit.expected != nullptr) return false;
+  std::copy(pattern.begin(), pattern.end(), known.text);
+  known.length = pattern.size();
+  return true;
+}
+
 bool Tokens::next(Token &token) {
+  if (m_known == nullptr) return readNext(token);
+  if (m_position == m_known->count) {
+    m_begin = m_pattern.size();
+    return false;
+  }
+  const auto &[known, begin] = m_known->tokens[m_position++];
+  token = known;
+  m_begin = begin;
+  return m_misfit.expected == nullptr;
+}
+
+bool Tokens::readNext(Token &token) {
   for (; m_at < m_pattern.size() && m_pattern[m_at] == '\''; ++m_at) {
     m_begin = m_at;
     if (m_pattern.substr(m_at, 2) == "''") {
