@@ -23,6 +23,7 @@ std::string numbered(const char *name, int n) {
 std::vector<FormatNode> fixFields(int count, int length) {
   const std::string attributes = "nLen=\"" + std::to_string(length) + "\"";
   std::vector<FormatNode> nodes;
+  nodes.reserve(static_cast<size_t>(count));
   for (int i = 0; i < count; ++i)
     nodes.push_back(test::format::leaf("FixField", numbered("F", i), attributes));
   return nodes;
@@ -30,6 +31,7 @@ std::vector<FormatNode> fixFields(int count, int length) {
 
 std::vector<FormatNode> jsonFields(int count) {
   std::vector<FormatNode> nodes;
+  nodes.reserve(static_cast<size_t>(count));
   for (int i = 0; i < count; ++i) nodes.push_back(test::format::leaf("JsonField", numbered("G", i), ""));
   return nodes;
 }

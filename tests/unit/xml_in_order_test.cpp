@@ -28,7 +28,8 @@ class XmlInOrder : public testing::Test {
     if (order == nullptr) return "refused: " + fault();
     std::string s;
     for (const char *psName : {"Id", "Note", "Other", "Ccy", "Amount"}) s += get(order, psName) + "|";
-    for (int i = 0; at(order, "Line", i); ++i) s += get(order, "Line.Sku") + "*" + get(order, "Line.Qty") + "|";
+    for (int i = 0; at(order, "Line", i); ++i)
+      s += get(order, "Line.Sku") + "*" + get(order, "Line.Qty") + "|";
     for (int i = 0; at(order, "Tag", i); ++i) s += get(order, "Tag.Tag") + "|";
     return s;
   }

@@ -53,7 +53,7 @@ class Generator {
   const Plan &m_plan;
   kit::Path &m_path;
   Writer m_write;
-  kit::Digits m_digits;  // a count being written
+  kit::Digits m_digits{};  // a count being written
 };
 
 // --- What there is to write

@@ -78,7 +78,7 @@ class Generator {
   const Plan &m_plan;
   kit::Output &m_out;
   kit::Path &m_path;
-  kit::Digits m_digits;
+  kit::Digits m_digits{};
 };
 
 }  // namespace

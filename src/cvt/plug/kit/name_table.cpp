@@ -1,5 +1,6 @@
 #include "name_table.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
@@ -8,7 +9,7 @@ namespace cvt::kit {
 // The tail tells names apart: names of one level often begin alike.
 size_t NameTable::hash(std::string_view name) {
   uint64_t tail = 0;
-  const size_t n = name.size() < sizeof tail ? name.size() : sizeof tail;
+  const size_t n = std::min(name.size(), sizeof tail);
   if (n != 0) std::memcpy(&tail, name.data() + name.size() - n, n);
   tail = (tail ^ name.size()) * 0x9E3779B97F4A7C15U;
   return static_cast<size_t>(tail >> 32);

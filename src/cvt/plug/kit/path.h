@@ -20,6 +20,7 @@ class Path {
   static constexpr int kMaxDepth = 64;
 
   // Leaves the frames as they are: a kilobyte for each message would be cleared that nobody reads.
+  // cppcheck-suppress uninitMemberVar
   Path() {}  // NOLINT(modernize-use-equals-default)
 
   void enter(const char *name) {

@@ -35,7 +35,7 @@ struct Rule {
   const char *fallback;  // psDefault, or null
   const char *constant;  // psConst, or null
   int countedLoop;       // slot of the loop whose repetitions it counts; -1: an ordinary value
-  bool plain;            // nothing is asked of the value: it is read and written as it is
+  bool asIs;             // nothing is asked of the value: it is read and written as it is
 };
 
 // What a record says, for Rules::make.
@@ -72,7 +72,7 @@ struct Digits {
 
 namespace detail {
 
-// For rules that are not plain.
+// For rules that ask for something.
 void checkRead(const Rule &rule, std::string_view value, const Path &path);
 std::string_view textToWrite(const Rule &rule, const List &list, const Path &path, Digits &digits);
 
@@ -80,7 +80,7 @@ std::string_view textToWrite(const Rule &rule, const List &list, const Path &pat
 
 // A value that was read at that place: the constant, the position, mandatory and not too long. Throws Fault.
 inline void checkRead(const Rule &rule, std::string_view value, const Path &path) {
-  if (!rule.plain) detail::checkRead(rule, value, path);
+  if (!rule.asIs) detail::checkRead(rule, value, path);
 }
 
 // Stores a copy of a value that was read and checked.
@@ -92,7 +92,7 @@ inline void putRead(const Rule &rule, List list, Store &store, std::string_view 
 // The text to be written for a field at that place: its count, position, constant, value or default. Throws
 // Fault when it must not be empty but is, is too long, or contradicts the constant.
 inline std::string_view textToWrite(const Rule &rule, const List &list, const Path &path, Digits &digits) {
-  return rule.plain ? list.get(rule.slot) : detail::textToWrite(rule, list, path, digits);
+  return rule.asIs ? list.get(rule.slot) : detail::textToWrite(rule, list, path, digits);
 }
 
 // Whether the field is written at all, with that text.

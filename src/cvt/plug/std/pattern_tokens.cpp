@@ -36,10 +36,11 @@ bool beginsWithDigit(const Token &token) {
 struct KnownPattern {
   char text[kMaxPattern];
   size_t length = 0;
-  struct {
+  struct Placed {
     Token token;
-    size_t begin;
-  } tokens[kMaxPattern];
+    size_t begin = 0;
+  };
+  Placed tokens[kMaxPattern];
   size_t count = 0;
 };
 
@@ -78,9 +79,9 @@ bool Tokens::next(Token &token) {
     m_begin = m_pattern.size();
     return false;
   }
-  const auto &[known, begin] = m_known->tokens[m_position++];
-  token = known;
-  m_begin = begin;
+  const KnownPattern::Placed &known = m_known->tokens[m_position++];
+  token = known.token;
+  m_begin = known.begin;
   return m_misfit.expected == nullptr;
 }
 

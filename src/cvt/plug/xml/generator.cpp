@@ -39,7 +39,7 @@ class Generator {
   kit::Path &m_path;
   bool m_pretty;  // children stand on lines of their own
   size_t m_depth = 0;
-  kit::Digits m_digits;  // a count being written
+  kit::Digits m_digits{};  // a count being written
 };
 
 void Generator::newLine() {
