@@ -317,21 +317,24 @@ TEST(StdZone, AFileWithAFlippedBitIsNoneOrAnotherZone) {
   }
 }
 
-// A file of version 2 with these transitions, all to type 0, and this rule.
-std::string fileWith(const std::vector<int64_t> &times, uint32_t nLeapSeconds, const std::string &sRule) {
+// A file of version 2 with these transitions and this rule. The types have these offsets, which follow each other.
+std::string fileWith(const std::vector<int64_t> &times, uint32_t nLeapSeconds, const std::string &sRule,
+                     const std::vector<int> &offsets = {3600}) {
   const auto number = [](uint64_t value, int bytes) {
     std::string s;
     for (int i = bytes - 1; i >= 0; --i) s += static_cast<char>(value >> (8 * i) & 0xFF);
     return s;
   };
-  const auto head = [&](size_t nTimes) {
+  const auto head = [&](size_t nTimes, size_t nTypes) {
     return "TZif2" + std::string(15, '\0') + number(0, 4) + number(0, 4) + number(nLeapSeconds, 4) +
-           number(nTimes, 4) + number(1, 4) + number(4, 4);
+           number(nTimes, 4) + number(nTypes, 4) + number(4, 4);
   };
-  const std::string sType = number(3600, 4) + std::string("\0\0", 2);
-  std::string sFile = head(0) + sType + std::string("ABC\0", 4) + head(times.size());
+  const auto type = [&](int offset) { return number(static_cast<uint64_t>(offset), 4) + std::string(2, '\0'); };
+  std::string sFile = head(0, 1) + type(0) + std::string("ABC\0", 4) + head(times.size(), offsets.size());
   for (const int64_t time : times) sFile += number(static_cast<uint64_t>(time), 8);
-  return sFile + std::string(times.size(), '\0') + sType + std::string("ABC\0", 4) + "\n" + sRule + "\n";
+  for (size_t i = 1; i <= times.size(); ++i) sFile += static_cast<char>(i % offsets.size());
+  for (const int offset : offsets) sFile += type(offset);
+  return sFile + std::string("ABC\0", 4) + "\n" + sRule + "\n";
 }
 
 TEST(StdZone, ChangesThatAreOutOfOrderOrReachAreRefused) {
@@ -345,6 +348,20 @@ TEST(StdZone, ChangesThatAreOutOfOrderOrReachAreRefused) {
   EXPECT_FALSE(Zone::read(fileWith({0}, 1, "")).has_value()) << "leap seconds";
   EXPECT_FALSE(Zone::read(fileWith({0}, 0, "no rule")).has_value());
   EXPECT_EQ(Zone::read(fileWith({0, 10}, 0, ""))->utcOf(3605), 5);
+}
+
+// Two changes within less than what they move the clock: after the first one the clock stands at 3600 for ten seconds,
+// then it is set back.
+TEST(StdZone, ATimeThatOneChangeSkipsAndTheNextBringsBackIsFound) {
+  const std::optional<Zone> zone = Zone::read(fileWith({0, 10}, 0, "", {0, 3600, 20}));
+  ASSERT_TRUE(zone.has_value());
+  EXPECT_EQ(zone->utcOf(-1), -1);
+  EXPECT_EQ(zone->utcOf(29), 29) << "skipped: counts on with the offset from before";
+  EXPECT_EQ(zone->utcOf(30), 10);
+  EXPECT_EQ(zone->utcOf(1000), 980);
+  EXPECT_EQ(zone->utcOf(3600), 0) << "the first of two";
+  EXPECT_EQ(zone->utcOf(3609), 9);
+  EXPECT_EQ(zone->utcOf(3610), 3590);
 }
 
 }  // namespace

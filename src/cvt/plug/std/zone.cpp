@@ -178,14 +178,18 @@ ZoneSpan Zone::spanAt(int64_t utc) const {
 }
 
 int64_t Zone::utcOf(int64_t local) const {
+  // Wherever the local time may be: the first span that has it, else the one before the change that skips it.
+  std::optional<int64_t> skipped;
   ZoneSpan span = spanAt(local - kMostOffset);
-  // The local times of a span end at end + offset; those of the next one begin there, earlier or later.
-  while (span.end != kEnd && local >= span.end + span.offset) {
-    const ZoneSpan next = spanAt(span.end);
-    if (local < next.begin + next.offset) break;
-    span = next;
+  int64_t before = local - span.offset;
+  for (;;) {
+    const int64_t utc = local - span.offset;
+    if (utc >= span.begin && utc < span.end) return utc;
+    if (utc < span.begin && !skipped) skipped = before;
+    if (span.end > local + kMostOffset) return skipped.value_or(utc);
+    before = utc;
+    span = spanAt(span.end);
   }
-  return local - span.offset;
 }
 
 }  // namespace cvt::functions
