@@ -329,7 +329,9 @@ std::string fileWith(const std::vector<int64_t> &times, uint32_t nLeapSeconds, c
     return "TZif2" + std::string(15, '\0') + number(0, 4) + number(0, 4) + number(nLeapSeconds, 4) +
            number(nTimes, 4) + number(nTypes, 4) + number(4, 4);
   };
-  const auto type = [&](int offset) { return number(static_cast<uint64_t>(offset), 4) + std::string(2, '\0'); };
+  const auto type = [&](int offset) {
+    return number(static_cast<uint64_t>(offset), 4) + std::string(2, '\0');
+  };
   std::string sFile = head(0, 1) + type(0) + std::string("ABC\0", 4) + head(times.size(), offsets.size());
   for (const int64_t time : times) sFile += number(static_cast<uint64_t>(time), 8);
   for (size_t i = 1; i <= times.size(); ++i) sFile += static_cast<char>(i % offsets.size());
