@@ -50,7 +50,8 @@ scratch=$(mktemp -d -p "$([ -w /dev/shm ] && echo /dev/shm || echo "${TMPDIR:-/t
 trap 'rm -rf "$scratch"' EXIT
 export TMPDIR=$scratch
 export LD_LIBRARY_PATH=$build/lib
-export ASAN_OPTIONS=quarantine_size_mb=16:detect_odr_violation=0
+# Few frames of each allocation are kept, and freed memory for a while only: a target called with one input shows all.
+export ASAN_OPTIONS=quarantine_size_mb=2:malloc_context_size=2:detect_odr_violation=0
 
 # edges LOG: how many edges of the program were covered, after the first inputs and at the end.
 edges() { awk '/ cov: / { for (i = 1; i < NF; i++) if ($i == "cov:") n = $(i + 1); if ($2 == "INITED") f = n }
