@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
-# fuzz.sh BUILD [--seconds N] [--resume] [--keep] [TARGET...]: fuzzes the targets of a build with libFuzzer, all without a name,
-# as many at a time as there are processors.
+# fuzz.sh BUILD [--seconds N | --whole] [--resume] [--keep] [TARGET...]: fuzzes the targets of a build with libFuzzer,
+# all without a name, as many at a time as there are processors.
 #
-# Without --seconds a target runs until it has had 10 million inputs, or found nothing new for 10 minutes. --resume
-# goes on after an interruption: of a target that came to its end since it was built, only the result is told again.
-# --keep then puts the smallest inputs that cover what was covered into corpus/. Ends with 1 when an input was found that
-# crashes, leaks, takes more than a second or more than 512 MB; such inputs stay in BUILD/fuzz/found.
+# Without --seconds a target runs until it has had 10 million inputs, or found nothing new for 10 minutes; with --whole
+# it always has 10 million. --resume goes on after an interruption: of a target that came to its end since it was built,
+# only the result is told again. --keep then puts the smallest inputs that cover what was covered into corpus/. Ends
+# with 1 when an input was found that crashes, leaks, takes more than a second or more than 512 MB; such inputs stay in
+# BUILD/fuzz/found.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 project=$(dirname "$here")
@@ -19,10 +20,11 @@ fail() {
   exit 2
 }
 
-build=$(realpath "${1:?usage: fuzz.sh BUILD [--seconds N] [--resume] [--keep] [TARGET...]}")
+build=$(realpath "${1:?usage: fuzz.sh BUILD [--seconds N | --whole] [--resume] [--keep] [TARGET...]}")
 shift
 [ -f "$build/fuzz/targets.txt" ] || fail "$build holds no fuzz targets; build it with the preset fuzz"
 seconds=0
+whole=false
 keep=false
 resume=false
 names=()
@@ -33,9 +35,10 @@ while [ $# -gt 0 ]; do
       seconds=$2
       shift
       ;;
+    --whole) whole=true ;;
     --resume) resume=true ;;
     --keep) keep=true ;;
-    -*) fail "expected --seconds, --resume, --keep or the name of a target, found '$1'" ;;
+    -*) fail "expected --seconds, --whole, --resume, --keep or the name of a target, found '$1'" ;;
     *) names+=("$1") ;;
   esac
   shift
@@ -50,7 +53,7 @@ scratch=$(mktemp -d -p "$([ -w /dev/shm ] && echo /dev/shm || echo "${TMPDIR:-/t
 trap 'rm -rf "$scratch"' EXIT
 export TMPDIR=$scratch
 export LD_LIBRARY_PATH=$build/lib
-# Few frames of each allocation are kept, and freed memory for a while only: a target called with one input shows all.
+# Short stacks and a small quarantine: a third more inputs a second. An input that is found is looked at without these.
 export ASAN_OPTIONS=quarantine_size_mb=2:malloc_context_size=2:detect_odr_violation=0
 
 # edges LOG: how many edges of the program were covered, after the first inputs and at the end.
@@ -106,7 +109,7 @@ fuzz() {
     [ "$first" -ge 0 ] || first=$before
     [ "$code" -eq 0 ] && [ "$seconds" -eq 0 ] || break
     [ "$executions" -lt "$most_executions" ] || break
-    $waited || [ "$after" -gt "$before" ] || break
+    $whole || $waited || [ "$after" -gt "$before" ] || break
   done
   echo "RESULT fuzz.$target: $executions executions in $passed s, edges $first -> $after," \
     "the last new one at $last, at most $(stat_of slowest_unit_time_sec "$log") s" \
