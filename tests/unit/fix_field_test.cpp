@@ -355,6 +355,39 @@ TEST(FixField, EveryNumberTypeIsReached) {
   }
 }
 
+// Fields of which nothing is asked are read and written in one go, numbers of every form among them.
+TEST(FixField, NumbersBesideEachOtherAreThoseByThemselves) {
+  FixConfig config;
+  config.message("M", "",
+                 {field("A", "nLen=\"3\""), field("P", "nLen=\"2\" psType=\"packed\" psSign=\"trailing\""),
+                  field("E", "nLen=\"6\" psType=\"number\" psPad=\" \" nDecimals=\"2\" nPoint=\"1\""),
+                  field("B", "nLen=\"2\" psType=\"binary\""), field("Z", "nLen=\"2\" psType=\"zoned\"")});
+  ASSERT_EQ(config.start(), 0);
+  const std::string bytes("abc\x12\x3D 12.34\x01\x00\xF4\xF2", 15);
+  const Record message = parse("M", bytes);
+  ASSERT_NE(message, nullptr) << told();
+  EXPECT_EQ(get(message, "P"), "-123");
+  EXPECT_EQ(get(message, "E"), "12.34");
+  EXPECT_EQ(get(message, "B"), "256");
+  EXPECT_EQ(get(message, "Z"), "42");
+  EXPECT_EQ(generate(message), bytes);
+  std::string damaged = bytes;
+  damaged[3] = '\x1F';
+  EXPECT_EQ(parse("M", damaged), nullptr);
+  EXPECT_EQ(
+      fault(),
+      "Msg[M] Field[P] Offset[3]: expected packed digits 0 to 9, found \"\\x1F=\". Correct the number, or "
+      "psType and "
+      "psSign.");
+  test::clearLog();
+  set(message, "E", "12.345");
+  EXPECT_EQ(generate(message), "failed");
+  EXPECT_EQ(fault(),
+            "Msg[M] Field[E] Offset[5]: expected no more decimals than the field has, found \"12.345\". The "
+            "field has "
+            "5 digits, 2 of them decimals.");
+}
+
 TEST(FixField, OffsetsAndPathsNameTheField) {
   FixConfig config;
   config.message("M", "",

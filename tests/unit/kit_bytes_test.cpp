@@ -76,3 +76,22 @@ TEST(KitBytes, OnlyTheOuterPadsAreCounted) {
   const std::string t = "         a  b  c";
   EXPECT_EQ(countStart(t.data(), t.size(), ' '), 9U);
 }
+
+TEST(KitBytes, ShortTextsOfEveryLengthAreCopiedFilledAndCompared) {
+  for (size_t n = 0; n <= 40; ++n) {
+    std::string s(n, ' ');
+    for (size_t i = 0; i < n; ++i) s[i] = static_cast<char>('A' + i);
+    const Exact text(s);
+    const auto same = std::make_unique<char[]>(n);
+    copyShort(same.get(), text.data(), n);
+    EXPECT_EQ(std::string(same.get(), n), s);
+    EXPECT_TRUE(equalShort(same.get(), text.data(), n));
+    for (size_t i = 0; i < n; ++i) {
+      same[i] ^= 1;
+      EXPECT_FALSE(equalShort(same.get(), text.data(), n)) << n << " " << i;
+      same[i] ^= 1;
+    }
+    fillShort(same.get(), '*', n);
+    EXPECT_EQ(std::string(same.get(), n), std::string(n, '*'));
+  }
+}

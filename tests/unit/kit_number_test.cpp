@@ -308,3 +308,33 @@ TEST(KitNumber, WhatIsReadIsWrittenWithTheSameBytes) {
   }
   EXPECT_GT(read, 20000);
 }
+
+// Values of plain digits have ways of their own; one with a plus takes the general way.
+TEST(KitNumber, APlusInFrontOfAValueChangesNothing) {
+  std::mt19937 random(11);
+  const NumberForm forms[] = {NumberForm::Text, NumberForm::Packed, NumberForm::Bcd, NumberForm::BinaryBig,
+                              NumberForm::ZonedEbcdic};
+  int written = 0;
+  for (int round = 0; round < 200000; ++round) {
+    NumberSpec spec;
+    spec.form = forms[random() % 5];
+    spec.sign = static_cast<NumberSign>(random() % 3);
+    spec.fill = static_cast<NumberFill>(random() % 3);
+    spec.decimals = static_cast<int>(random() % 4);
+    spec.point = random() % 2 == 0;
+    const size_t length = 1 + random() % 40;
+    if (digitsOf(spec, length) == 0) continue;
+    std::string value(random() % 20, '0');
+    for (char &c : value) c = static_cast<char>('0' + random() % 10);
+    if (random() % 4 == 0) value.insert(0, random() % 20, '0');
+    if (random() % 4 != 0) value += "." + std::string("1203").substr(0, random() % 5);
+    if (random() % 50 == 0) value += "x";
+    const std::string bytes = write(spec, value, length);
+    ASSERT_EQ(bytes, write(spec, "+" + value, length))
+        << value << " form " << static_cast<int>(spec.form) << " sign " << static_cast<int>(spec.sign)
+        << " fill " << static_cast<int>(spec.fill) << " decimals " << spec.decimals << " point " << spec.point
+        << " in " << length;
+    if (bytes[0] != '!') ++written;
+  }
+  EXPECT_GT(written, 20000);
+}

@@ -1,7 +1,5 @@
 #include "plain_run.h"
 
-#include <cstring>
-
 #include "kit/bytes.h"
 #include "kit/plain_digits.h"
 #include "plan.h"
@@ -13,9 +11,20 @@ namespace {
 bool isPlain(const Op &op, const FieldPlan &field) {
   if (op.kind != Kind::Field || !field.counts.empty() || !field.allowed.empty()) return false;
   if (field.constant || field.hasDefault || field.chars) return false;
-  if (field.plainDigits) return !field.blankAllowed;
+  if (field.isNumber())
+    return !field.blankAllowed && (field.type != FieldType::Number || field.charset->containsAscii());
   return field.type == FieldType::Text && field.trims && !field.right && !field.checked &&
          field.blankAllowed && field.charset->containsAscii();
+}
+
+PlainKind kindOf(const FieldPlan &field) {
+  if (!field.isNumber()) return PlainKind::Text;
+  return field.plainDigits ? PlainKind::Digits : PlainKind::Number;
+}
+
+// What the value needs: digits may get a zero and a point; and the zero byte behind each.
+size_t roomOf(const PlainField &field) {
+  return field.kind == PlainKind::Number ? kit::kCanonicalRoom : field.length + 3;
 }
 
 // A field by itself is done by itself.
@@ -46,29 +55,32 @@ void findPlainRuns(LevelPlan &level) {
     }
     const FieldPlan &field = level.fields[op.detail];
     if (run.fields.empty()) first = i;
-    run.fields.push_back({field.name, op.slot, static_cast<unsigned>(field.length),
-                          static_cast<unsigned>(field.number.decimals), field.plainDigits, field.pad});
+    run.fields.push_back(
+        {field.name, op.slot, static_cast<unsigned>(field.length), kindOf(field), field.pad, field.number});
     run.width += field.length;
-    run.room += field.length + 3;  // a zero and a point of a number, and the zero byte behind
+    run.room += roomOf(run.fields.back());
   }
   keep(level, first, run);
 }
 
 size_t readPlain(const PlainRun &run, const char *in, kit::List values, kit::Store &store) {
-  char *const room = store.take(run.room);
-  char *out = room;
+  char *out = store.take(run.room);
   size_t done = 0;
   for (const PlainField &field : run.fields) {
     size_t length = 0;
-    if (field.digits) {
-      const kit::PlainDigits plain(in, field.length, field.decimals);
+    if (field.kind == PlainKind::Text) {
+      length = kit::trimmedEnd(in, field.length, field.pad);
+      if (!kit::isPrintable(in, length)) break;
+      kit::copyShort(out, in, length);
+    } else if (field.kind == PlainKind::Digits) {
+      const kit::PlainDigits plain(in, field.length, static_cast<size_t>(field.number.decimals));
       if (!plain.digits()) break;
       length = plain.length();
       plain.put(out);
     } else {
-      length = kit::trimmedEnd(in, field.length, field.pad);
-      if (!kit::isPrintable(in, length)) break;
-      kit::copyShort(out, in, length);
+      const kit::NumberResult number = kit::readNumber(field.number, in, field.length, out);
+      if (number.expected != nullptr) break;
+      length = number.length;
     }
     values.put(field.slot, out, length);
     out += length + 1;
@@ -86,10 +98,13 @@ size_t widthOf(const PlainRun &run, size_t count) {
 }
 
 bool writePlain(const PlainField &field, std::string_view value, char *out) {
-  if (field.digits) return kit::putPlainDigits(value, field.decimals, out, field.length);
+  if (field.kind == PlainKind::Number)
+    return kit::writeNumber(field.number, value, out, field.length).expected == nullptr;
+  if (field.kind == PlainKind::Digits)
+    return kit::putPlainDigits(value, static_cast<size_t>(field.number.decimals), out, field.length);
   if (value.size() > field.length || !kit::isPrintable(value.data(), value.size())) return false;
   kit::copyShort(out, value.data(), value.size());
-  std::memset(out + value.size(), field.pad, field.length - value.size());
+  kit::fillShort(out + value.size(), field.pad, field.length - value.size());
   return true;
 }
 

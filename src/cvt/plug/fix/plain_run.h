@@ -1,4 +1,4 @@
-// plain_run.h: fields beside each other that are plain: printable ASCII texts, and digits, of fixed length, of which
+// plain_run.h: fields beside each other that are plain: printable ASCII texts, and numbers, of fixed length, of which
 // nothing else is asked. They are read and written in one go, which is most of what most records are. Where a value
 // turns out to be anything else, the field is done by itself (field.h), and that tells what is wrong with it.
 #pragma once
@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "kit/number.h"
 #include "kit/values.h"
 
 namespace cvt::fix {
@@ -13,13 +14,19 @@ namespace cvt::fix {
 struct FieldPlan;
 struct LevelPlan;
 
+enum class PlainKind : unsigned char {
+  Text,
+  Digits,  // ASCII digits, which most numbers are
+  Number,  // any other form
+};
+
 struct PlainField {
   const char *name;
   int slot;
   unsigned length;
-  unsigned decimals;
-  bool digits;
+  PlainKind kind;
   char pad;  // behind a text
+  kit::NumberSpec number;
 };
 
 struct PlainRun {

@@ -1,7 +1,7 @@
 // bytes.h: tests over short texts, eight or sixteen bytes at a time.
 //
 // A text of eight bytes or more is covered by whole words, the last of which may overlap the one before; a
-// shorter one by two overlapping halves, or byte by byte.
+// shorter one by two overlapping halves, or by its first, middle and last byte.
 #pragma once
 
 #include <bit>
@@ -26,6 +26,12 @@ inline uint64_t loadHalf(const char *in) {
   return half;
 }
 
+// The bytes of a text of 1 to 3, some of them twice: the first, the middle, the last.
+inline uint64_t loadFew(const char *in, size_t n) {
+  const auto byte = [in](size_t i) { return uint64_t{static_cast<unsigned char>(in[i])}; };
+  return byte(0) | byte(n / 2) << 8 | byte(n - 1) << 16;
+}
+
 // Copies a text that is short more often than not: without a call up to sixteen bytes.
 inline void copyShort(char *out, const char *in, size_t n) {
   if (n > 16) {
@@ -39,8 +45,27 @@ inline void copyShort(char *out, const char *in, size_t n) {
     const uint64_t halves = loadHalf(in) | loadHalf(in + n - 4) << 32;
     std::memcpy(out, &halves, 4);
     std::memcpy(out + n - 4, reinterpret_cast<const char *>(&halves) + 4, 4);
-  } else {
-    for (size_t i = 0; i < n; ++i) out[i] = in[i];
+  } else if (n > 0) {
+    const uint64_t few = loadFew(in, n);
+    out[0] = static_cast<char>(few);
+    out[n / 2] = static_cast<char>(few >> 8);
+    out[n - 1] = static_cast<char>(few >> 16);
+  }
+}
+
+// n bytes `byte`, few more often than not: without a call up to sixteen.
+inline void fillShort(char *out, char byte, size_t n) {
+  const uint64_t word = kOnes * static_cast<unsigned char>(byte);
+  if (n > 16) {
+    std::memset(out, byte, n);
+  } else if (n >= 8) {
+    std::memcpy(out, &word, 8);
+    std::memcpy(out + n - 8, &word, 8);
+  } else if (n >= 4) {
+    std::memcpy(out, &word, 4);
+    std::memcpy(out + n - 4, &word, 4);
+  } else if (n > 0) {
+    out[0] = out[n / 2] = out[n - 1] = byte;
   }
 }
 
@@ -49,10 +74,7 @@ inline bool equalShort(const char *a, const char *b, size_t n) {
   if (n > 16) return std::memcmp(a, b, n) == 0;
   if (n >= 8) return ((loadWord(a) ^ loadWord(b)) | (loadWord(a + n - 8) ^ loadWord(b + n - 8))) == 0;
   if (n >= 4) return ((loadHalf(a) ^ loadHalf(b)) | (loadHalf(a + n - 4) ^ loadHalf(b + n - 4))) == 0;
-  for (size_t i = 0; i < n; ++i) {
-    if (a[i] != b[i]) return false;
-  }
-  return true;
+  return n == 0 || loadFew(a, n) == loadFew(b, n);
 }
 
 // Two words at once.
@@ -65,8 +87,7 @@ inline Words loadWords(const char *in) {
 }
 
 // Whether bad(word) & kHighBits is 0 for the bytes of the text, a word or two of which it is given; a byte decides for
-// itself. `neutral` is a
-// byte for which it is 0, for words that are not full.
+// itself. `neutral` is a byte for which it is 0, for words that are not full.
 template <class Bad>
 [[gnu::always_inline]] inline bool noneOf(const char *in, size_t n, unsigned char neutral, Bad bad) {
   if (n >= 16) {
@@ -75,16 +96,13 @@ template <class Bad>
     found |= bad(loadWords(in + n - 16));
     return ((found[0] | found[1]) & kHighBits) == 0;
   }
-  const uint64_t rest = kOnes * neutral;
   uint64_t found = 0;
   if (n >= 8) {
     found = bad(loadWord(in)) | bad(loadWord(in + n - 8));
   } else if (n >= 4) {
     found = bad(loadHalf(in) | loadHalf(in + n - 4) << 32);
-  } else {
-    uint64_t word = rest;
-    for (size_t i = 0; i < n; ++i) word = word << 8 | static_cast<unsigned char>(in[i]);
-    found = bad(word);
+  } else if (n > 0) {
+    found = bad(loadFew(in, n) | kOnes * neutral << 24);
   }
   return (found & kHighBits) == 0;
 }

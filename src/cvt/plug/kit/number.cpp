@@ -212,6 +212,24 @@ NumberResult writeText(const NumberSpec &spec, const Digits &number, char *out, 
   return {};
 }
 
+// Texts as canonical text has them, but for the blanks.
+bool isEdited(const NumberSpec &spec) {
+  return spec.form == NumberForm::Text && spec.fill != NumberFill::Zeros && spec.sign == NumberSign::None &&
+         (spec.point || spec.decimals == 0);
+}
+
+// Writes a canonical value that is not negative. False when it is something else, or too long, and nothing was written.
+bool putEdited(const NumberSpec &spec, std::string_view value, char *out, size_t bytes) {
+  const size_t whole = wholeDigits(value, static_cast<size_t>(spec.decimals));
+  if (whole == 0 || (value[0] == '0' && whole > 1) || value.size() > bytes || value.size() > kMaxDigits)
+    return false;
+  const size_t blanks = bytes - value.size();
+  const bool left = spec.fill == NumberFill::BlankLeft;
+  fillShort(left ? out : out + value.size(), ' ', blanks);
+  copyShort(left ? out + blanks : out, value.data(), value.size());
+  return true;
+}
+
 // --- Zoned
 // ------------------------------------------------------------------------------------------------------
 
@@ -297,6 +315,10 @@ NumberResult readNibbles(const NumberSpec &spec, const char *in, size_t bytes, D
   return {};
 }
 
+unsigned signNibble(const NumberSpec &spec, bool negative) {
+  return spec.sign == NumberSign::None ? 0x0F : negative ? kMinus : 0x0C;
+}
+
 void writeNibbles(const NumberSpec &spec, const Digits &number, char *out, size_t bytes) {
   const bool packed = spec.form == NumberForm::Packed;
   const size_t nibbles = bytes * 2 - (packed ? 1 : 0);
@@ -304,11 +326,35 @@ void writeNibbles(const NumberSpec &spec, const Digits &number, char *out, size_
   const auto digit = [&](size_t i) {
     return i < zeros ? 0U : static_cast<unsigned>(number.digits[i - zeros] - '0');
   };
-  const unsigned sign = spec.sign == NumberSign::None ? 0x0F : number.negative ? 0x0D : 0x0C;
+  const unsigned sign = signNibble(spec, number.negative);
   for (size_t i = 0; i < bytes; ++i) {
     out[i] = join(digit(i * 2), packed && i + 1 == bytes ? sign : digit(i * 2 + 1));
   }
   if (!packed && number.negative) out[0] = join(kMinus, digit(1));
+}
+
+// Eight digits as four bytes: their nibbles, pair by pair.
+uint32_t packed(const char *digits) {
+  uint64_t nibbles = loadWord(digits) & 0x0F0F0F0F0F0F0F0FU;
+  nibbles = (nibbles << 4 | nibbles >> 8) & 0x00FF00FF00FF00FFU;
+  nibbles = (nibbles | nibbles >> 8) & 0x0000FFFF0000FFFFU;
+  return static_cast<uint32_t>(nibbles | nibbles >> 16);
+}
+
+// Writes plain digits (putPlainDigits) packed. False when they are not, and nothing was written.
+bool putPacked(const NumberSpec &spec, std::string_view value, char *out, size_t bytes) {
+  char digits[kMaxDigits + 1];
+  const size_t nibbles = bytes * 2 - 1;
+  if (nibbles > kMaxDigits || !putPlainDigits(value, static_cast<size_t>(spec.decimals), digits, nibbles))
+    return false;
+  digits[nibbles] = static_cast<char>(signNibble(spec, false));
+  size_t i = 0;
+  for (; i + 4 <= bytes; i += 4) {
+    const uint32_t four = packed(digits + i * 2);
+    std::memcpy(out + i, &four, 4);
+  }
+  for (; i < bytes; ++i) out[i] = join(low(digits[i * 2]), low(digits[i * 2 + 1]));
+  return true;
 }
 
 // --- Binary
@@ -416,6 +462,8 @@ NumberResult readNumber(const NumberSpec &spec, const char *in, size_t bytes, ch
 
 NumberResult writeNumber(const NumberSpec &spec, std::string_view value, char *out, size_t bytes) {
   if (isPlainDigits(spec) && putPlainDigits(value, static_cast<size_t>(spec.decimals), out, bytes)) return {};
+  if (spec.form == NumberForm::Packed && putPacked(spec, value, out, bytes)) return {};
+  if (isEdited(spec) && putEdited(spec, value, out, bytes)) return {};
   Digits number;
   NumberResult result = scan(value, spec.decimals, number);
   if (result.expected != nullptr) return result;

@@ -46,19 +46,25 @@ class PlainDigits {
   bool m_digits;
 };
 
-// Writes a value of digits, with all of its decimals behind a point, as exactly `bytes` digits. False when it is
-// something else, or too long, and nothing was written: writeNumber does it then, or tells what is wrong.
-inline bool putPlainDigits(std::string_view value, size_t decimals, char *out, size_t bytes) {
+// Digits in front of the point of a value of nothing but digits, with all of its decimals behind a point; 0 when it is
+// something else.
+inline size_t wholeDigits(std::string_view value, size_t decimals) {
   const size_t behind = decimals == 0 ? 0 : decimals + 1;
-  if (value.size() <= behind) return false;
+  if (value.size() <= behind) return 0;
   const size_t whole = value.size() - behind;
-  const char *const fraction = value.data() + whole + 1;
-  if (whole > bytes - decimals || !isDigits(value.data(), whole)) return false;
-  if (decimals != 0 && (value[whole] != '.' || !isDigits(fraction, decimals))) return false;
+  if (!isDigits(value.data(), whole)) return 0;
+  return decimals == 0 || (value[whole] == '.' && isDigits(value.data() + whole + 1, decimals)) ? whole : 0;
+}
+
+// Writes such a value as exactly `bytes` digits. False when it is none, or too long, and nothing was written:
+// writeNumber does it then, or tells what is wrong.
+inline bool putPlainDigits(std::string_view value, size_t decimals, char *out, size_t bytes) {
+  const size_t whole = wholeDigits(value, decimals);
+  if (whole == 0 || whole > bytes - decimals) return false;
   const size_t zeros = bytes - decimals - whole;
-  for (size_t i = 0; i < zeros; ++i) out[i] = '0';
+  fillShort(out, '0', zeros);
   copyShort(out + zeros, value.data(), whole);
-  if (decimals != 0) copyShort(out + zeros + whole, fraction, decimals);
+  if (decimals != 0) copyShort(out + zeros + whole, value.data() + whole + 1, decimals);
   return true;
 }
 
