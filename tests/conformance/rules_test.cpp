@@ -225,4 +225,10 @@ TEST_F(Registry, DestinationNameIsWhatTheRecordHolds) {
   EXPECT_TRUE(test::logTexts(1).empty());
 }
 
+TEST_F(Registry, NoConverterHasNoDestination) {
+  load({});
+  EXPECT_EQ(cvtGetDst(nullptr), nullptr);
+  EXPECT_EQ(test::logTexts(1), std::vector<std::string>{"[ptConvert] is NULL"});
+}
+
 }  // namespace

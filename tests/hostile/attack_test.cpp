@@ -161,6 +161,17 @@ TEST(XmlAttack, FileThatIsNoneIsRefusedWithoutWaitingForIt) {
       << told();
 }
 
+TEST(XmlAttack, LeavesNoErrorOfLibxml2WhereThereWasNone) {
+  ConfigTree tree;
+  xmlResetLastError();
+  for (const Attack &attack : attacks(bait(tree), "<AllInfo>", "<AllInfo/>", "</AllInfo>")) {
+    tree.file("All/root.xml", attack.sText);
+    cvtInit(tree.arg());
+    EXPECT_EQ(xmlGetLastError(), nullptr) << attack.sName;
+    cvtEnd();
+  }
+}
+
 // What another user of libxml2 in the process has set, and what happened to him last.
 TEST(XmlAttack, LeavesTheProcesssStateOfLibxml2AsItWas) {
   ConfigTree tree;

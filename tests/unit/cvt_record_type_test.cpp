@@ -72,6 +72,27 @@ TEST_F(RecordOfAnotherType, AsTheLevelItselfGivesNoName) {
   EXPECT_EQ(run("C", from, to), -1);
 }
 
+// The records of each start take the places of those of the one before.
+TEST_F(RecordOfAnotherType, OfOneStartIsNoneOfTheNext) {
+  const ArgXml good = copy(src("A"), dst("A"));
+  ArgXml misfit = good;
+  misfit.nType = 7;
+  for (int i = 0; i < 20; ++i) {
+    const bool bFirst = i % 2 == 0;
+    registerPlainFormat();
+    convert("C0", {bFirst ? misfit : good});
+    convert("C1", {bFirst ? good : misfit});
+    ASSERT_EQ(start(), 0);
+    {
+      const Level from = newMessage("In");
+      const Level to = newMessage("Out");
+      EXPECT_EQ(run(bFirst ? "C1" : "C0", from, to), 0) << i << testing::PrintToString(logTexts());
+      EXPECT_EQ(run(bFirst ? "C0" : "C1", from, to), -1) << i;
+    }
+    cvtEnd();
+  }
+}
+
 TEST_F(RecordOfAnotherType, OfALoopNodeRefusesTheDefinition) {
   tree.file("Msg/In.xml",
             "<plain><Msg psMsgName='In'><Message __ID='ptHead' psNodeName='L'>"
