@@ -185,10 +185,11 @@ class Run:
 
 
 def starts(bench, one):
-    """Median CPU of starts of the command for one message, and of a program that does nothing, in turn."""
+    """Median CPU of starts of the command for one message, and of programs that do nothing, in turn."""
     output = bench.scratch / "one"
-    command = f"{bench.bin}/cvt2 convert -c {{bench}}/cvt2 -m OrderRecord -f in -t xml -o {{output}} {{input}}"
-    lines = {"cvt2": command, "empty process": "{bin}/bench_empty"}
+    command = f"{bench.bin}/cvt2 convert -c {{bench}}/start -m OrderRecord -f in -t xml -o {{output}} {{input}}"
+    lines = {"cvt2": command, "empty process": "{bin}/bench_empty",
+             "empty process with libxml2": "{bin}/bench_empty_libxml2"}
     times = {name: [] for name in lines}
     peaks = dict.fromkeys(lines)
     for _ in range(STARTS):
