@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "cvt_memory.h"
+#include "heap_use.h"
 #include "log_capture.h"
 
 #ifdef CVT2_ALIGN_POOL
@@ -162,6 +163,19 @@ TEST_F(GlobalNode, WhatACleanUpHasLeftIsHandedOutOnceEach) {
     }
     if (random() % 3 != 0) cvtMemCleanUp();
   }
+}
+
+TEST_F(MessageNode, ACleanUpGivesAllOfTheHeapBack) {
+  const auto useOften = [] {
+    for (int i = 0; i < 100; ++i) {
+      for (int nNode = 0; nNode < 20; ++nNode) cvtMalloc(5000, cvtMemNewNode());
+      cvtMemCleanUp();
+    }
+  };
+  useOften();
+  const size_t before = test::heapInUse();
+  useOften();
+  EXPECT_LT(test::heapInUse(), before + 20000);
 }
 
 TEST_F(GlobalNode, NeverLogs) {

@@ -50,6 +50,27 @@ TEST(IoFaults, ADirectoryThatCannotBeReadToItsEndFailsTheStart) {
     EXPECT_EQ(ending.outcome, faults::Outcome::kRight) << "readdir " << n << ": " << ending.sText;
   }
 }
+TEST(IoFaults, ARootFileWhoseTimeCannotBeHadIsNamed) {
+  faults::Work work;
+  const std::string sLine = "] err:[Input/output error]!!";
+  const auto start = [&](long nFirst) {
+    return faults::inChild([&](faults::Report &report) {
+      report.psWanted = sLine.c_str();
+      faults::g_stat.arm(nFirst, false);
+      const int nResult = cvtInit(work.root());
+      report.nCalls = faults::g_stat.calls();
+      if (report.bSeen && nResult == 0) report.wrong("it was started");
+    });
+  };
+  const long nCalls = start(0).report.nCalls;
+  int nSeen = 0;
+  for (long n = 1; n <= nCalls; ++n) {
+    const faults::Ending ending = start(n);
+    EXPECT_EQ(ending.outcome, faults::Outcome::kRight) << "stat " << n << ": " << ending.sText;
+    if (ending.report.bSeen) ++nSeen;
+  }
+  EXPECT_EQ(nSeen, 1);
+}
 TEST(IoFaults, EachDlopenFails) {
   both("dlopen", faults::g_dlopen);
 }

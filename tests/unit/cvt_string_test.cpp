@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "config_tree.h"
+#include "heap_use.h"
 #include "log_capture.h"
 
 namespace {
@@ -216,6 +217,20 @@ TEST_F(CodeConvert, NoTerminatorIsAdded) {
   int nOut = 4;
   EXPECT_EQ(cvtStrU2G(cs("ab"), 2, sOut, &nOut), 0);
   EXPECT_STREQ(sOut, "abxx");
+}
+
+TEST_F(CodeConvert, LeavesNothingOfTheHeapInUse) {
+  char sOut[8];
+  const auto convertOften = [&] {
+    for (int i = 0; i < 1000; ++i) {
+      int nOut = sizeof sOut;
+      ASSERT_EQ(cvtStrCodeConvert(cs("UTF-8"), cs("GB18030"), cs("a"), 1, sOut, &nOut), 0);
+    }
+  };
+  convertOften();
+  const size_t before = test::heapInUse();
+  convertOften();
+  EXPECT_LT(test::heapInUse(), before + 10000);
 }
 
 TEST_F(CodeConvert, NegativeLengthsFail) {

@@ -198,7 +198,6 @@ MemRoot *NowRoot() {
     gptMemRoot->nMinFreeNodeId = ptNode->nId;
     gptMemRoot->ptFreeNode = ptNode;
     gptMemRoot->ptLastNode = ptNode;
-    f_nodes.clear();
     f_nodes.append(ptNode);
   }
   return gptMemRoot;

@@ -164,7 +164,6 @@ void *cvtPlugInit(void *ptXmlNode, char *) {
     }
   }
   cvtPlugEnd();
-  nGRet = 0;
   PlugInfo *const ptInfo = sttParseXmlPlugInfo(ptXmlNode, cvt::bind::name("PlugInfo"));
   if (nGRet == -1) {
     CVT_ERR("Get PlugInfo Err!!");

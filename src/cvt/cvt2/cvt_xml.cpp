@@ -19,6 +19,7 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "stt.h"
@@ -191,12 +192,13 @@ class Source {
     }
     const ssize_t nRead = read(self.m_file, psRoom, static_cast<size_t>(nRoom));
     if (nRead < 0) self.refuse(std::strerror(errno));
-    if (self.m_bFirst && nRead > 1 && std::memcmp(psRoom, "\x1F\x8B", 2) == 0) {
+    const std::string_view sRead(psRoom, nRead < 0 ? 0 : static_cast<size_t>(nRead));
+    if (self.m_bFirst && sRead.starts_with("\x1F\x8B")) {
       self.refuse("the file is compressed: unpack it");
       return -1;
     }
     self.m_bFirst = false;
-    self.m_nInOnePiece += nRead < 0 ? 0 : static_cast<size_t>(nRead);
+    self.m_nInOnePiece += sRead.size();
     return static_cast<int>(nRead);
   }
 
