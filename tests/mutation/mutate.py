@@ -37,7 +37,7 @@ OPERATORS = [
 NO_STATEMENT = re.compile(r"(return|break|continue|case|default|goto|const|static|auto|int|char|void|bool|constexpr|struct|"
                           r"size_t)\b|std::\w+(<.*>)? \w|[A-Z]\w* [*\w]|[^\w*(+-]")
 
-Mutant = collections.namedtuple("Mutant", "file line before after")
+Mutant = collections.namedtuple("Mutant", "file line above before after")
 
 
 def blanked(line):
@@ -65,7 +65,7 @@ def negated(line, code):
 def mutants_of(path):
     """Every mutant of a source file."""
     found = []
-    previous = "{"
+    previous = above = "{"
     in_macro = False
     for number, line in enumerate(path.read_text().splitlines(), 1):
         code = blanked(line)
@@ -78,9 +78,9 @@ def mutants_of(path):
             changed.append(negated(line, code))
             if text.endswith(";") and previous[-1] in ";{}:" and not NO_STATEMENT.match(text):
                 changed.append(re.match(r"\s*", line).group() + ";")
-            found += [Mutant(path.name, number, line, after) for after in changed if after is not None]
+            found += [Mutant(path.name, number, above, line, after) for after in changed if after is not None]
         if text:
-            previous = text
+            previous, above = text, line.strip()
     return found
 
 
@@ -147,21 +147,26 @@ class Copy:
             file.write_text("".join(lines))
 
 
+def known(mutant):
+    """What a mutant is known by: its file, the line above, and the line before and after, without indentation."""
+    return mutant.file, mutant.above, mutant.before.strip(), mutant.after.strip()
+
+
 def explanations():
-    """(file, before, after) of the survivors that are explained, each text without its indentation."""
-    known = set()
+    """What the survivors that are explained are known by."""
+    explained = set()
     for block in (HERE / "explained.txt").read_text().split("\n\n"):
         lines = [line for line in block.splitlines() if line and not line.startswith("#")]
         if not lines:
             continue
-        if len(lines) < 4 or not lines[1].startswith("- ") or not lines[2].startswith("+ "):
-            sys.exit(f"explained.txt: expected FILE, '- BEFORE', '+ AFTER', a reason; found {lines}")
-        known.add((lines[0], lines[1][2:].strip(), lines[2][2:].strip()))
-    return known
+        if len(lines) < 5 or [line[:2] for line in lines[1:4]] != ["  ", "- ", "+ "]:
+            sys.exit(f"explained.txt: expected FILE, '  ABOVE', '- BEFORE', '+ AFTER', a reason; found {lines}")
+        explained.add((lines[0], *(line[2:].strip() for line in lines[1:4])))
+    return explained
 
 
 def shown(mutant):
-    return f"{mutant.file}:{mutant.line}\n  - {mutant.before.strip()}\n  + {mutant.after.strip()}"
+    return f"{mutant.file}:{mutant.line}\n    {mutant.above}\n  - {mutant.before.strip()}\n  + {mutant.after.strip()}"
 
 
 def main():
@@ -180,7 +185,7 @@ def main():
     copy = Copy(options.work)
     if not copy.builds() or not copy.passes():
         sys.exit("the tests fail without any mutant")
-    known = explanations()
+    with_reason = explanations()
     noticed, survived, explained = 0, [], 0
     for mutant in every:
         if noticed + len(survived) + explained == options.count:
@@ -190,7 +195,7 @@ def main():
             continue
         if verdict:
             noticed += 1
-        elif (mutant.file, mutant.before.strip(), mutant.after.strip()) in known:
+        elif known(mutant) in with_reason:
             explained += 1
         else:
             survived.append(mutant)
