@@ -34,7 +34,7 @@ OPERATORS = [
 ]
 
 # A removed declaration is no program; neither is a line that only looks like a statement.
-NO_STATEMENT = re.compile(r"(return|break|continue|case|default|goto|const|static|auto|int|char|void|bool|constexpr|struct|"
+NO_STATEMENT = re.compile(r".*= (delete|default);|(return|break|continue|case|default|goto|const|static|auto|int|char|void|bool|constexpr|struct|"
                           r"size_t)\b|std::\w+(<.*>)? \w|[A-Z]\w* [*\w]|[^\w*(+-]")
 
 Mutant = collections.namedtuple("Mutant", "file line above before after")
