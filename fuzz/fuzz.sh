@@ -3,10 +3,10 @@
 # all without a name, as many at a time as there are processors.
 #
 # Without --seconds a target runs until it has had 10 million inputs, or found nothing new for 10 minutes; with --whole
-# it always has 10 million. --resume goes on after an interruption: of a target that came to its end since it was built,
-# only the result is told again. --keep then puts the smallest inputs that cover what was covered into corpus/. Ends
-# with 1 when an input was found that crashes, leaks, takes more than a second or more than 512 MB; such inputs stay in
-# BUILD/fuzz/found.
+# it always has 10 million. --resume goes on after an interruption, with what the targets had since they were built; of
+# one that came to its end, only the result is told again. --keep then puts the smallest inputs that cover what was
+# covered into corpus/. Ends with 1 when an input was found that crashes, leaks, takes more than a second or more than
+# 512 MB; such inputs stay in BUILD/fuzz/found.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 project=$(dirname "$here")
@@ -65,11 +65,11 @@ last_new() { awk '/ cov: / { for (i = 1; i < NF; i++)
   END { print substr(at, 2) + 0 }' "$1"; }
 stat_of() { awk -v name="stat::$1:" '$1 == name { n = $2 } END { print n + 0 }' "$2"; }
 
-# run_once TARGET SECONDS LENGTH DICTIONARY SEED...: one run of libFuzzer into the log.
+# run_once TARGET RUNS SECONDS LENGTH DICTIONARY SEED...: one run of libFuzzer into the log.
 run_once() {
-  local target=$1 limit=$2 length=$3 dictionary=$4 seed
-  shift 4
-  local options=(-max_total_time="$limit" -max_len="$length" -timeout=1 -rss_limit_mb=512 -print_final_stats=1
+  local target=$1 runs=$2 limit=$3 length=$4 dictionary=$5 seed
+  shift 5
+  local options=(-runs="$runs" -max_total_time="$limit" -max_len="$length" -timeout=1 -rss_limit_mb=512 -print_final_stats=1
     -artifact_prefix="$found/$target-")
   [ -z "$dictionary" ] || options+=(-dict="$here/dictionaries/$dictionary.dict")
   mkdir -p "$work/$target" "$here/corpus/$target"
@@ -89,14 +89,25 @@ only_waited() {
   done
 }
 
+# fresh TARGET ended|so_far: whether it noted that since it was built, and since the library was.
+fresh() {
+  [ -f "$work/$1.$2" ] || return 1
+  [ -z "$(find "$build/bin/fuzz_$1" "$build"/lib/*.so -newer "$work/$1.$2")" ]
+}
+
 # fuzz TARGET LENGTH DICTIONARY SEED...
 fuzz() {
   local target=$1 executions=0 passed=0 first=-1 last=0 started code=0 waited before after
   shift
-  local log=$work/$target.log
+  local log=$work/$target.log so_far=$work/$target.so_far
+  if $resume && fresh "$target" so_far; then read -r executions passed first last <"$so_far"; fi
   while :; do
     started=$SECONDS
-    run_once "$target" "$([ "$seconds" -gt 0 ] && echo "$seconds" || echo "$most_idle_seconds")" "$@" || code=$?
+    if [ "$seconds" -gt 0 ]; then
+      run_once "$target" -1 "$seconds" "$@" || code=$?
+    else
+      run_once "$target" $((most_executions - executions)) "$most_idle_seconds" "$@" || code=$?
+    fi
     waited=false
     if [ "$code" -ne 0 ] && only_waited "$target"; then
       waited=true
@@ -110,7 +121,9 @@ fuzz() {
     [ "$code" -eq 0 ] && [ "$seconds" -eq 0 ] || break
     [ "$executions" -lt "$most_executions" ] || break
     $whole || $waited || [ "$after" -gt "$before" ] || break
+    echo "$executions $passed $first $last" >"$so_far"
   done
+  rm -f "$so_far"
   echo "RESULT fuzz.$target: $executions executions in $passed s, edges $first -> $after," \
     "the last new one at $last, at most $(stat_of slowest_unit_time_sec "$log") s" \
     "and $(stat_of peak_rss_mb "$log") MB," \
@@ -118,12 +131,6 @@ fuzz() {
   cat "$work/$target.result"
   if [ "$code" -eq 0 ] && [ "$seconds" -eq 0 ]; then cp "$work/$target.result" "$work/$target.ended"; fi
   return "$code"
-}
-
-# ended TARGET: whether it came to its end before, and neither it nor the library was built anew since.
-ended() {
-  [ -f "$work/$1.ended" ] || return 1
-  [ -z "$(find "$build/bin/fuzz_$1" "$build"/lib/*.so -newer "$work/$1.ended")" ]
 }
 
 # minimise TARGET LENGTH DICTIONARY SEED...: the inputs that are kept, the smallest first as far as they fit. Those of
@@ -151,7 +158,7 @@ minimise() {
 # run_target TARGET
 run_target() {
   local length dictionary seeds code=0
-  if $resume && ended "$1"; then
+  if $resume && fresh "$1" ended; then
     cat "$work/$1.ended"
     return
   fi
