@@ -173,7 +173,7 @@ TEST_F(MessageNode, ACleanUpGivesAllOfTheHeapBack) {
     }
   };
   useOften();
-  const size_t before = test::heapInUse();
+  const long before = test::heapInUse();
   useOften();
   EXPECT_LT(test::heapInUse(), before + 20000);
 }

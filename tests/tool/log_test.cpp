@@ -54,6 +54,31 @@ TEST_F(Log, ThePlaceInAFileStandsBehindTheCause) {
   EXPECT_EQ(log::cause(), "IdFunc[pubPars] Not Find!!, in File[id.xml] Line[4] Element[IdFunc]");
 }
 
+TEST_F(Log, TheRootRecordIsNoPlace) {
+  library(1, "Get Message Args Err!!");
+  library(1, "File[%s] Line[%ld] Element[%s]", "root.xml", 2L, "AllInfo");
+  EXPECT_EQ(log::cause(), "Get Message Args Err!!");
+}
+
+TEST_F(Log, ALineThatNamesAFileNeedsNoOtherPlace) {
+  library(1, "Msg[M] File[M.xml:25]: expected a node with a name, found none.");
+  library(1, "File[%s] Line[%ld] Element[%s]", "other.xml", 4L, "Id");
+  EXPECT_EQ(log::cause(), "Msg[M] File[M.xml:25]: expected a node with a name, found none.");
+}
+
+TEST_F(Log, WhyAFileIsNoXmlIsTheCause) {
+  library(1, "[ptXmlDoc = xmlFileParse(psFileName)] is NULL");
+  library(1, "File[c.xml] line 2: AttValue: \" or ' expected");
+  EXPECT_EQ(log::cause(), "File[c.xml] line 2: AttValue: \" or ' expected");
+  log::begin();
+  library(1, "File[m.xml] Parse err!!");
+  library(1, "File[m.xml] Permission denied");
+  EXPECT_EQ(log::cause(), "File[m.xml] Permission denied");
+  log::begin();
+  library(1, "File[m.xml] Parse err!!");
+  EXPECT_EQ(log::cause(), "File[m.xml] Parse err!!");
+}
+
 TEST_F(Log, LineEndsAreTakenOff) {
   library(1, "Init Path[%s] err!!\n", "/etc");
   EXPECT_TRUE(log::has("Init Path[/etc] err!!"));

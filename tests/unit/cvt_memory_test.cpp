@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "heap_use.h"
 #include "log_capture.h"
 #ifdef CVT2_ALIGN_POOL
 #define NEEDS_PACKED_POOL() GTEST_SKIP() << "this pool rounds its sizes: CVT2_ALIGN_POOL is set"
@@ -451,6 +452,16 @@ TEST_F(GlobalNode, MessageNodesAreUntouchedByAReset) {
   cvtMemReset();
   global(5);
   EXPECT_STREQ(ps, "kept");
+}
+
+// A list of a loop has room for all repetitions that may be, and mostly holds few.
+TEST_F(GlobalNode, ALargePieceTakesTheMachinesMemoryAsItIsWritten) {
+  constexpr int kSize = 256 << 20;
+  const long before = test::resident();
+  auto *const ps = static_cast<char *>(cvtMemMalloc(kSize));
+  ASSERT_NE(ps, nullptr);
+  EXPECT_LT(test::resident() - before, kSize / 2);
+  EXPECT_EQ(ps[kSize - 1], 0);
 }
 
 // --- Release -----------------------------------------------------------------------------------------------

@@ -228,7 +228,7 @@ TEST_F(CodeConvert, LeavesNothingOfTheHeapInUse) {
     }
   };
   convertOften();
-  const size_t before = test::heapInUse();
+  const long before = test::heapInUse();
   convertOften();
   EXPECT_LT(test::heapInUse(), before + 10000);
 }

@@ -48,6 +48,15 @@ TEST_F(DefinitionRecords, AValueReadsItsBytesAndLength) {
   EXPECT_EQ(pt->nLen, 2);
 }
 
+TEST_F(DefinitionRecords, AValueThatIsLongerThanItsTextEndsWithZerosAndNotWithWhatLiesBehind) {
+  const Value *const pt = sttParseXmlValue(Element("<Value psValue='abc' nLen='4000'/>").get(), cs("Value"));
+  ASSERT_EQ(pt->nLen, 4000);
+  EXPECT_EQ(std::string(pt->psValue, 4000), "abc" + std::string(3997, '\0'));
+  EXPECT_EQ(test::logTexts(1),
+            std::vector<std::string>{"Value psValue[abc] has [3] bytes, not [4000]: write nLen=\"3\""});
+  clearLog();
+}
+
 TEST_F(DefinitionRecords, AnAbsentAttributeReadsAsNullOrZero) {
   const Value *const pt = sttParseXmlValue(Element("<Value/>").get(), cs("Value"));
   EXPECT_EQ(pt->psValue, nullptr);

@@ -160,11 +160,11 @@ MemBlock *NewMemBlock(int nMaxSize) {
   return ptBlock;
 }
 
-// A block of the global node: one that a clean-up has left when it has that size, so that a process which
-// ends and starts the library again and again does not grow.
-MemBlock *NewGlobalBlock(int nMaxSize) {
+// A block that a clean-up has left, of that size; null without one. So a process which ends and starts the library
+// again and again does not grow.
+MemBlock *TakeParked(int nMaxSize) {
   const auto [ptFront, ptFit] = f_parked.fit(nMaxSize);
-  if (ptFit == nullptr || ptFit->nMaxSize != nMaxSize) return NewMemBlock(nMaxSize);
+  if (ptFit == nullptr || ptFit->nMaxSize != nMaxSize) return nullptr;
   f_parked.leave(ptFit);
   (ptFront == nullptr ? f_ptParked : ptFront->ptNext) = ptFit->ptNext;
   ptFit->ptNext = nullptr;
@@ -216,7 +216,8 @@ MemNode *AddLastNode() {
 MemNode *NowGlobalNode() {
   StartAfresh();
   if (gptGlobalNode == nullptr) {
-    gptGlobalNode = NewMemNode(0, NewGlobalBlock(kBlockSize));
+    MemBlock *const ptParked = TakeParked(kBlockSize);
+    gptGlobalNode = NewMemNode(0, ptParked == nullptr ? NewMemBlock(kBlockSize) : ptParked);
     gptGlobalNode->ptNowBlock = nullptr;
     f_room.enter(gptGlobalNode->ptHeadBlock, nullptr);
   }
@@ -250,10 +251,20 @@ int SetNodeNotUse(MemNode *ptNode) {
   return 0;
 }
 
-void *Take(const MemNode *ptNode, MemBlock *ptBlock, int nSize) {
+// A piece of a block, as it is there.
+char *Cut(MemBlock *ptBlock, int nSize) {
   char *const ps = ptBlock->psBuf + (ptBlock->nMaxSize - ptBlock->nLeft);
   ptBlock->nLeft -= nSize;
-  return cvt::pool::give(ptNode, std::memset(ps, 0, static_cast<size_t>(nSize)), nSize);
+  return ps;
+}
+
+void *Take(const MemNode *ptNode, MemBlock *ptBlock, int nSize) {
+  return cvt::pool::give(ptNode, std::memset(Cut(ptBlock, nSize), 0, static_cast<size_t>(nSize)), nSize);
+}
+
+// Of a block just made, which is zero: a piece that is large and never written takes no memory.
+void *TakeFresh(const MemNode *ptNode, MemBlock *ptBlock, int nSize) {
+  return cvt::pool::give(ptNode, Cut(ptBlock, nSize), nSize);
 }
 
 // The tests are strict: a message's block is never filled to its last byte.
@@ -311,8 +322,10 @@ void *GetMemoryGreedy(MemNode *ptNode, int nSize) {
   nSize = TakenSize(nSize);
   const auto [ptFront, ptFit] = f_room.fit(nSize);
   if (ptFit == nullptr) {
-    MemBlock *const ptBlock = NewGlobalBlock(std::max(nSize, kBlockSize));
-    void *const pt = Take(ptNode, ptBlock, nSize);
+    const int nMaxSize = std::max(nSize, kBlockSize);
+    MemBlock *const ptParked = TakeParked(nMaxSize);
+    MemBlock *const ptBlock = ptParked == nullptr ? NewMemBlock(nMaxSize) : ptParked;
+    void *const pt = ptParked == nullptr ? TakeFresh(ptNode, ptBlock, nSize) : Take(ptNode, ptBlock, nSize);
     AddQueue(ptNode, ptBlock);
     return pt;
   }

@@ -1,6 +1,7 @@
 // stt_cvt_message.cpp: the definition tree: its bound records, the creation of nodes, and the node index.
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <string_view>
 #include <utility>
 
@@ -258,6 +259,19 @@ void *cvtSttInitMessage(char *psFileName, char *psType, void *ptRootNode) {
 
 namespace {
 
+// A constant. A length below that of the text cuts it. One above it stays, too: zero bytes follow the text then, not
+// whatever lies behind it.
+Value *newConstant(char *psValue, int nLen) {
+  Value *const pt = sttNewValue(psValue, nLen);
+  const size_t nBytes = psValue == nullptr ? 0 : std::strlen(psValue);
+  if (pt == nullptr || psValue == nullptr || nLen <= 0 || static_cast<size_t>(nLen) <= nBytes) return pt;
+  CVT_ERR("Value psValue[%s] has [%zu] bytes, not [%d]: write nLen=\"%zu\"", psValue, nBytes, nLen, nBytes);
+  auto *const psRoom = static_cast<char *>(cvtMemMalloc(nLen));
+  std::memcpy(psRoom, psValue, nBytes);
+  pt->psValue = psRoom;
+  return pt;
+}
+
 // What the other kinds keep in pInfo is a record of their format.
 bool repeats(int nType) {
   return nType == CVT_STRUCT_LOOP || nType == CVT_STRUCT_COUNTED;
@@ -269,7 +283,7 @@ bool repeats(int nType) {
 #define STT_TABLE_Value(F) \
   F(STRING, psValue)       \
   F(INT,    nLen)
-STT_BIND(Value)
+STT_BIND_WITH(Value, newConstant)
 
 #define STT_TABLE_FormatAttr(F) \
   F(STRING, psFormatName)       \

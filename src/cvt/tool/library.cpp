@@ -78,6 +78,7 @@ Library::Library(const std::string &config) {
     return;
   }
   const std::string cause = log::cause();
+  for (const std::string &notice : log::notices()) log::say("warning: " + notice);
   cvtEnd();
   if (result == 0) {
     throw Failure(Exit::config, "configuration " + config + ": expected one root file ending in .xml in " +
@@ -113,6 +114,14 @@ IdFunc *convertStep(const FormatInfo &pipeline) {
     if (isNamed(step->psFunctName, "pubConvert")) return step;
   }
   return nullptr;
+}
+
+std::string convertingFormats() {
+  std::set<std::string> known;
+  for (const FormatInfo *info = gptFormatInfo; info != nullptr; info = info->ptNext) {
+    if (info->psFormatId != nullptr && convertStep(*info) != nullptr) known.insert(info->psFormatId);
+  }
+  return listed(known);
 }
 
 std::string knownTargets(const Msg &msg) {

@@ -40,6 +40,9 @@ IdFunc *convertStep(const FormatInfo &pipeline);
 // For a message that no converter takes to the format: the formats it can be converted to.
 std::string knownTargets(const Msg &msg);
 
+// The format ids whose generate chain converts, for error texts.
+std::string convertingFormats();
+
 // Ends the handling of a message: what the library logged since log::begin(), or `otherwise`. A failed reload
 // of the configuration ends the run instead.
 [[noreturn]] void refuse(const std::string &otherwise, const std::string &advice = "");

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <iterator>
 #include <string_view>
 
 namespace tool::log {
@@ -28,9 +29,12 @@ std::string format(const char *format, va_list args) {
 
 // Lines that the library writes at the level of errors although nothing has failed.
 bool isNotice(const std::string &line) {
-  constexpr std::array<std::string_view, 5> kNotices = {
-      "Set Src Message Offset to [", "Set Dst Message Offset to [", "Warning No Value num!!", "Warning: sql[",
-      "Open Dir ["};
+  constexpr std::array<std::string_view, 6> kNotices = {"Set Src Message Offset to [",
+                                                        "Set Dst Message Offset to [",
+                                                        "Warning No Value num!!",
+                                                        "Warning: sql[",
+                                                        "Open Dir [",
+                                                        "Value psValue["};
   return std::any_of(kNotices.begin(), kNotices.end(),
                      [&](std::string_view notice) { return line.starts_with(notice); });
 }
@@ -49,8 +53,16 @@ std::string printable(const std::string &text) {
   return out;
 }
 
+// Where a record stands that failed. The root record fails with each of its sections, and says nothing.
 bool isPlace(const std::string &line) {
-  return line.starts_with("File[") && line.find("] Line[") != line.npos;
+  return line.starts_with("File[") && line.find("] Line[") != line.npos &&
+         !line.ends_with("Element[AllInfo]");
+}
+
+// A file that is none of XML, or cannot be read: the line behind says why.
+bool isUnread(const std::string &line) {
+  return line == "[ptXmlDoc = xmlFileParse(psFileName)] is NULL" ||
+         (line.starts_with("File[") && line.ends_with("] Parse err!!"));
 }
 
 }  // namespace
@@ -77,9 +89,16 @@ void begin() {
 std::string cause() {
   const auto first = std::find_if_not(f_lines.begin(), f_lines.end(), isNotice);
   if (first == f_lines.end()) return f_lines.empty() ? "" : f_lines.front();
-  if (first->starts_with("File[")) return *first;
+  if (isUnread(*first) && first + 1 != f_lines.end() && first[1].starts_with("File[")) return first[1];
+  if (first->find("File[") != first->npos) return *first;
   const auto place = std::find_if(first, f_lines.end(), isPlace);
   return place == f_lines.end() ? *first : *first + ", in " + *place;
+}
+
+std::vector<std::string> notices() {
+  std::vector<std::string> found;
+  std::copy_if(f_lines.begin(), f_lines.end(), std::back_inserter(found), isNotice);
+  return found;
 }
 
 bool has(const std::string &text) {

@@ -25,6 +25,9 @@ void begin();
 // when one was named. Empty when nothing was logged.
 std::string cause();
 
+// The lines since begin() that report no failure.
+std::vector<std::string> notices();
+
 // Whether a line with exactly that text was logged since begin().
 bool has(const std::string &text);
 

@@ -58,7 +58,19 @@ std::string adviceOnGenerating(const std::string &format, const OutputBuffer &bu
     return "(message " + std::string(source.sMsgName) +
            " can be converted to: " + knownTargets(*source.ptMsgInfo) + ")";
   }
+  if (log::has("[ptInMsg->ptMsgInfo] is NULL") && convertStep(generatePipeline(format)) == nullptr) {
+    return "(the generate chain of format '" + format +
+           "' has no pubConvert; check -t, formats that convert: " + convertingFormats() + ")";
+  }
   return "";
+}
+
+std::string adviceOnParsing(const std::string &format, const std::string &message, const Frame &frame) {
+  if (message.empty() && log::has("Msg [] get define info err!!")) {
+    return "(the parse chain of format '" + format +
+           "' names no message; give -m, known: " + knownMessages() + ")";
+  }
+  return placeInInput(frame);
 }
 
 }  // namespace
@@ -74,7 +86,7 @@ MessageHandle Parser::parsed(const Frame &frame) {
   MessageHandle message(m_message.empty()
                             ? cvtParseMessasge(m_format.data(), frame.data, size, &error)
                             : cvtInitMessasge(m_message.data(), m_format.data(), frame.data, size, &error));
-  if (message == nullptr) refuse("the message cannot be parsed", placeInInput(frame));
+  if (message == nullptr) refuse("the message cannot be parsed", adviceOnParsing(m_format, m_message, frame));
   if (message->ptMsgInfo == nullptr) {
     throw DataError("the parse pipeline of format '" + m_format + "' binds the message to no definition");
   }

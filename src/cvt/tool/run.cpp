@@ -1,7 +1,10 @@
 #include "run.h"
 
+#include <algorithm>
 #include <array>
+#include <filesystem>
 #include <optional>
+#include <system_error>
 
 #include "input_file.h"
 #include "log.h"
@@ -96,9 +99,30 @@ class Run {
   std::optional<OutputFile> m_rejects;
 };
 
+bool isSameFile(const std::string &one, const std::string &other) {
+  const auto name = [](const std::string &path) {
+    return std::filesystem::weakly_canonical(std::filesystem::absolute(path));
+  };
+  std::error_code none;  // of files that are not there yet the names are compared
+  return std::filesystem::equivalent(one, other, none) || name(one) == name(other);
+}
+
+// The rejects replace what stood in their file before: that must be neither what is read nor what is written.
+void checkRejects(const Options &options) {
+  const auto isRejects = [&](const std::string &path) {
+    return path != "-" && isSameFile(options.rejects, path);
+  };
+  if (options.rejects.empty()) return;
+  const bool bInput = std::any_of(options.inputs.begin(), options.inputs.end(), isRejects);
+  if (!bInput && (options.output.empty() || !isRejects(options.output))) return;
+  throw Failure(Exit::usage, "--rejects: " + options.rejects + " is also " +
+                                 (bInput ? "an input" : "the output") + "; give a file of its own");
+}
+
 }  // namespace
 
 Exit run(const Options &options, Progress &progress, const HandleMessage &handle) {
+  checkRejects(options);
   for (const std::string &path : options.inputs) checkReadable(path);
   return Run(options, progress, handle).all();
 }
