@@ -119,6 +119,14 @@ TEST_P(StdRegex, AMatchIsFoundBetweenCharactersOnly) {
   EXPECT_EQ(of("a", "a", "\xc3"), "refused");
 }
 
+TEST_P(StdRegex, ADollarSignHoldsTheEndAlsoBeforeALineFeed) {
+  loadCall("regexMatch", 2);
+  EXPECT_EQ(of("abc", "^abc$"), "1");
+  EXPECT_EQ(of("abc\n", "^abc$"), "0");
+  EXPECT_EQ(of("abc\n", "^abc\\n$"), "1");
+  EXPECT_EQ(of("abc\ndef", "(?m)^abc$"), "1") << "of a line, where the pattern says so";
+}
+
 TEST_P(StdRegex, APatternThatCallsItselfWithoutEndIsRefused) {
   loadCall("regexReplace", 3);
   EXPECT_EQ(of("ab", "(?R)?a", "x"), "refused");

@@ -152,6 +152,7 @@ constexpr kit::FunctionRow kFunctions[] = {
      {{"text", "a text"}, PATTERN}, 2, 2, regexMatch,
      "1 when the pattern is found in the text, else 0",
      {{{"DE89370400440532013000", "^[A-Z]{2}\\d{2}[A-Z0-9]{11,30}$"}, "1"},
+      {{"DE89370400440532013000\n", "^[A-Z]{2}\\d{2}[A-Z0-9]{11,30}$"}, "0"},
       {{"Zürich", "^.{6}$"}, "1"},
       {{"ZÜRICH", "(?i)zürich"}, "1"},
       {{"Zürich", "^\\w+$"}, "0"},
@@ -192,14 +193,15 @@ constexpr kit::FunctionRow kFunctions[] = {
 
 }  // namespace
 
-constinit const kit::Topic kRegex =
-    kit::topic<kFunctions>("Regular expressions",
-                           "By PCRE2, on characters of UTF-8. `\\d`, `\\w` and `\\s` are those of ASCII; "
-                           "`\\p{L}` is a letter of any "
-                           "script. A pattern is compiled once and kept. Matching ends at the "
-                           "[limits](../src/cvt/plug/std/README.md#settings) of the plug-in: a pattern that "
-                           "goes on and on is an error, "
-                           "not a process that hangs.");
+constinit const kit::Topic kRegex = kit::topic<kFunctions>(
+    "Regular expressions",
+    "By PCRE2, on characters of UTF-8. `\\d`, `\\w` and `\\s` are those of ASCII; "
+    "`\\p{L}` is a letter of any "
+    "script. `$` is the very end of the text: a line feed there is a character too many. A "
+    "pattern is compiled once and kept. Matching ends at the "
+    "[limits](../src/cvt/plug/std/README.md#settings) of the plug-in: a pattern that "
+    "goes on and on is an error, "
+    "not a process that hangs.");
 
 void configureRegex(const Settings &settings) {
   const auto size = [](int number) { return static_cast<size_t>(number); };

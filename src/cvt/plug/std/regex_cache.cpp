@@ -64,7 +64,8 @@ Regex RegexCache::compile(std::string_view pattern) const {
   int error = 0;
   size_t offset = 0;
   Regex regex{std::string(pattern), nullptr, 0};
-  constexpr uint32_t kOptions = PCRE2_UTF | PCRE2_NO_UTF_CHECK | PCRE2_AUTO_CALLOUT | PCRE2_NEVER_BACKSLASH_C;
+  constexpr uint32_t kOptions =
+      PCRE2_UTF | PCRE2_NO_UTF_CHECK | PCRE2_AUTO_CALLOUT | PCRE2_NEVER_BACKSLASH_C | PCRE2_DOLLAR_ENDONLY;
   regex.code.reset(pcre2_compile(units(regex.text), regex.text.size(), kOptions, &error, &offset, nullptr));
   if (regex.code == nullptr) throw RegexError{regexMessage(error), offset};
   uint32_t groups = 0;
