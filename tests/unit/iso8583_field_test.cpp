@@ -260,6 +260,25 @@ TEST_F(Field, APrefixCountsDigitsOrBytesOfBcd) {
                 "Offset[22]: expected at most 5 digits, found 8. See nMinLen and nMaxLen.");
 }
 
+TEST_F(Field, DigitsThatTheirBytesDoNotTellAreNotWritten) {
+  define("psType=\"n\" psCoding=\"bcd\" psPrefix=\"LL\" psCounts=\"bytes\" psAlign=\"left\" nMaxLen=\"5\"");
+  expectWritten("1234", "02" + bytes("1234"));
+  expectBoth("03" + bytes("123450"), "12345");
+  expectNotWritten("123",
+                   "Offset[22]: expected an even number of digits, because only their bytes are counted, "
+                   "found 3. psPad=\"F\" tells an odd number.");
+  cvtEnd();
+  define("psType=\"n\" psCoding=\"bcd\" psPrefix=\"LL\" psCounts=\"bytes\" nMaxLen=\"5\"");
+  expectWritten("123", "02" + bytes("0123"));
+  cvtEnd();
+  define("psType=\"z\" psCoding=\"bcd\" psPrefix=\"LL\" psCounts=\"bytes\" psPad=\"F\"");
+  expectWritten("411", "02" + bytes("411F"));
+  expectWritten("4?11", "02" + bytes("4F11"));
+  expectNotWritten("411?",
+                   "Offset[22]: expected another character than ? where the half byte F would stand, "
+                   "found \"411?\".");
+}
+
 TEST_F(Field, TheSeparatorOfATrackIsAHalfByte) {
   define("psType=\"z\" psCoding=\"bcd\" psPrefix=\"LL\" nMaxLen=\"37\"");
   expectBoth("07" + bytes("1234D560"), "1234=56");

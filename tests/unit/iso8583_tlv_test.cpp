@@ -199,6 +199,23 @@ TEST_F(Tlv, AFieldOfATagHasItsTypeAndLength) {
                    "G.Amount] Offset[22]: expected 12 digits, found 13. See nLen.");
 }
 
+TEST_F(Tlv, DigitsThatTheirBytesDoNotTellAreNotWritten) {
+  define({field("Amount", "psTag=\"9F02\" psType=\"n\" psCoding=\"bcd\" psAlign=\"left\" nMaxLen=\"12\""),
+          field("Track", "psTag=\"57\" psType=\"z\" psCoding=\"bcd\" nMaxLen=\"37\"")});
+  const std::string sOdd = "expected an even number of digits, because only their bytes are counted, found ";
+  expectNotWritten(with({{"Amount", "123"}}),
+                   "G.Amount] Offset[22]: " + sOdd + "3. psPad=\"F\" tells an odd number.");
+  expectNotWritten(with({{"Track", "4111=99"}}),
+                   "G.Track] Offset[22]: " + sOdd + "7. psPad=\"F\" tells an odd number.");
+  EXPECT_EQ(generate(with({{"Track", "4111=999"}})), message("5704 4111D999")) << told();
+}
+
+TEST_F(Tlv, AHalfByteFIsADigitWhereTheLengthIsFixed) {
+  define({field("Track", "psTag=\"57\" psType=\"z\" psCoding=\"bcd\" psPad=\"F\" nLen=\"4\"")});
+  expectBack("5702 411F");
+  EXPECT_EQ(get(parse("M", message("5702 411F")), "Track"), "411?");
+}
+
 TEST_F(Tlv, MandatoryTagsAreReported) {
   define({kTvr, field("Must", "psTag=\"82\" psType=\"b\" nMandatory=\"1\"")});
   expectBack("95018082 0100");

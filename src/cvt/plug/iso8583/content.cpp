@@ -153,13 +153,18 @@ char padDigit(const Content &content) {
   return content.pad == 'F' ? static_cast<char>('0' + 15) : '0';
 }
 
+// Whether nothing but the bytes says how many digits there are.
+bool countsOnlyBytes(const Element &field) {
+  return !field.frame.fixed && (field.frame.digits == 0 || field.frame.countsBytes);
+}
+
 // How many digits there are when only their bytes are counted.
 size_t digitsIn(const Element &field, std::string_view bytes) {
   const size_t digits = 2 * bytes.size();
   const size_t most = field.frame.most - (isSigned(field.content) ? 1 : 0);
   if (digits == 0 || digits > most + 1) return digits;
-  const bool marked =
-      field.content.pad == 'F' && digitAt(bytes, padAt(field.content, bytes)) == padDigit(field.content);
+  const bool marked = !field.frame.fixed && field.content.pad == 'F' &&
+                      digitAt(bytes, padAt(field.content, bytes)) == padDigit(field.content);
   return digits > most || marked ? digits - 1 : digits;
 }
 
@@ -214,6 +219,17 @@ void pack(const Content &content, size_t zeros, std::string_view value, kit::Out
   if (i < digits) *at = static_cast<char>(digit(i) << 4 | pad);
 }
 
+// Where only bytes are counted they must say how many digits they hold; but a 0 may come in front of a number.
+void checkCountable(const Element &field, std::string_view value, std::string_view bytes, size_t offset) {
+  const bool zeroInFront = field.content.right && field.content.pad == '0';
+  if (zeroInFront || digitsIn(field, bytes) == value.size()) return;
+  if (value.size() % 2 == 0) {
+    throw Fault(offset, "another character than ? where the half byte F would stand", shown(value));
+  }
+  throw Fault(offset, "an even number of digits, because only their bytes are counted",
+              std::to_string(value.size()), "psPad=\"F\" tells an odd number");
+}
+
 size_t writeBcd(const Element &field, std::string_view value, kit::Output &out) {
   const Content &content = field.content;
   const size_t from = out.offset();
@@ -221,11 +237,12 @@ size_t writeBcd(const Element &field, std::string_view value, kit::Output &out) 
   const bool fills = field.frame.fixed && content.type == Type::N && !value.empty();
   const size_t zeros = fills && value.size() < field.frame.most ? field.frame.most - value.size() : 0;
   checkLength(field, zeros + value.size(), from);
-  if (isSigned(content) && !value.empty()) {
-    encodeText(content, value.substr(0, 1), out);
-    pack(content, 0, value.substr(1), out);
-  } else {
-    pack(content, zeros, value, out);
+  const size_t sign = isSigned(content) && !value.empty() ? 1 : 0;
+  if (sign != 0) encodeText(content, value.substr(0, 1), out);
+  const size_t digits = out.offset();
+  pack(content, zeros, value.substr(sign), out);
+  if (countsOnlyBytes(field)) {
+    checkCountable(field, value.substr(sign), {out.at(digits), out.offset() - digits}, from);
   }
   return zeros + value.size();
 }
