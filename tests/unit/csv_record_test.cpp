@@ -107,6 +107,20 @@ TEST_F(CsvRecords, GroupsOfRecordsAreThereAsAWhole) {
   refused("M", "C,1\nC,2\n", "Field[L[0].D] Offset[4]: expected the record \"D\", found a record \"C\".");
 }
 
+TEST_F(CsvRecords, WithoutATagKeepTheirFirstField) {
+  const std::vector<FormatNode> tagless = {record("Head", "psTag=\"H\" nMandatory=\"1\"", {field("N")}),
+                                           rows(fields({"V", "X"}, "nMaxLen=\"3\""))};
+  m_config.message("M", "", tagless);
+  m_config.message("Short", "nShort=\"1\"", tagless);
+  m_config.message("Quoted", "psQuoting=\"always\"", tagless);
+  start();
+  same("M", "H,3\na,b\nH,\"d,e\"\n");
+  refused("M", "H,3\na,b\nlong,b\n", "Field[Rows[1].V] Offset[8]: expected at most 3 characters");
+  refused("M", "H,3\na,b,c\n", "Offset[8]: expected a line feed behind the last field of the record");
+  same("Short", "H,3\na\na,b\n");
+  same("Quoted", "\"H\",\"3\"\n\"H\",\"\"\n\"a\"\"b\",\"c\"\n");
+}
+
 // --- Fields inside a record
 // ---------------------------------------------------------------------------------------
 

@@ -152,8 +152,11 @@ void Compiler::content(Compound &record, const Scope &scope, size_t from, size_t
 
 void Compiler::tag(Compound &record, const CsvRecord &said, const std::string &path) {
   record.shortened = said.nShort == kNotGiven ? m_text.nShort != 0 : said.nShort != 0;
-  if (said.psTag == nullptr) return;
   Dialect &dialect = m_plan->dialect;
+  if (said.psTag == nullptr) {
+    if (dialect.tagBack.empty() && dialect.continuation.empty()) return;
+    throw Misconfigured(path, &said, "a psTag in every record, with psTagBack and psContinuation", "none");
+  }
   record.tagText = literal(dialect, said.psTag, &said, "psTag");
   const std::string &text = record.tagText.text;
   const bool marked = dialect.tagBack.empty() ? !dialect.marks.absentIn(text)

@@ -159,7 +159,7 @@ void Parser::fieldLoop(const Compound &loop, const Compound &record, List values
 
 void Parser::header() {
   if (!m_reader.begin()) throw Fault(m_reader.offset(), "a line of column names", "the end");
-  m_reader.open();
+  m_reader.open(false);
   m_room.order.clear();
   for (size_t position = 0; m_reader.more(); ++position) {
     if (position == m_plan.maxColumns) {

@@ -52,7 +52,7 @@ void Parser::item(const Item &item, List values) {
 
 void Parser::record(const Compound &record, List values) {
   m_call.end = m_reader.offset();
-  m_reader.open();
+  m_reader.open(record.tag >= 0);
   m_number = 0;
   if (record.wrapsSlot >= 0) m_room.wraps.clear();
   if (record.byColumn) {

@@ -162,11 +162,11 @@ void Reader::findQuotedTag() {
   m_tagEnd = close + 1;
 }
 
-void Reader::open() {
+void Reader::open(bool tagged) {
   m_begun = false;
   m_continued = false;
   m_from = m_at;
-  if (!m_dialect.tagged) {
+  if (!tagged) {
     m_more = !m_dialect.terminated || !takeEnd();
     return;
   }

@@ -1,7 +1,7 @@
 // reader.h: a text as records of fields, one after the other, without a look at what they mean.
 //
 //   while (reader.begin()) {             // at a record; its tag is known
-//     reader.open();                     // behind the tag
+//     reader.open(true);                 // behind the tag
 //     while (reader.more()) reader.next();
 //   }
 //
@@ -42,8 +42,8 @@ class Reader {
   int tag() const { return m_tag; }
   std::string_view tagText() const { return m_tagText; }
 
-  // Into the record that begin() found.
-  void open();
+  // Into the record that begin() found; `tagged`: behind its tag, which is no field of it.
+  void open(bool tagged);
 
   // Whether the record has another field.
   bool more() const { return m_more; }
