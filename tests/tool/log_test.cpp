@@ -79,6 +79,17 @@ TEST_F(Log, WhyAFileIsNoXmlIsTheCause) {
   EXPECT_EQ(log::cause(), "File[m.xml] Parse err!!");
 }
 
+TEST_F(Log, WhereAConversionFailedIsSaidFromTheConverterInward) {
+  EXPECT_EQ(log::rule(), "");
+  library(1, "Func[%s] Arg[1] Len[3] Offset[0]: expected a month", "reformatDate");
+  library(1, "Do Convert Rule [%d] err!!", 1);
+  library(1, "Convert Loop[%d/%d] From[%s] to [%s]  convert err!!", 4, 10, "Rows", "Sale");
+  library(1, "%s", "CVT_TYPE_LOOP Err!!");
+  library(1, "Do Convert Rule [%d] err!!", 2);
+  library(1, "Convert [%s] From struct[%s] tp Struct[%s] err!!", "C", "A", "B");
+  EXPECT_EQ(log::rule(), "converter C, rule 2, Rows[4], rule 1");
+}
+
 TEST_F(Log, LineEndsAreTakenOff) {
   library(1, "Init Path[%s] err!!\n", "/etc");
   EXPECT_TRUE(log::has("Init Path[/etc] err!!"));

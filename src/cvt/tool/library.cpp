@@ -137,7 +137,9 @@ void refuse(const std::string &otherwise, const std::string &advice) {
   if (log::has("AutoReload err!! Please Check Config File!!")) {
     throw Failure(Exit::config, "the configuration was changed and does not load any more: " + cause);
   }
-  throw DataError((cause.empty() ? otherwise : cause) + (advice.empty() ? "" : " " + advice));
+  const std::string rule = log::rule();
+  throw DataError((cause.empty() ? otherwise : cause) + (rule.empty() ? "" : " (" + rule + ")") +
+                  (advice.empty() ? "" : " " + advice));
 }
 
 }  // namespace tool

@@ -65,6 +65,23 @@ bool isUnread(const std::string &line) {
          (line.starts_with("File[") && line.ends_with("] Parse err!!"));
 }
 
+// What stands between two marks; empty without both.
+std::string between(const std::string &line, std::string_view before, std::string_view behind) {
+  const size_t from = line.find(before);
+  if (from == line.npos) return "";
+  const size_t to = line.find(behind, from + before.size());
+  return to == line.npos ? "" : line.substr(from + before.size(), to - from - before.size());
+}
+
+// The part of a conversion that a line says has failed; empty when it says nothing of the kind.
+std::string stepOf(const std::string &line) {
+  if (line.starts_with("Do Convert Rule [")) return "rule " + between(line, "[", "]");
+  if (line.starts_with("Convert Loop["))
+    return between(line, "From[", "]") + "[" + between(line, "Loop[", "/") + "]";
+  if (line.starts_with("Convert [")) return "converter " + between(line, "[", "]");
+  return "";
+}
+
 }  // namespace
 
 void setVerbosity(int level) {
@@ -93,6 +110,15 @@ std::string cause() {
   if (first->find("File[") != first->npos) return *first;
   const auto place = std::find_if(first, f_lines.end(), isPlace);
   return place == f_lines.end() ? *first : *first + ", in " + *place;
+}
+
+std::string rule() {
+  std::string place;
+  for (auto line = f_lines.rbegin(); line != f_lines.rend(); ++line) {
+    const std::string step = stepOf(*line);
+    if (!step.empty()) place += (place.empty() ? "" : ", ") + step;
+  }
+  return place;
 }
 
 std::vector<std::string> notices() {

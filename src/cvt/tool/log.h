@@ -25,6 +25,10 @@ void begin();
 // when one was named. Empty when nothing was logged.
 std::string cause();
 
+// Where a conversion failed since begin(), from the converter inward, as "converter C, rule 2, Rows[4], rule 1": rules
+// count from 1, repetitions from 0. Empty when none did.
+std::string rule();
+
 // The lines since begin() that report no failure.
 std::vector<std::string> notices();
 
