@@ -156,35 +156,20 @@ TEST(StdPattern, EveryLetterHasItsMeaning) {
                     {"0987-06-05 00:08:09.012345678-01:30", "yyyy-MM-dd HH:mm:ss.SSSSSSSSSXXX", sPattern});
   };
   const std::pair<std::string, std::string> meanings[] = {
-      {"yyyy", "0987"},
-      {"yy", "87"},
-      {"M", "6"},
-      {"MM", "06"},
-      {"MMM", "Jun"},
-      {"MMMM", "June"},
-      {"d", "5"},
-      {"dd", "05"},
-      {"DDD", "156"},
-      {"EEE", "Tue"},
-      {"EEEE", "Tuesday"},
-      {"H", "0"},
-      {"HH", "00"},
-      {"h", "12"},
-      {"hh", "12"},
-      {"a", "AM"},
-      {"H:mm", "0:08"},
-      {"ss", "09"},
-      {"S", "0"},
-      {"SSS", "012"},
-      {"SSSSSSSSS", "012345678"},
-      {"XXX", "-01:30"},
-      {"XX", "-0130"},
-      {"xxx", "-01:30"},
-      {"Z", "-0130"},
-      {"'dd'", "dd"},
-      {"''", "'"},
-      {"'''a'''", "'a'"},
-      {"-/.: ,_(){}[]#\xc3\xbc", "-/.: ,_(){}[]#\xc3\xbc"},
+      {"yyyy", "0987"},   {"M", "6"},
+      {"MM", "06"},       {"MMM", "Jun"},
+      {"MMMM", "June"},   {"d", "5"},
+      {"dd", "05"},       {"DDD", "156"},
+      {"EEE", "Tue"},     {"EEEE", "Tuesday"},
+      {"H", "0"},         {"HH", "00"},
+      {"h", "12"},        {"hh", "12"},
+      {"a", "AM"},        {"H:mm", "0:08"},
+      {"ss", "09"},       {"S", "0"},
+      {"SSS", "012"},     {"SSSSSSSSS", "012345678"},
+      {"XXX", "-01:30"},  {"XX", "-0130"},
+      {"xxx", "-01:30"},  {"Z", "-0130"},
+      {"'dd'", "dd"},     {"''", "'"},
+      {"'''a'''", "'a'"}, {"-/.: ,_(){}[]#\xc3\xbc", "-/.: ,_(){}[]#\xc3\xbc"},
       {"", ""},
   };
   for (const auto &[sPattern, sText] : meanings) EXPECT_EQ(made(sPattern), sText) << sPattern;
@@ -375,6 +360,24 @@ TEST(StdPattern, ShortYearsAreInTheHundredFromTheFirst) {
       EXPECT_EQ(nYear % 100, n);
       EXPECT_TRUE(nYear >= nFirst && nYear < nFirst + 100) << nFirst << " " << nYear;
     }
+  }
+  cvt::functions::setFirstYear(1969);
+}
+
+TEST(StdPattern, AYearThatTwoDigitsCannotSayIsNotWrittenSo) {
+  const auto written = [](int nYear) {
+    char s[16];
+    snprintf(s, sizeof s, "%04d0101", nYear);
+    return resultOf("reformatDate", {s, "yyyyMMdd", "yyMMdd"});
+  };
+  EXPECT_EQ(written(2070), "refused") << "700101 is of 1970";
+  EXPECT_EQ(written(1899), "refused");
+  for (const int nFirst : {1, 1969, 9900}) {
+    cvt::functions::setFirstYear(nFirst);
+    EXPECT_NE(written(nFirst), "refused") << nFirst;
+    EXPECT_NE(written(nFirst + 99), "refused") << nFirst;
+    EXPECT_EQ(written(nFirst == 1 ? 101 : nFirst - 1), "refused") << nFirst;
+    EXPECT_EQ(written(nFirst == 9900 ? 9899 : nFirst + 100), "refused") << nFirst;
   }
   cvt::functions::setFirstYear(1969);
 }

@@ -259,6 +259,8 @@ constexpr kit::FunctionRow kFunctions[] = {
       {{"20241231", "yyyyMMddHH", "yyyyMMdd"}, "Arg[1] Len[8] Offset[8]: expected an hour, 00 to 23, found the end."},
       {{"235960", "HHmmss", "HH:mm:ss"}, "Arg[1] Len[6] Offset[4]: expected a second, 00 to 59; leap seconds have no "
                                          "place here, found something else."},
+      {{"20700101", "yyyyMMdd", "yyMMdd"}, "Arg[3] Len[6] Offset[0]: expected a year that two digits can say; write "
+                                           "yyyy, found something else. " LETTERS},
       {{"1231", "MMdd", "yyyyMMdd"}, "Arg[3] Len[8] Offset[0]: expected parts that are known from the value, found "
                                      "something else. " LETTERS},
       {{"20241231", "YYYYMMDD", "yyyyMMdd"}, "Arg[2] Len[8] Offset[0]: expected a letter of dates and times, or quotes "
@@ -382,7 +384,8 @@ constexpr const char *kAbout =
     "follows. Other letters are refused; `'T'` is a letter that stands for itself, `''` a quote, and every "
     "other character stands for itself. Names are English, in capitals or not. Years are 0001 to 9999 of the "
     "Gregorian calendar, also before it began; `yy` is in the hundred years from 1969 on, unless the "
-    "plug-in's `nFirstYear` says otherwise. A time that a pattern leaves out is midnight; digits of a second "
+    "plug-in's `nFirstYear` says otherwise, and no other year is written so. A time that a pattern leaves "
+    "out is midnight; digits of a second "
     "that the result has no room for are cut off. A local time that comes twice, when clocks are put back, "
     "is the first of the two; one that is skipped, when they are put forward, counts on with the offset from "
     "before: both as in RFC 5545.";

@@ -31,6 +31,7 @@ inline constexpr size_t kMomentRoom = 5 * kMaxPattern;  // what a pattern can be
 
 // Years of two digits are those of the hundred years that begin with this one.
 void setFirstYear(int year);
+int firstYear();
 
 // Reads the whole text. What the pattern leaves out is not known; a time is midnight then.
 Misfit readMoment(std::string_view text, std::string_view pattern, Moment &moment);

@@ -213,6 +213,10 @@ void setFirstYear(int year) {
   f_firstYear = year;
 }
 
+int firstYear() {
+  return f_firstYear;
+}
+
 Misfit readMoment(std::string_view text, std::string_view pattern, Moment &moment) {
   return Reader(text, pattern).read(moment);
 }

@@ -67,7 +67,7 @@ class Writer {
     const int hour = m_moment.second / 3600;
     switch (letter) {
       case 'y':
-        return number(count == 2 ? m_moment.year % 100 : m_moment.year, count);
+        return count == 2 ? shortYear() : number(m_moment.year, count);
       case 'M':
         return count > 2 ? name(kMonths, m_moment.month, count) : number(m_moment.month, count);
       case 'd':
@@ -91,6 +91,15 @@ class Writer {
       default:
         return offset(letter == 'X', count == 3);
     }
+  }
+
+  // Any other year would be read as another one.
+  void shortYear() {
+    const int first = firstYear();
+    if (m_moment.year < first || m_moment.year >= first + 100) {
+      return m_tokens.refuse("a year that two digits can say; write yyyy");
+    }
+    number(m_moment.year % 100, 2);
   }
 
   void name(std::span<const std::string_view> names, int which, size_t count) {
