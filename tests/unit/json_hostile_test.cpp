@@ -38,6 +38,9 @@ class JsonHostile : public testing::Test {
     m_config.message(
         "Names", "nMaxMembers=\"3\"",
         {loop("R", "psForm=\"value\"", "psForm=\"members\"", {field("K", "psKind=\"name\""), field("V")})});
+    std::vector<FormatNode> wide;
+    for (int i = 0; i < 20; ++i) wide.push_back(field("Field" + std::to_string(i)));
+    m_config.message("Wide", "", wide);
     m_config.message("Any", "psRoot=\"value\"", {field("V", "psType=\"any\"")});
     ASSERT_EQ(m_config.start(), 0) << told();
   }
@@ -217,6 +220,13 @@ TEST_F(JsonHostile, AFailedTextLeavesNothingBehindForTheNext) {
     EXPECT_EQ(pass("Keep", kGood), kGood + "\n") << told();
     test::clearLog();
   }
+}
+
+TEST_F(JsonHostile, ALongUnknownNameIsRefusedAtOnce) {
+  const auto begin = std::chrono::steady_clock::now();
+  parse("Wide", "{\"" + repeated("a", 10000000) + "\":1}");
+  EXPECT_TRUE(told("found member \"" + repeated("a", 40) + "\".... psUnknown=\"skip\" in JsonMsg")) << told();
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(3));
 }
 
 TEST_F(JsonHostile, ALongTextAndManyMembersTakeTimeInProportion) {

@@ -334,8 +334,12 @@ std::string markdownTable(const RecordType &type) {
 
 const char *nearest(const char *name, std::span<const char *const> known) {
   const char *best = nullptr;
-  size_t bestDistance = std::strlen(name) / 3 + 2;
+  const size_t length = std::strlen(name);
+  size_t bestDistance = length / 3 + 2;
   for (const char *candidate : known) {
+    const size_t other = std::strlen(candidate);
+    const size_t least = length > other ? length - other : other - length;
+    if (least >= bestDistance) continue;  // names come from messages, too, and may be megabytes long
     const size_t d = distance(name, candidate);
     if (d < bestDistance) {
       bestDistance = d;
