@@ -268,4 +268,19 @@ TEST_F(Tlv, ALoopHasEachTagAsDataInItsOrder) {
       made, "L[0].Tag] Offset[22]: expected a tag of BER-TLV, 1 to 4 bytes, found \"\\x9F\\x1A\\x02\".");
 }
 
+TEST_F(Tlv, ALoopHasItsTagsAsBytesWhateverTheMessagesBytesAre) {
+  m_config.message(
+      "M", "nWhole=\"1\" psBinary=\"hex\"",
+      {mti(), loop("L", "IsoTlv", "nNumber=\"55\" psPrefix=\"LLL\" psPrefixCoding=\"binary\"", "",
+                   {field("Tag", "psKind=\"tag\""),
+                    field("Data", "psKind=\"value\" psType=\"b\" psCoding=\"binary\"")})});
+  ASSERT_EQ(m_config.start(), 0) << told();
+  expectBack("9F02021234 9500");
+  const Wire made = with({});
+  addTime(made, "L");
+  set(made, "L.Tag", "9F02");
+  set(made, "L.Data", "1234");
+  EXPECT_EQ(generate(made), message("9F02021234")) << told();
+}
+
 }  // namespace

@@ -383,6 +383,7 @@ void Compiler::tlvField(Container &container, const kit::Rules &rules, size_t at
   IsoField meant = record;
   if (kind == Kind::Tag) {
     meant.nType = static_cast<int>(Type::B);
+    meant.nCoding = static_cast<int>(Coding::Binary);
     meant.nMaxLen = 4;
   }
   Element element = fieldElement(rules, at, meant, true, place);
