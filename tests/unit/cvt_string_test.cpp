@@ -219,6 +219,13 @@ TEST_F(CodeConvert, NoTerminatorIsAdded) {
   EXPECT_STREQ(sOut, "abxx");
 }
 
+TEST_F(CodeConvert, NoInputNeedsNoRoom) {
+  char sOut[1];
+  int nOut = 0;
+  EXPECT_EQ(cvtStrCodeConvert(cs("UTF-8"), cs("GB18030"), cs(""), 0, sOut, &nOut), 0);
+  EXPECT_EQ(nOut, 0);
+}
+
 TEST_F(CodeConvert, LeavesNothingOfTheHeapInUse) {
   char sOut[8];
   const auto convertOften = [&] {
