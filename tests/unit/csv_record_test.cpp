@@ -225,6 +225,42 @@ TEST_F(CsvRecords, ARestTakesTheSeparatorsToo) {
   EXPECT_TRUE(told("expected a value without line ends and marks, found \"a\\x0Ab\".")) << told();
 }
 
+TEST_F(CsvRecords, ThatBeginWithARestAreWrittenAsTheyWereRead) {
+  const FormatNode rest = field("A", "psKind=\"rest\"");
+  m_config.message("M", "psComment=\"#\"", {rest});
+  m_config.message("Rows", "", {rows({rest})});
+  m_config.message("Short", "nShort=\"1\"", {rows({rest})});
+  start();
+  for (const char *const ps : {"a,b,c\n", "\"a\",b\n", "\"\"\n"}) same("M", ps);
+  same("Rows", "one\n\ntwo\n\n");
+  same("Short", "one\n\ntwo\n\n");
+  const Text text = create("M");
+  set(text, "A", "#1");
+  EXPECT_EQ(generate(text), "failed");
+}
+
+TEST_F(CsvRecords, ThatBeginWithAFixedFieldAreFilledWhereNothingHasAValue) {
+  const std::vector<FormatNode> table = {rows({field("A", "nLen=\"3\" psPad=\" \""), field("B")})};
+  m_config.message("M", "nShort=\"1\"", table);
+  m_config.message("Marked", "nShort=\"1\" psRecordEnd=\"/\"", table);
+  m_config.message("Plain", "nShort=\"1\" psQuote=\"\"", table);
+  start();
+  same("M", "   \na  b\n");
+  same("Marked", "   /\na  b/\n");
+  same("Plain", "   \na  b\n");
+}
+
+TEST_F(CsvRecords, AnEmptyRestThatMayBeMissingStandsAloneInItsLine) {
+  m_config.message("M", "nShort=\"1\" psContinuation=\"88\"",
+                   {record("R", "psTag=\"1\"", {field("A", "psKind=\"rest\""), field("B")})});
+  start();
+  const Text text = create("M");
+  set(text, "B", "y");
+  const std::string s = "1,\n88,y\n";
+  EXPECT_EQ(generate(text), s);
+  same("M", s);
+}
+
 // --- End marks and continued records
 // -------------------------------------------------------------------------------
 

@@ -101,7 +101,7 @@ void Generator::record(const Compound &record, const List &values) {
   m_write.begin(record.tag < 0 ? nullptr : &record.tagText, m_plan.quotedTags, record.shortened, wraps);
   members(record.fields, values);
   m_path.field(nullptr);
-  m_write.end();
+  m_write.end(record.first);
   for (const Item &each : record.records) item(each, values);
 }
 
@@ -156,7 +156,7 @@ void Generator::field(const Field &field, const List &values) {
   }
   const std::string_view text = textToWrite(field, values, m_path, m_digits);
   if (field.shape == Shape::Fixed) return m_write.fixed(field, text);
-  if (field.shape == Shape::Rest) return m_write.rest(text);
+  if (field.shape == Shape::Rest) return m_write.rest(field, text);
   const bool kept = text.empty() && isWritten(field, values, text);
   // Where every field is in quotes, one that was not even given is told from an empty one by having none.
   const bool bare = text.empty() && !kept && field.empty == kit::Empty::KeepGiven;

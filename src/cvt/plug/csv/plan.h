@@ -104,6 +104,7 @@ struct Compound {
   // Records, and how what begins with records may begin.
   int tag = -1;  // position of the record's tag; -1: it has none
   Literal tagText;
+  const Field *first = nullptr;
   bool shortened = false;  // fields at the end may be missing
   bool header = false;     // a line of column names stands before it
   bool byColumn = false;   // its fields come in the order of that line

@@ -46,11 +46,17 @@ void orderByTag(Compound &group, size_t tags, const CsvMsg &text) {
   }
 }
 
+const Field *firstField(const std::vector<Item> &fields) {
+  if (fields.empty()) return nullptr;
+  return fields[0].kind == ItemKind::Field ? &fields[0].field : firstField(fields[0].compound->fields);
+}
+
 void starts(Item &item, size_t tags, const CsvMsg &text) {
   Compound &compound = *item.compound;
   compound.starts.assign(tags, false);
   for (Item &each : compound.records) starts(each, tags, text);
   if (item.kind == ItemKind::Record) {
+    compound.first = firstField(compound.fields);
     if (compound.tag < 0) {
       compound.startsAny = true;
     } else {
@@ -102,7 +108,7 @@ std::string headerLine(const Plan &plan, const CsvMsg &text) {
   for (const std::string &name : plan.columnNames) {
     writer.field(name, {text.nQuoting == static_cast<int>(Quoting::Always), false});
   }
-  writer.end();
+  writer.end(nullptr);
   line.resize(out.offset());
   return line;
 }

@@ -12,7 +12,7 @@ using kit::Fault;
 namespace {
 
 // Kept from one text to the next, so that it takes nothing from the heap.
-std::vector<const Field *> f_waiting;
+std::vector<const Field *> f_waiting;  // null: of variable length
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
@@ -176,13 +176,15 @@ void Writer::done(Place before, Place behindLead, bool wrapped) {
 }
 
 // A field that may be left out at the end of the record waits for one behind it that must be written.
-bool Writer::postponed(const Field *fixed, bool needed) {
+bool Writer::postponed(const Field *field, bool needed) {
   if (!m_shortened) return false;
   if (!needed) {
-    f_waiting.push_back(fixed);
+    f_waiting.push_back(field);
     return true;
   }
-  for (const Field *each : f_waiting) each == nullptr ? putField({}, {}) : putFixed(*each, {});
+  for (const Field *each : f_waiting) {
+    each == nullptr ? putField({}, {}) : each->shape == Shape::Fixed ? putFixed(*each, {}) : putRest({});
+  }
   f_waiting.clear();
   return false;
 }
@@ -196,8 +198,8 @@ void Writer::fixed(const Field &field, std::string_view text) {
   if (!postponed(&field, !text.empty())) putFixed(field, text);
 }
 
-void Writer::rest(std::string_view text) {
-  if (!postponed(nullptr, !text.empty())) putRest(text);
+void Writer::rest(const Field &field, std::string_view text) {
+  if (!postponed(&field, !text.empty())) putRest(text);
 }
 
 void Writer::putField(std::string_view text, Style style) {
@@ -253,7 +255,7 @@ void Writer::putRest(std::string_view text) {
   const bool marked =
       m_dialect.lineEnd == LineEnd::None &&
       collides(text, m_dialect.recordEnd.empty() ? m_dialect.tagFront.text : m_dialect.recordEnd.text);
-  if (breaks || marked || (m_line == 0 && mustQuote(text))) {
+  if (breaks || marked || looksLikeStart(text)) {
     throw Fault(Fault::kHere, "a value without line ends and marks", kit::quoted(std::string(text)));
   }
   plainValue(text);
@@ -302,24 +304,27 @@ void Writer::begin(const Literal *tag, bool quotedTag, bool shortened, std::stri
   }
 }
 
-void Writer::end() {
+void Writer::end(const Field *first) {
   if (!m_wraps.empty() && !m_shortened) {
     throw Fault(Fault::kHere, "fields up to those where the record is continued",
                 std::to_string(m_number) + " of them, and " + kit::quoted(std::string(m_wraps)),
                 "Leave the field of kind wraps empty");
   }
-  if (m_out.offset() == m_start && m_dialect.recordEnd.empty()) {
-    if (m_dialect.quoteByte != 0 && !m_dialect.terminated) {
-      quotedValue({});  // a record without a byte would be a blank line
-    } else {
-      m_blank = true;
-      if (m_dialect.skipBlank || m_dialect.lineEnd == LineEnd::None) blankLine();
-    }
-  }
+  if (m_out.offset() == m_start) standIn(first);
   put(m_dialect.recordEnd);
   if (m_dialect.maxRecord != 0 && m_line > m_dialect.maxRecord) tooLong();
   m_endPending = m_dialect.lineEnd != LineEnd::None;
   m_first = false;
+}
+
+// What stands for a record without a byte, which would be a blank line.
+void Writer::standIn(const Field *first) {
+  if (first != nullptr && first->shape == Shape::Fixed && !m_dialect.terminated) return putFixed(*first, {});
+  if (!m_dialect.recordEnd.empty()) return;
+  const bool rest = first != nullptr && first->shape == Shape::Rest;
+  if (m_dialect.quoteByte != 0 && !m_dialect.terminated && !rest) return quotedValue({});
+  m_blank = true;
+  if (m_dialect.skipBlank || m_dialect.lineEnd == LineEnd::None) blankLine();
 }
 
 void Writer::blankLine() {

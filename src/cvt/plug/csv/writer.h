@@ -37,8 +37,10 @@ class Writer {
     kit::copyShort(m_out.reserve(value.size()), value.data(), value.size());
   }
   void fixed(const Field &field, std::string_view value);
-  void rest(std::string_view value);
-  void end();
+  void rest(const Field &field, std::string_view value);
+
+  // first: the first field that the record may have, or null.
+  void end(const Field *first);
 
   // Behind the last record.
   void finish();
@@ -65,13 +67,14 @@ class Writer {
   void lead();
   void wrap();
   size_t wrapLength() const;
-  bool postponed(const Field *fixed, bool needed);
+  bool postponed(const Field *field, bool needed);
   void putField(std::string_view value, Style style);
   void putFixed(const Field &field, std::string_view value);
   void putRest(std::string_view value);
   void done(Place before, Place behindLead, bool wrapped);
   void endLine();
   bool wrapIsDue();
+  void standIn(const Field *first);
   [[noreturn]] static void blankLine();
   [[noreturn]] void tooLong() const;
 
