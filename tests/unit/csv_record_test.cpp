@@ -261,6 +261,24 @@ TEST_F(CsvRecords, AnEmptyRestThatMayBeMissingStandsAloneInItsLine) {
   same("M", s);
 }
 
+TEST_F(CsvRecords, ThatMayBeShortKeepEveryCountedRepetition) {
+  m_config.message("M", "nShort=\"1\"", {field("N"), loop("L", "CsvField", "", "", {}, "N"), field("After")});
+  m_config.message("Pairs", "nShort=\"1\"",
+                   {field("N"), loop("L", "CsvGroup", "", "", {field("X"), field("Y")}, "N")});
+  m_config.message("Fixed", "nShort=\"1\" psQuote=\"\"",
+                   {field("N"), loop("L", "CsvField", "nLen=\"2\" psPad=\" \"", "", {}, "N")});
+  m_config.message("Two", "",
+                   {record("A", "psTag=\"A\"", {field("N"), loop("L", "CsvField", "", "", {}, "N")}),
+                    record("B", "psTag=\"B\" nShort=\"1\" nMandatory=\"1\"", {field("F")})});
+  start();
+  for (const char *const ps : {"3,a,,\n", "1,\n", "2,,b\n", "1,a,c\n", "2,a,,c\n", "0\n"}) same("M", ps);
+  for (const char *const ps : {"2,a,b,c\n", "2,a,,\n", "1,\n"}) same("Pairs", ps);
+  EXPECT_EQ(pass("Pairs", "2,a,,,\n"), "2,a,,\n");
+  same("Fixed", "2,  a \n");
+  same("Fixed", "2,    \n");
+  same("Two", "A,2,,\nB\n");
+}
+
 // --- End marks and continued records
 // -------------------------------------------------------------------------------
 

@@ -193,6 +193,7 @@ void Generator::fieldLoop(const Compound &loop, const List &values) {
   checkTimes(loop, times);
   for (int i = 0; i < times; ++i) {
     m_path.repetition(i);
+    if (loop.countSlot >= 0) m_write.see();
     members(loop.fields, values.repetition(loop.slot, i, loop.bodySlots));
   }
   m_path.repetition(-1);

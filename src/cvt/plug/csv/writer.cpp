@@ -1,6 +1,7 @@
 #include "writer.h"
 
 #include <charconv>
+#include <utility>
 
 #include "kit/fault.h"
 #include "kit/log.h"
@@ -178,7 +179,7 @@ void Writer::done(Place before, Place behindLead, bool wrapped) {
 // A field that may be left out at the end of the record waits for one behind it that must be written.
 bool Writer::postponed(const Field *field, bool needed) {
   if (!m_shortened) return false;
-  if (!needed) {
+  if (!std::exchange(m_seen, false) && !needed) {
     f_waiting.push_back(field);
     return true;
   }
@@ -287,6 +288,7 @@ void Writer::begin(const Literal *tag, bool quotedTag, bool shortened, std::stri
   m_number = 0;
   m_separate = false;
   m_shortened = shortened;
+  m_seen = false;
   m_simple = !shortened && wraps.empty() && !m_dialect.terminated && m_dialect.maxRecord == 0 &&
              m_dialect.maxField == 0 && m_dialect.charset->containsAscii();
   f_waiting.clear();

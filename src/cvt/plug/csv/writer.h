@@ -36,6 +36,9 @@ class Writer {
     m_out.put(m_dialect.separator.bytes);
     kit::copyShort(m_out.reserve(value.size()), value.data(), value.size());
   }
+  // The next field must be seen, be it empty: a counted repetition begins with it.
+  void see() { m_seen = true; }
+
   void fixed(const Field &field, std::string_view value);
   void rest(const Field &field, std::string_view value);
 
@@ -91,6 +94,7 @@ class Writer {
   size_t m_start = 0;   // offset of the record
   size_t m_number = 0;  // of the field, from 1
   bool m_shortened = false;
+  bool m_seen = false;    // the next field is not left out
   bool m_simple = false;  // fields of the record may be written without further ado
   std::string_view m_wraps;
 };
