@@ -134,6 +134,18 @@ TEST(FixField, CharacterSetOfTheMessageHoldsForAllFields) {
   EXPECT_NE(f.write("中").find("expected characters that the set has of WINDOWS-1252"), std::string::npos);
 }
 
+TEST(FixField, TextIsNotWrittenWithLikeCharactersOfTheSet) {
+  {
+    const OneField f("nLen=\"6\"", "psCharset=\"WINDOWS-31J\"");
+    f.both("\x93\xFA\\   ", "日\\");
+    EXPECT_EQ(f.write("¥500"),
+              "Msg[M] Field[F] Offset[0]: expected characters that the set has of WINDOWS-31J, found "
+              "\"\\xC2\\xA5500\". Correct the text, or psCharset.");
+  }
+  const OneField f("nLen=\"6\"", "psCharset=\"IBM930\"");
+  EXPECT_NE(f.write("a·b").find("expected characters that the set has of IBM930"), std::string::npos);
+}
+
 TEST(FixField, AsciiAloneRefusesAnythingElse) {
   const OneField f("nLen=\"6\"", "psCharset=\"US-ASCII\"");
   f.both("abc   ", "abc");

@@ -126,6 +126,51 @@ TEST(KitCharset, CharactersThatTheSetLacksAreRefused) {
   EXPECT_EQ(encode("GB18030", "A\xFF"), "!invalid at 1");
 }
 
+TEST(KitCharset, LikeCharactersAreNotWrittenForOnesThatTheSetLacks) {
+  const struct {
+    const char *set;
+    const char *utf8;
+    const char *expected;
+  } cases[] = {
+      {"IBM930", "x·y", "!unmappable at 1"},
+      {"IBM930", "é", "!unmappable at 0"},
+      {"IBM933", "é", "!unmappable at 0"},
+      {"IBM937", "é", "!unmappable at 0"},
+      {"IBM939", "é", "!unmappable at 0"},
+      {"IBM1371", "é", "!unmappable at 0"},
+      {"IBM943", "aé", "!unmappable at 1"},
+      {"IBM932", "aé", "!unmappable at 1"},
+      {"WINDOWS-31J", "¥500", "!unmappable at 0"},
+      {"CP932", "5¥", "!unmappable at 1"},
+      {"EUC-JP", "日¥", "!unmappable at 3"},
+      {"EUC-JP", "日‾", "!unmappable at 3"},
+      {"EUC-KR", "₩", "!unmappable at 0"},
+      {"WINDOWS-31J", "¥€", "!unmappable at 0"},
+      {"WINDOWS-31J", "a¥\xE4\xB8", "!unmappable at 1"},
+  };
+  for (const auto &c : cases) EXPECT_EQ(encode(c.set, c.utf8), c.expected) << c.set << " " << c.utf8;
+}
+
+TEST(KitCharset, WhatStandsBeforeALackingCharacterIsWritten) {
+  char out[16];
+  const std::string text = "日¥";
+  const Converted done = Charset::find("EUC-JP")->encode(text.data(), text.size(), out, sizeof out);
+  EXPECT_EQ(done.damage, Damage::Unmappable);
+  EXPECT_EQ(done.read, 3U);
+  EXPECT_EQ(std::string(out, done.written), "\xC6\xFC");
+}
+
+TEST(KitCharset, LongTextsOfSeveralBytesComeBack) {
+  for (const char *set : {"BIG5", "EUC-JP", "GBK", "UTF-16", "ISO-2022-JP", "IBM939", "EUC-KR"}) {
+    std::string text;
+    for (int i = 0; i < 400; ++i) text += "中a";
+    std::string bytes(8000, '?');
+    const Converted done = Charset::find(set)->encode(text.data(), text.size(), bytes.data(), bytes.size());
+    ASSERT_EQ(done.damage, Damage::None) << set;
+    EXPECT_EQ(decode(set, bytes.substr(0, done.written)), text) << set;
+  }
+}
+
 TEST(KitCharset, WhatFitsEndsBetweenTwoCharacters) {
   char out[16];
   const std::string two = "中国";

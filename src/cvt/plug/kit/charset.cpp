@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstring>
 #include <map>
+#include <string_view>
 #include <vector>
 
 #include "bytes.h"
@@ -22,6 +23,10 @@ constexpr size_t kCodeSize = 4;
 
 // More than any shift sequence that closes a text.
 constexpr size_t kShiftRoom = 8;
+
+// Of a text that is read back, at a time; and what a set may keep back for a character that may follow.
+constexpr size_t kPart = 512;
+constexpr size_t kKeptRoom = 16;
 
 bool namesUtf8(const char *name) {
   return strcasecmp(name, "UTF-8") == 0 || strcasecmp(name, "UTF8") == 0;
@@ -46,13 +51,19 @@ class Charset::Converter {
     reset();
     Converted result = step(in, n, out, room);
     if (close && (result.damage == Damage::None || result.damage == Damage::NoRoom)) {
-      char *end = out + result.written;
-      size_t left = room - result.written;
-      const size_t status = iconv(m_iconv, nullptr, nullptr, &end, &left);
-      result.written = static_cast<size_t>(end - out);
-      if (status == static_cast<size_t>(-1)) return {result.read, result.written, Damage::Cut};
+      const Converted end = finish(out + result.written, room - result.written);
+      result.written += end.written;
+      if (end.damage != Damage::None) result.damage = end.damage;
     }
     return result;
+  }
+
+  // What was kept back for a character that may follow, and the way to the initial shift state.
+  Converted finish(char *out, size_t room) const {
+    char *target = out;
+    size_t space = room;
+    const size_t status = iconv(m_iconv, nullptr, nullptr, &target, &space);
+    return {0, room - space, status == static_cast<size_t>(-1) ? Damage::Cut : Damage::None};
   }
 
   void reset() const { iconv(m_iconv, nullptr, nullptr, nullptr, nullptr); }
@@ -155,7 +166,9 @@ bool Charset::open() {
   m_toCodes = std::make_unique<Converter>(kCodes, m_name.c_str());
   if (!m_toUtf8->ok() || !m_fromUtf8->ok() || !m_toCodes->ok()) return false;
   classify();
-  return true;
+  if (m_kind == Kind::Iconv && !hasAllOfUnicode())
+    m_back = std::make_unique<Converter>(kUtf8, m_name.c_str());
+  return m_back == nullptr || m_back->ok();
 }
 
 void Charset::classify() {
@@ -182,6 +195,13 @@ void Charset::classify() {
   std::stable_sort(table->encodeHigh.begin(), table->encodeHigh.end());
   m_table = std::move(table);
   m_kind = Kind::Table;
+}
+
+// Only sets that are made for it have Unicode's last character.
+bool Charset::hasAllOfUnicode() const {
+  const std::string_view last = "\U0010FFFD";
+  char bytes[32];
+  return m_fromUtf8->run(last.data(), last.size(), bytes, sizeof bytes).damage == Damage::None;
 }
 
 size_t Charset::decodedRoom(size_t n) const {
@@ -224,6 +244,15 @@ Converted Charset::encode(const char *in, size_t n, char *out, size_t room) cons
     return {checked.read, checked.read, checked.damage};
   }
   if (m_kind == Kind::Table) return encodeByTable(in, n, out, room);
+  const Converted result = encodeByIconv(in, n, out, room);
+  if (m_back == nullptr) return result;
+  const size_t same = comesBack(in, result.read, out, result.written);
+  if (same == result.read) return result;
+  const Converted before = encodeByIconv(in, same, out, room);
+  return before.damage == Damage::None ? Converted{same, before.written, Damage::Unmappable} : before;
+}
+
+Converted Charset::encodeByIconv(const char *in, size_t n, char *out, size_t room) const {
   const Converted checked = checkUtf8(in, n);
   Converted result = m_fromUtf8->run(in, checked.read, out, room);
   // A text that was cut for room must still have room for the sequence that closes it.
@@ -248,6 +277,25 @@ Converted Charset::encodeByTable(const char *in, size_t n, char *out, size_t roo
     read += static_cast<size_t>(next.length);
   }
   return {read, written, Damage::None};
+}
+
+// How much of a text comes back from its bytes, up to the end of a character.
+size_t Charset::comesBack(const char *in, size_t n, const char *bytes, size_t size) const {
+  char part[kPart + kKeptRoom];
+  size_t same = 0;
+  m_back->reset();
+  for (bool more = true; more;) {
+    Converted back = m_back->step(bytes, size, part, kPart);
+    bytes += back.read;
+    size -= back.read;
+    more = back.damage == Damage::NoRoom;
+    if (!more) back.written += m_back->finish(part + back.written, sizeof part - back.written).written;
+    const size_t some = std::min(back.written, n - same);
+    const auto equal = static_cast<size_t>(std::mismatch(part, part + some, in + same).first - part);
+    same += equal;
+    if (equal < some) break;
+  }
+  return cutUtf8(in, n, same);
 }
 
 Converted Charset::measure(const char *in, size_t n, size_t characters) const {

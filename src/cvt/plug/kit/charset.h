@@ -4,6 +4,8 @@
 // unloaded. Conversion is strict: a byte sequence that is no character, one that is cut off, or a character
 // the other set lacks is an error with its offset, never a replacement character. Bytes that are all ASCII
 // are copied without iconv when the set contains ASCII; sets of one byte a character are converted by table.
+// What iconv wrote in any other set is read back: some tables of the C library have like characters for those
+// that the set lacks.
 #pragma once
 
 #include <cstddef>
@@ -75,8 +77,11 @@ class Charset {
   explicit Charset(const char *name);
   bool open();      // false: iconv does not know the set
   void classify();  // one byte a character, contains ASCII
+  bool hasAllOfUnicode() const;
 
   Converted encodeByTable(const char *in, size_t n, char *out, size_t room) const;
+  Converted encodeByIconv(const char *in, size_t n, char *out, size_t room) const;
+  size_t comesBack(const char *in, size_t n, const char *bytes, size_t size) const;
 
   std::string m_name;
   Kind m_kind = Kind::Iconv;
@@ -84,6 +89,7 @@ class Charset {
   std::unique_ptr<Converter> m_toUtf8;
   std::unique_ptr<Converter> m_fromUtf8;
   std::unique_ptr<Converter> m_toCodes;  // for measuring: four bytes a character
+  std::unique_ptr<Converter> m_back;     // reads what was written; null: all of Unicode comes back
   std::unique_ptr<Table> m_table;
 };
 
