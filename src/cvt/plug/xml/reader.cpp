@@ -119,7 +119,6 @@ void Reader::limit(size_t attributes) const {
 }
 
 void Reader::open(const Name &name, Attributes attributes, size_t declarations) {
-  if (!m_only.empty()) collect({});
   ++m_depth;
   limit(attributes.size() + declarations);
   if (m_skipped > 0) {
@@ -150,6 +149,7 @@ int Reader::child(const Frame &top, const Name &name, Attributes attributes) con
 }
 
 void Reader::openChild(Frame &top, const Name &name, Attributes attributes) {
+  if (top.element->text.has_value()) part(top);
   const int found = child(top, name, attributes);
   if (found < 0) {
     if (!m_plan.skipUnknown) unknown(top, name, attributes);
@@ -181,10 +181,12 @@ void Reader::openChild(Frame &top, size_t position, Attributes attributes) {
   enter(child, top.list, attributes);
 }
 
-// Not a child that has come already, unless it repeats, nor one of several that a value tells apart.
+// Not a child that has come already, unless it repeats, nor one of several that a value tells apart, nor one beside
+// a text, which it parts.
 const Element *Reader::expected() const {
-  if (m_skipped > 0 || m_room.frames.empty() || !m_only.empty()) return nullptr;
+  if (m_skipped > 0 || m_room.frames.empty()) return nullptr;
   const Frame &top = m_room.frames.back();
+  if (top.element->text.has_value()) return nullptr;
   if (top.nextChild >= top.element->children.size()) return nullptr;
   const Element &child = top.element->children[top.nextChild];
   const bool comes = child.loop() || m_room.seen[top.seenStart + top.nextChild] == 0;
@@ -286,11 +288,42 @@ void Reader::collect(std::string_view bytes) {
   m_only = {};
 }
 
+std::string_view Reader::textOf(const Frame &frame) const {
+  const std::string_view collected = std::string_view(m_room.text).substr(frame.textStart);
+  return collected.empty() ? m_only : collected;
+}
+
+// An element comes in one that has a text: white space in front of it is layout, anything else is the whole text.
+void Reader::part(Frame &frame) {
+  frame.parted = true;
+  if (frame.textDone) return;
+  if (trimmed(textOf(frame)).empty()) {
+    m_room.text.resize(frame.textStart);
+    m_only = {};
+  } else {
+    collect({});
+    frame.textDone = true;
+  }
+}
+
+// Whether it is text at all, and not layout behind the elements.
+bool Reader::takesMore(const Frame &frame, std::string_view bytes) const {
+  if (!frame.textDone) return true;
+  const std::string_view inner = trimmed(bytes);
+  if (inner.empty()) return false;
+  const Element &element = *frame.element;
+  if (!element.field) m_call.path.field(element.text->node);
+  throw Fault(offsetOf(inner), "the text of <" + element.name + "> in one place", "text " + quoted(inner),
+              "A text that goes on behind an element is no single value");
+}
+
 void Reader::text(std::string_view bytes, Bytes bytesAre) {
   if (m_skipped > 0) return;
-  const Element &element = *m_room.frames.back().element;
+  const Frame &top = m_room.frames.back();
+  const Element &element = *top.element;
   if (element.text.has_value()) {
-    const bool first = m_only.empty() && m_room.text.size() == m_room.frames.back().textStart;
+    if (!takesMore(top, bytes)) return;
+    const bool first = m_only.empty() && m_room.text.size() == top.textStart;
     if (first && bytesAre == Bytes::Staying) {
       m_only = bytes;
     } else {
@@ -320,8 +353,9 @@ void Reader::close() {
   const Element &element = *frame.element;
   if (element.text.has_value()) {
     if (!element.field) m_call.path.field(element.text->node);
-    const std::string_view collected = std::string_view(m_room.text).substr(frame.textStart);
-    store(*element.text, frame.list, collected.empty() ? m_only : collected);
+    std::string_view text = textOf(frame);
+    if (frame.parted && trimmed(text).empty()) text = {};
+    store(*element.text, frame.list, text);
     m_only = {};
     if (!element.field) m_call.path.field(nullptr);
   }

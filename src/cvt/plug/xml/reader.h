@@ -21,10 +21,12 @@ using Attributes = std::span<const Given>;
 // An open element.
 struct Frame {
   const Element *element;
-  kit::List list;    // the values of its fields
-  size_t textStart;  // its text so far: from here in Room::text
-  size_t seenStart;  // one flag a child and one an attribute: from here in Room::seen
-  size_t nextChild;  // the child that comes next when the document keeps the definition's order
+  kit::List list;         // the values of its fields
+  size_t textStart;       // its text so far: from here in Room::text
+  size_t seenStart;       // one flag a child and one an attribute: from here in Room::seen
+  size_t nextChild;       // the child that comes next when the document keeps the definition's order
+  bool parted = false;    // an element in it has come
+  bool textDone = false;  // its text has come, and an element behind it
 };
 
 // Memory that a reader and its parser need and that stays for the next document.
@@ -69,6 +71,9 @@ class Reader {
   kit::List repetition(const Element &child, kit::List &list);
   int child(const Frame &top, const Name &name, Attributes attributes) const;
   void collect(std::string_view bytes);
+  void part(Frame &frame);
+  bool takesMore(const Frame &frame, std::string_view bytes) const;
+  std::string_view textOf(const Frame &frame) const;
   size_t offsetOf(std::string_view text) const;
   void attributes(const Frame &frame, Attributes given);
   void attribute(const Frame &frame, const Given &given);
