@@ -1,6 +1,7 @@
 #include "rule.h"
 
 #include <charconv>
+#include <cstring>
 
 #include "charset.h"
 #include "fault.h"
@@ -58,6 +59,17 @@ std::string_view constantToWrite(const Rule &rule, std::string_view value) {
               "Leave the value empty or equal to psConst");
 }
 
+// What the definition itself supplies must be a value that the field can have.
+void checkSupplied(const char *attribute, const char *value, const RuleText &text, const std::string &path,
+                   const void *record) {
+  if (value == nullptr || text.nMaxLen == 0) return;
+  const size_t characters = Charset::countUtf8(value, std::strlen(value));
+  if (characters <= static_cast<size_t>(text.nMaxLen)) return;
+  throw Misconfigured(
+      path, record, std::string(attribute) + " of at most " + std::to_string(text.nMaxLen) + " characters",
+      std::to_string(characters) + ", " + quotedText(value), "Raise nMaxLen, or shorten the value");
+}
+
 }  // namespace
 
 Rules::Rules(const Level &level) : m_level(level), m_counted(level.nodes.size(), kNone) {
@@ -72,6 +84,8 @@ Rule Rules::make(size_t position, const RuleText &text, const std::string &path,
   if (text.psDefault != nullptr && text.psConst != nullptr) {
     throw Misconfigured(path, record, "psDefault or psConst", "both", "A constant needs no default");
   }
+  checkSupplied("psDefault", text.psDefault, text, path, record);
+  checkSupplied("psConst", text.psConst, text, path, record);
   const Node &node = m_level.nodes[position];
   const int counted = m_counted[position];
   const bool supplied = text.psDefault != nullptr || text.psConst != nullptr;

@@ -54,7 +54,7 @@ class Rules {
   explicit Rules(const Level &level);
 
   // The rule of the field at that position of the level. path and record say where it is written. Throws
-  // Misconfigured for a constant with a default, for a count field with either or of two loops, and for a
+  // Misconfigured for a constant with a default, for either that is too long, for a count field with either or of two loops, and for a
   // position outside of any loop or on what is supplied otherwise.
   Rule make(size_t position, const RuleText &text, const std::string &path, const void *record) const;
 
