@@ -279,6 +279,55 @@ TEST_F(CsvRecords, ThatMayBeShortKeepEveryCountedRepetition) {
   same("Two", "A,2,,\nB\n");
 }
 
+TEST_F(CsvRecords, AnEmptyLastFieldBehindAFixedOneCanBeReadAgain) {
+  const std::vector<FormatNode> fixed = {field("A", "nLen=\"2\""), field("B")};
+  m_config.message("Quotes", "", fixed);
+  m_config.message("Plain", "psQuote=\"\"", fixed);
+  m_config.message("Marked", "psQuote=\"\" psRecordEnd=\"/\"", fixed);
+  m_config.message("Rest", "", {field("A", "nLen=\"2\""), field("B", "psKind=\"rest\"")});
+  m_config.message("Three", "psQuote=\"\"", {field("A", "nLen=\"2\""), field("B"), field("C")});
+  m_config.message("Must", "psQuote=\"\"", {field("A", "nLen=\"2\""), field("B", "nMandatory=\"1\"")});
+  m_config.message("Loop", "", {field("A", "nLen=\"2\""), loop("L", "CsvField", "", "", {})});
+  m_config.message("Counted", "psQuote=\"\"",
+                   {field("N", "nLen=\"1\""), loop("L", "CsvField", "", "", {}, "N")});
+  m_config.message("Short", "psQuote=\"\" nShort=\"1\"",
+                   {field("N", "nLen=\"1\""), loop("L", "CsvField", "", "", {}, "N")});
+  start();
+  for (const char *const ps : {"xx\"\"\n", "xxb\n"}) same("Quotes", ps);
+  refused("Quotes", "xx\n", "Field[B] Offset[2]: expected another field in the record, found its end.");
+  const Text text = create("Quotes");
+  set(text, "A", "xx");
+  EXPECT_EQ(generate(text), "xx\"\"\n");
+  for (const char *const ps : {"xx\n", "xxb\n"}) same("Plain", ps);
+  for (const char *const ps : {"xx/\n", "xxb/\n"}) same("Marked", ps);
+  for (const char *const ps : {"xx\n", "xxb,c\n"}) same("Rest", ps);
+  for (const char *const ps : {"xx,\n", "xx,c\n"}) same("Three", ps);
+  refused("Three", "xx\n", "Field[C] Offset[2]: expected another field in the record, found its end.");
+  refused("Must", "xx\n", "Field[B] Offset[2]: expected a value, found none.");
+  for (const char *const ps : {"xx\n", "xx\"\"\n", "xxa,\n"}) same("Loop", ps);
+  for (const std::string sName : {"Counted", "Short"}) {
+    for (const char *const ps : {"0\n", "1\n", "1a\n", "2,\n"}) same(sName, ps);
+    refused(sName, "2\n", "Field[L[1]] Offset[2]: expected 2 repetitions, found 1.");
+  }
+}
+
+TEST_F(CsvRecords, AnEmptyLastFieldBehindATagInBracesCanBeReadAgain) {
+  const std::vector<FormatNode> one = {record("R", "psTag=\"10\" nMandatory=\"1\"", {field("B")}),
+                                       record("S", "psTag=\"20\"", {field("C")})};
+  const std::string sBraces = "psTagFront=\"{\" psTagBack=\"}\" ";
+  m_config.message("Quotes", sBraces, one);
+  m_config.message("Plain", sBraces + "psQuote=\"\"", one);
+  m_config.message("Line", sBraces + "psQuote=\"\" psLineEnd=\"none\"", one);
+  m_config.message("Rest", sBraces,
+                   {record("R", "psTag=\"10\" nMandatory=\"1\"", {field("B", "psKind=\"rest\"")})});
+  start();
+  EXPECT_EQ(generate(create("Quotes")), "{10}\"\"\n");
+  for (const char *const ps : {"{10}\"\"\n", "{10}\"\"\n{20}c\n"}) same("Quotes", ps);
+  for (const char *const ps : {"{10}\n", "{10}\n{20}c\n"}) same("Plain", ps);
+  for (const char *const ps : {"{10}", "{10}{20}c"}) same("Line", ps);
+  for (const char *const ps : {"{10}\n", "{10}a,\"\n"}) same("Rest", ps);
+}
+
 // --- End marks and continued records
 // -------------------------------------------------------------------------------
 

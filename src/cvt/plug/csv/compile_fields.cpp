@@ -176,6 +176,7 @@ Item Compiler::fieldLoop(const Scope &scope, size_t at) {
   for (size_t i = 0; i < body.nodes.size(); i = static_cast<size_t>(body.nodes[i].next)) {
     loop.fields.push_back(member(inner, i));
   }
+  loop.first = firstField(loop.fields);
   return item;
 }
 

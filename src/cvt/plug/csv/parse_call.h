@@ -52,7 +52,8 @@ class Parser {
   // Fields.
   void members(const std::vector<Item> &members, const Compound &record, kit::List values);
   void field(const Field &field, const Compound &record, kit::List values);
-  void absent(const Field &field, const Compound &record);
+  bool standsInNothing(const Field &field) const;
+  void absent(const Field &field, const Compound &record, kit::List values);
   void put(const Field &field, const Token &token, kit::List values);
   void putUnescaped(const Field &field, const Token &token, kit::List values);
   void choice(const Compound &choice, const Compound &record, kit::List values);

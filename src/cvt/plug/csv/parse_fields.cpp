@@ -36,7 +36,17 @@ void Parser::noteWrap() {
   m_room.wraps.append(digits, static_cast<size_t>(end - digits));
 }
 
-void Parser::absent(const Field &field, const Compound &record) {
+// Whether an empty field needs no byte where no separator is between it and what stands before.
+bool Parser::standsInNothing(const Field &field) const {
+  if (field.shape == Shape::Rest) return true;
+  return field.shape == Shape::Variable && m_plan.dialect.quoteByte == 0 && !m_plan.dialect.terminated;
+}
+
+void Parser::absent(const Field &field, const Compound &record, List values) {
+  if (m_reader.bare()) {
+    const Token nothing = m_reader.nothing();
+    if (!record.shortened && standsInNothing(field)) return put(field, nothing, values);
+  }
   if (!record.shortened) {
     throw Fault(m_reader.stop(), "another field in the record", "its end",
                 "Write it, be it empty, or set nShort");
@@ -47,7 +57,7 @@ void Parser::absent(const Field &field, const Compound &record) {
 
 void Parser::field(const Field &field, const Compound &record, List values) {
   m_path.field(field.node);
-  if (!m_reader.more()) return absent(field, record);
+  if (!m_reader.more()) return absent(field, record, values);
   if (record.wrapsSlot >= 0) noteWrap();
   ++m_number;
   if (field.shape == Shape::Variable) {
@@ -136,7 +146,7 @@ void Parser::fieldLoop(const Compound &loop, const Compound &record, List values
   for (; counted ? done < times : m_reader.more(); ++done) {
     m_path.repetition(static_cast<int>(done));
     m_call.end = m_reader.here();
-    if (counted && !m_reader.more()) {
+    if (counted && !m_reader.more() && !(m_reader.bare() && standsInNothing(*loop.first))) {
       throw Fault(m_reader.here(), std::to_string(times) + " repetitions", std::to_string(done),
                   "Correct the count");
     }

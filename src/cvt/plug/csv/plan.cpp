@@ -14,6 +14,11 @@ bool holds(const std::vector<std::string> &values, std::string_view value) {
 
 }  // namespace
 
+const Field *firstField(const std::vector<Item> &fields) {
+  if (fields.empty()) return nullptr;
+  return fields[0].kind == ItemKind::Field ? &fields[0].field : firstField(fields[0].compound->fields);
+}
+
 bool collides(std::string_view value, std::string_view mark) {
   for (size_t at = value.find(mark[0]); at != std::string_view::npos; at = value.find(mark[0], at + 1)) {
     const std::string_view tail = value.substr(at);

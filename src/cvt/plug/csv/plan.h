@@ -101,10 +101,11 @@ struct Compound {
   std::vector<Item> fields;   // of a record; members of a group or a choice, body of a loop of fields
   std::vector<Item> records;  // that belong to a record; members of a group, body of a loop of records
 
+  const Field *first = nullptr;  // of a record, of a loop of fields
+
   // Records, and how what begins with records may begin.
   int tag = -1;  // position of the record's tag; -1: it has none
   Literal tagText;
-  const Field *first = nullptr;
   bool shortened = false;  // fields at the end may be missing
   bool header = false;     // a line of column names stands before it
   bool byColumn = false;   // its fields come in the order of that line
@@ -157,6 +158,9 @@ struct Plan {
 
 // Value of a field of kind end when the message ended without its last line end.
 inline constexpr std::string_view kOpenEnd = "open";
+
+// The first field that may stand in the text, or null.
+const Field *firstField(const std::vector<Item> &fields);
 
 // Whether a mark would be found inside the value, or begin there, when the mark stands behind it.
 bool collides(std::string_view value, std::string_view mark);

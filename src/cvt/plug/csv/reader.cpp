@@ -165,6 +165,7 @@ void Reader::findQuotedTag() {
 void Reader::open(bool tagged) {
   m_begun = false;
   m_continued = false;
+  m_bare = false;
   m_from = m_at;
   if (!tagged) {
     m_more = !m_dialect.terminated || !takeEnd();
@@ -173,6 +174,7 @@ void Reader::open(bool tagged) {
   if (!m_dialect.tagBack.empty()) {
     m_at = m_tagEnd;
     m_more = !takeEnd();
+    m_bare = !m_more;
     return;
   }
   const char *const behind = at(m_tagEnd, m_dialect.separator) ? m_tagEnd + m_dialect.separator.text.size()
@@ -303,6 +305,7 @@ Token Reader::fixed(size_t characters) {
   m_at += length;
   m_continued = false;
   m_more = !takeEnd();
+  m_bare = !m_more;
   return token;
 }
 

@@ -69,6 +69,15 @@ class Reader {
   Token fixed(size_t characters);
   Token rest();
 
+  // Whether the record ended just behind a field of fixed length, or its tag, that no separator ends: a last
+  // field that is empty leaves nothing there. It is nothing().
+  bool bare() const { return m_bare; }
+  Token nothing() {
+    m_bare = false;
+    m_from = m_stop;
+    return {{m_stop, 0}, false, false};
+  }
+
   // A fault unless the record has no more fields.
   void close();
 
@@ -158,6 +167,7 @@ class Reader {
   bool m_begun = false;
   bool m_more = false;
   bool m_separated = false;
+  bool m_bare = false;
   bool m_continued = false;
   bool m_open = false;
   LineEnd m_lineEnd = LineEnd::Any;  // of the first line; Any: none was seen yet

@@ -46,11 +46,6 @@ void orderByTag(Compound &group, size_t tags, const CsvMsg &text) {
   }
 }
 
-const Field *firstField(const std::vector<Item> &fields) {
-  if (fields.empty()) return nullptr;
-  return fields[0].kind == ItemKind::Field ? &fields[0].field : firstField(fields[0].compound->fields);
-}
-
 void starts(Item &item, size_t tags, const CsvMsg &text) {
   Compound &compound = *item.compound;
   compound.starts.assign(tags, false);

@@ -222,6 +222,7 @@ void Writer::putField(std::string_view text, Style style) {
                 kit::quoted(std::string(text)), "Without quotes they cannot be told from the text's own");
   }
   if (m_dialect.terminated) put(m_dialect.separator);
+  if (!m_separate && m_out.offset() == before.offset) m_bare = before.offset;
   m_separate = true;
   done(before, behindLead, wrapped);
 }
@@ -284,7 +285,7 @@ void Writer::line(std::string_view bytes) {
 
 void Writer::begin(const Literal *tag, bool quotedTag, bool shortened, std::string_view wraps) {
   endLine();
-  m_start = m_out.offset();
+  m_start = m_bare = m_out.offset();
   m_number = 0;
   m_separate = false;
   m_shortened = shortened;
@@ -312,7 +313,11 @@ void Writer::end(const Field *first) {
                 std::to_string(m_number) + " of them, and " + kit::quoted(std::string(m_wraps)),
                 "Leave the field of kind wraps empty");
   }
-  if (m_out.offset() == m_start) standIn(first);
+  if (m_out.offset() == m_start) {
+    standIn(first);
+  } else if (m_out.offset() == m_bare && m_dialect.quoteByte != 0) {
+    quotedValue({});  // nothing separates the empty last field from what stands before it
+  }
   put(m_dialect.recordEnd);
   if (m_dialect.maxRecord != 0 && m_line > m_dialect.maxRecord) tooLong();
   m_endPending = m_dialect.lineEnd != LineEnd::None;

@@ -92,6 +92,7 @@ class Writer {
   bool m_blank = false;  // nothing stands in the record's line
   size_t m_line = 0;
   size_t m_start = 0;   // offset of the record
+  size_t m_bare = 0;    // of an empty field that left no byte
   size_t m_number = 0;  // of the field, from 1
   bool m_shortened = false;
   bool m_seen = false;    // the next field is not left out
