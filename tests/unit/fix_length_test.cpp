@@ -249,6 +249,52 @@ TEST(FixLength, FieldsWithoutAValueAreLeftOutAtTheEndOnly) {
   EXPECT_EQ(generate(message), "T  b*\n");
 }
 
+TEST(FixLength, FieldWithoutAValueAtTheEndOfAGroupIsWrittenBeforeAValueBehindTheGroup) {
+  const FormatNode own = field("O1", "nLen=\"2\" nOptional=\"1\"");
+  const FormatNode later = field("O2", "nLen=\"2\" nOptional=\"1\"");
+  const std::vector<FormatNode> groups = {
+      group("G", "", {own}), group("G", "", {group("H", "", {own})}),
+      group("G", "FixGroup psKind=\"choice\" psBy=\"K\"",
+            {group("H", "FixGroup psWhen=\"k\"", {own}),
+             group("I", "", {field("O3", "nLen=\"2\" nOptional=\"1\"")})})};
+  for (const FormatNode &inner : groups) {
+    const OneMessage m({record("R", "", {field("K", "nLen=\"1\""), inner, later})}, "psSeparator=\"lf\"");
+    const Record message = create("M");
+    set(message, "K", "k");
+    EXPECT_EQ(generate(message), "k\n");
+    set(message, "O2", "22");
+    EXPECT_EQ(generate(message), "k  22\n");
+    set(message, "O1", "11");
+    EXPECT_EQ(generate(message), "k1122\n");
+    for (const char *bytes : {"k\n", "k11\n", "k  \n", "k  22\n", "k1122\n", "k    \n"}) expectSame(bytes);
+  }
+}
+
+TEST(FixLength, FieldOfAnotherAlternativeIsNotBehindOne) {
+  const OneMessage m(
+      {record("R", "",
+              {field("K", "nLen=\"1\""),
+               group("C", "FixGroup psKind=\"choice\" psBy=\"K\"",
+                     {group("G", "FixGroup psWhen=\"a\"", {field("A", "nLen=\"2\" nOptional=\"1\"")}),
+                      group("H", "", {field("B", "nLen=\"2\" nOptional=\"1\"")})})})},
+      "psSeparator=\"lf\"");
+  const Record message = create("M");
+  set(message, "K", "a");
+  set(message, "B", "");
+  EXPECT_EQ(generate(message), "a\n");
+}
+
+TEST(FixLength, FieldWithoutAValueAtTheEndOfAGroupIsWrittenBeforeAValueAtTheEndOfTheMessage) {
+  const OneMessage m({record("R", "nLen=\"1\" psSeparator=\"lf\"", {field("K", "nLen=\"1\"")}),
+                      group("G", "", {field("O1", "nLen=\"2\" nOptional=\"1\"")}),
+                      field("O2", "nLen=\"2\" nOptional=\"1\"")});
+  expectSame("k\n");
+  expectSame("k\n  22");
+  const Record message = create("M");
+  set(message, "O2", "22");
+  EXPECT_EQ(generate(message), " \n  22");
+}
+
 TEST(FixLength, OptionalFieldMayHaveItsLengthBeforeIt) {
   const OneMessage m(
       {record("R", "",

@@ -38,7 +38,7 @@ class LevelCompiler {
     m_plan.slots = m_shape.slots;
     m_plan.ops.resize(m_shape.nodes.size());
     members(0, m_shape.nodes.size(), m_outer, m_inRecord, false);
-    if (m_scope == nullptr) checkTail(m_plan, 0, m_plan.ops.size(), m_outer, nullptr);
+    if (m_scope == nullptr) linkTail(m_plan, 0, m_plan.ops.size(), m_outer, nullptr);
     findPlainRuns(m_plan);
     return std::move(m_plan);
   }
@@ -250,8 +250,8 @@ class LevelCompiler {
   }
 
   // A node that asks where the record ends must have an answer.
-  void recordEnd(size_t i, RecordPlan &plan, const FixRecord &record, const std::string &path) const {
-    checkTail(m_plan, i + 1, next(i), path, &record);
+  void recordEnd(size_t i, RecordPlan &plan, const FixRecord &record, const std::string &path) {
+    linkTail(m_plan, i + 1, next(i), path, &record);
     const bool tail = hasTail(m_plan, i + 1, next(i));
     const bool asks = tail || hasOpenLoop(m_plan, i + 1, next(i));
     if (asks && plan.end == End::Filled) {

@@ -55,10 +55,34 @@ class TailCheck {
   const void *m_record;
 };
 
+int linkMembers(LevelPlan &level, size_t from, size_t to, int behind);
+
+// The first optional field of the node, when nothing else can stand before it; `behind`: that of what follows.
+int linkNode(LevelPlan &level, size_t i, int behind) {
+  const Op &op = level.ops[i];
+  const auto next = static_cast<size_t>(op.next);
+  if (op.kind == Kind::Group) return linkMembers(level, i + 1, next, behind);
+  if (op.kind == Kind::Choice) {
+    for (size_t child = i + 1; child < next; child = static_cast<size_t>(level.ops[child].next))
+      linkNode(level, child, behind);
+  }
+  if (!isField(op.kind) || !level.fields[op.detail].optional) return -1;
+  level.fields[op.detail].optionalBehind = behind;
+  return static_cast<int>(i);
+}
+
+int linkMembers(LevelPlan &level, size_t from, size_t to, int behind) {
+  std::vector<size_t> members;
+  for (size_t i = from; i < to; i = static_cast<size_t>(level.ops[i].next)) members.push_back(i);
+  for (auto it = members.rbegin(); it != members.rend(); ++it) behind = linkNode(level, *it, behind);
+  return behind;
+}
+
 }  // namespace
 
-void checkTail(const LevelPlan &level, size_t from, size_t to, const std::string &path, const void *record) {
+void linkTail(LevelPlan &level, size_t from, size_t to, const std::string &path, const void *record) {
   TailCheck(level, path, record).run(from, to, Tail::Open);
+  linkMembers(level, from, to, -1);
 }
 
 bool hasTail(const LevelPlan &level, size_t from, size_t to) {

@@ -8,8 +8,8 @@
 namespace cvt::fix {
 
 // Checks that fields which a record may end before, and one that has what is left of it, are the last of the
-// siblings; throws Misconfigured.
-void checkTail(const LevelPlan &level, size_t from, size_t to, const std::string &path, const void *record);
+// siblings, and tells each which one stands behind it, be it outside of its group; throws Misconfigured.
+void linkTail(LevelPlan &level, size_t from, size_t to, const std::string &path, const void *record);
 
 // Whether one of the siblings is such a field.
 bool hasTail(const LevelPlan &level, size_t from, size_t to);

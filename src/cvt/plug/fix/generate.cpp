@@ -46,7 +46,7 @@ class Generator {
       if (op.kind == Kind::Field) {
         field(level.fields[op.detail], op.slot, values);
       } else if (op.kind == Kind::Special) {
-        special(level, i, to, values);
+        special(level, i, values);
       } else if (op.kind != Kind::End && (!op.optional || isThere(level, i, values))) {
         m_call.path.enter(op.name);
         node(level, i, values);
@@ -213,10 +213,10 @@ class Generator {
     return static_cast<size_t *>(std::align(alignof(size_t), size, table, room));
   }
 
-  void special(const LevelPlan &level, size_t i, size_t to, const List &values) {
+  void special(const LevelPlan &level, size_t i, const List &values) {
     const Op &op = level.ops[i];
     const FieldPlan &plan = level.fields[op.detail];
-    if (plan.optional && !anyGiven(level, i, to, values)) return;
+    if (plan.optional && !anyGiven(level, static_cast<int>(i), values)) return;
     m_call.path.field(plan.name);
     endRecord();
     if (plan.position) return writeKnown(plan, static_cast<size_t>(m_call.path.repetition()) + 1, m_out);
@@ -232,10 +232,12 @@ class Generator {
     }
   }
 
-  // Whether an optional field, or one behind it, was given a value, be it an empty one.
-  static bool anyGiven(const LevelPlan &level, size_t from, size_t to, const List &values) {
-    for (size_t i = from; i < to; ++i) {
-      if (values.given(level.ops[i].slot)) return true;
+  // Whether an optional field, or one behind it in the record, was given a value, be it an empty one.
+  static bool anyGiven(const LevelPlan &level, int i, const List &values) {
+    while (i >= 0) {
+      const Op &op = level.ops[static_cast<size_t>(i)];
+      if (values.given(op.slot)) return true;
+      i = level.fields[op.detail].optionalBehind;
     }
     return false;
   }

@@ -56,6 +56,7 @@ struct FieldPlan {
   LengthOf lengthOf = LengthOf::Nothing;
   size_t lengthField = 0;   // Length::Field: position in the level's fields
   int lengthSlot = -1;      // and slot of the field that says it
+  int optionalBehind = -1;  // an optional field: position of the next one that the record may have
   size_t lengthNumber = 0;  // a field that is a length: which one of the plan's
   kit::NumberSpec number;
   bool plainDigits = false;          // a number of ASCII digits alone
