@@ -48,6 +48,16 @@ INSTANTIATE_TEST_SUITE_P(
                 "Element[XmlMsg] Attribute[psRot]: expected one of psRoot, "},
         Mistake{"UnknownWord", "psUnknown=\"ignore\"", kPlain,
                 "Attribute[psUnknown]: expected one of refuse, skip, found \"ignore\"."},
+        Mistake{
+            "ConstantThatItsSpaceChanges",
+            "",
+            {field("A", "psSpace=\"collapse\" psConst=\"a  b\"")},
+            "expected psConst as psSpace leaves it, found \"a  b\", which is read as \"a b\". Write what is "
+            "read, or psSpace=\"preserve\"."},
+        Mistake{"DefaultThatItsSpaceChanges",
+                "psSpace=\"trim\"",
+                {field("A", "psDefault=\" EUR\"")},
+                "expected psDefault as psSpace leaves it, found \" EUR\", which is read as \"EUR\"."},
         Mistake{"NumberOutOfRange", "nMaxDepth=\"0\"", kPlain,
                 "expected a number from 1 to 1000, found \"0\"."},
         Mistake{"RootIsNoName", "psRoot=\"a b\"", kPlain,

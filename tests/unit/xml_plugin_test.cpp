@@ -534,6 +534,27 @@ TEST(XmlPlugin, MandatoryFieldsAreReportedInBothDirections) {
   }
 }
 
+TEST(XmlPlugin, AMandatoryValueIsNotWrittenThatIsReadAsNone) {
+  XmlConfig config;
+  config.message(
+      "M", "nDeclaration=\"0\"",
+      {field("D", "psSpace=\"trim\" nMandatory=\"1\""), field("O", "psSpace=\"trim\""),
+       field("P", "nMandatory=\"1\""), field("E", "psSpace=\"collapse\" nMandatory=\"1\" nKeepEmpty=\"1\""),
+       group("G", "", {field("T", "psKind=\"text\" nMandatory=\"1\""), field("A")})});
+  ASSERT_EQ(config.start(), 0) << told();
+  const std::string sGood = "<M><D>1</D><O>  </O><P>  </P><E>  </E><G>3<A>4</A></G></M>";
+  EXPECT_EQ(generate(parse("M", sGood)), "<M><D>1</D><P>  </P><E/><G>3<A>4</A></G></M>");
+  for (const char *const psName : {"D", "T"}) {
+    const Document document = parse("M", sGood);
+    ASSERT_NE(document, nullptr) << told();
+    set(document, psName, "  ");
+    test::clearLog();
+    EXPECT_EQ(generate(document), "failed") << psName;
+    EXPECT_TRUE(told(std::string(psName) + "] Offset[")) << told();
+    EXPECT_TRUE(told("expected a value, found none.")) << told();
+  }
+}
+
 TEST(XmlPlugin, DefaultsAndConstantsAreWritten) {
   XmlConfig config;
   config.message("M", "nDeclaration=\"0\"",

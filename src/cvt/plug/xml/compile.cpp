@@ -7,6 +7,7 @@
 #include "kit/shape.h"
 #include "names.h"
 #include "plan.h"
+#include "space.h"
 
 namespace cvt::xml {
 
@@ -245,6 +246,7 @@ void Compiler::children(Element &parent, const kit::Rules &rules, size_t from, s
     if (node.kind == NodeKind::Group) addGroup(parent, rules, at, scope);
     if (node.kind == NodeKind::Loop) addLoop(parent, rules, at, scope);
   }
+  if (parent.text.has_value() && !parent.children.empty()) parent.text->layout = true;
 }
 
 Scope Compiler::inside(const Scope &scope, const Node &node) const {
@@ -454,11 +456,25 @@ Element Compiler::element(const char *node, const std::string &name, const Scope
   return made;
 }
 
+// What is generated would be read as another value.
+void checkSpaced(const char *attribute, const char *value, Space space, const Scope &scope) {
+  if (value == nullptr) return;
+  std::string room;
+  const std::string read(spaced(value, space, room));
+  if (read == value) return;
+  throw Misconfigured(scope.path, scope.record, std::string(attribute) + " as psSpace leaves it",
+                      "\"" + std::string(value) + "\", which is read as \"" + read + "\"",
+                      "Write what is read, or psSpace=\"preserve\"");
+}
+
 Text Compiler::textOf(const XmlField &field, const kit::Rules &rules, size_t at, const Scope &scope) const {
   const kit::RuleText text{field.nMandatory, field.nKeepEmpty, field.nMaxLen,
                            field.psDefault,  field.psConst,    field.nPosition};
   const int space = field.nSpace < 0 ? m_document.nSpace : field.nSpace;
-  return {rules.make(at, text, scope.path, scope.record), static_cast<Space>(space)};
+  const auto spaceAs = static_cast<Space>(space);
+  checkSpaced("psDefault", field.psDefault, spaceAs, scope);
+  checkSpaced("psConst", field.psConst, spaceAs, scope);
+  return {rules.make(at, text, scope.path, scope.record), spaceAs, spaceAs != Space::Preserve};
 }
 
 // The name's namespace and local part.

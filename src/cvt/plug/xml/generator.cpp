@@ -2,6 +2,7 @@
 
 #include "escape.h"
 #include "kit/bytes.h"
+#include "space.h"
 
 namespace cvt::xml {
 
@@ -33,6 +34,7 @@ class Generator {
   void newLine();
 
   bool hasValue(const Element &element, const List &list) const;
+  std::string_view textOf(const Text &text, const List &list);
 
   const Plan &m_plan;
   kit::Output &m_out;
@@ -61,6 +63,13 @@ bool Generator::hasValue(const Element &element, const List &list) const {
   return false;
 }
 
+// The text to be written. One that would be read as no value is none, where there must be one.
+std::string_view Generator::textOf(const Text &text, const List &list) {
+  const std::string_view value = textToWrite(text, list, m_path, m_digits);
+  if (text.mandatory && text.layout && trimmed(value).empty()) checkRead(text, {}, m_path);
+  return value;
+}
+
 void Generator::child(const Element &child, const List &list) {
   if (child.loop()) return repetitions(child, list);
   if (child.field) return field(child, list);
@@ -75,7 +84,7 @@ void Generator::child(const Element &child, const List &list) {
 
 void Generator::field(const Element &child, const List &list) {
   m_path.field(child.node);
-  const std::string_view text = textToWrite(*child.text, list, m_path, m_digits);
+  const std::string_view text = textOf(*child.text, list);
   if (isWritten(*child.text, list, text)) leaf(child, text);
   m_path.field(nullptr);
 }
@@ -94,7 +103,7 @@ void Generator::repetitions(const Element &child, const List &list) {
     m_path.repetition(i);
     const List body = list.repetition(child.loopSlot, i, child.bodySlots);
     if (child.field) {
-      leaf(child, textToWrite(*child.text, body, m_path, m_digits));
+      leaf(child, textOf(*child.text, body));
     } else {
       element(child, body);
     }
@@ -136,7 +145,7 @@ void Generator::element(const Element &element, const List &list) {
   if (element.text.has_value()) {
     m_pretty = false;  // line breaks would become part of the text
     m_path.field(element.text->node);
-    putEscaped(m_out, *m_plan.charset, textToWrite(*element.text, list, m_path, m_digits), Place::Content);
+    putEscaped(m_out, *m_plan.charset, textOf(*element.text, list), Place::Content);
     m_path.field(nullptr);
   }
   children(element, list);
@@ -159,7 +168,7 @@ void Generator::children(const Element &element, const List &list) {
 void Generator::attributes(const Element &element, const List &list) {
   for (const Attribute &attribute : element.attributes) {
     m_path.field(attribute.text.node);
-    const std::string_view text = textToWrite(attribute.text, list, m_path, m_digits);
+    const std::string_view text = textOf(attribute.text, list);
     if (isWritten(attribute.text, list, text)) {
       m_out.put(attribute.open);
       putEscaped(m_out, *m_plan.charset, text, Place::AttributeValue);

@@ -30,6 +30,7 @@ namespace cvt::xml {
 // A text of the document and the value it belongs to.
 struct Text : kit::Rule {
   Space space = Space::Preserve;
+  bool layout = false;  // white space alone is none of its values: it is read as no value
 };
 
 // What elements and attributes of one level are told apart by.

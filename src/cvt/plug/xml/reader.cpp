@@ -4,37 +4,13 @@
 
 #include "kit/log.h"
 #include "names.h"
+#include "space.h"
 
 namespace cvt::xml {
 
 namespace {
 
 using kit::Fault;
-
-bool blank(char c) {
-  return c == ' ' || c == '\t' || c == '\r' || c == '\n';
-}
-
-std::string_view trimmed(std::string_view text) {
-  while (!text.empty() && blank(text.front())) text.remove_prefix(1);
-  while (!text.empty() && blank(text.back())) text.remove_suffix(1);
-  return text;
-}
-
-std::string_view spaced(std::string_view text, Space space, std::string &room) {
-  if (space == Space::Preserve) return text;
-  const std::string_view inner = trimmed(text);
-  if (space == Space::Trim) return inner;
-  room.clear();
-  for (const char c : inner) {
-    if (!blank(c)) {
-      room += c;
-    } else if (room.back() != ' ') {
-      room += ' ';
-    }
-  }
-  return room;
-}
 
 constexpr const char *kSkipUnknown = "psUnknown=\"skip\" in XmlMsg passes over it";
 
@@ -354,7 +330,7 @@ void Reader::close() {
   if (element.text.has_value()) {
     if (!element.field) m_call.path.field(element.text->node);
     std::string_view text = textOf(frame);
-    if (frame.parted && trimmed(text).empty()) text = {};
+    if ((frame.parted || element.text->layout) && trimmed(text).empty()) text = {};
     store(*element.text, frame.list, text);
     m_only = {};
     if (!element.field) m_call.path.field(nullptr);
