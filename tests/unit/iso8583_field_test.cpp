@@ -337,6 +337,30 @@ TEST_F(Field, AConstantIsTheOnlyValue) {
   EXPECT_NE(parse("M", "0200" + bitmap({})), nullptr) << told();
 }
 
+TEST_F(Field, AConstantIsReadAsItIsWritten) {
+  struct Case {
+    const char *psAttributes;
+    const char *psSaid;
+    const char *psBytes;
+    const char *psRead;
+  };
+  for (const Case &one :
+       {Case{"psType=\"an\" nLen=\"5\"", "AB", "AB   ", "AB   "},
+        Case{"psType=\"an\" nLen=\"5\" nTrim=\"1\"", "AB", "AB   ", "AB"},
+        Case{"psType=\"n\" nLen=\"3\"", "5", "005", "005"},
+        Case{"psType=\"n\" nLen=\"3\" nTrim=\"1\"", "005", "005", "5"},
+        Case{"psType=\"b\" nLen=\"1\"", "ab", "\xAB", "AB"},
+        Case{"psType=\"n\" psCoding=\"bcd\" psPrefix=\"L\" psCounts=\"bytes\"", "123", "2\x01\x23", "0123"},
+        Case{"psType=\"z\" psCoding=\"bcd\" nLen=\"4\"", "12D3", "\x12\xD3", "12=3"}}) {
+    define(std::string(one.psAttributes) + " psConst=\"" + one.psSaid + "\"");
+    expectBoth(one.psBytes, one.psRead);
+    expectWritten("", one.psBytes);
+    expectWritten(one.psSaid, one.psBytes);
+    expectWritten(one.psRead, one.psBytes);
+    cvtEnd();
+  }
+}
+
 TEST_F(Field, ADefaultStandsInForAnEmptyValue) {
   define("psType=\"n\" nLen=\"3\" psDefault=\"360\"");
   expectWritten("", "360");

@@ -288,7 +288,7 @@ Element Compiler::fieldElement(const kit::Rules &rules, size_t at, const IsoFiel
   Element element{};
   static_cast<kit::Rule &>(element) = rules.make(at, ruleText(record), place.path, place.record);
   compileField(record, inTag, place, element);
-  checkTexts(element, place);
+  compileTexts(place, element);
   element.plain = plainOf(element);
   return element;
 }

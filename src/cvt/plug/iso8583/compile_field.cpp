@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "content.h"
+#include "cvt_memory.h"
+#include "cvt_string.h"
 #include "frame.h"
 #include "kit/fault.h"
 #include "tlv.h"
@@ -197,15 +199,33 @@ class FieldCompiler {
   Frame &m_frame;
 };
 
-void checkText(const Element &element, const char *text, const Place &place) {
-  if (text == nullptr) return;
-  const std::string value = text;
-  std::string room(2 * element.frame.most + 4 * value.size() + 16, '\0');
+// Memory of a message that is not there.
+struct Scratch {
+  const MemPort node = cvtMemNewNode();
+  Scratch() = default;
+  Scratch(const Scratch &) = delete;
+  Scratch &operator=(const Scratch &) = delete;
+  ~Scratch() { cvtMemDelNode(node); }
+};
+
+// The value that is read where that text was written, in the memory of the configuration.
+const char *readBack(const Element &element, std::string_view text) {
+  std::string room(2 * element.frame.most + 4 * text.size() + 16, '\0');
   kit::Output out(room.data(), 0, room.size());
+  const size_t length = writeContent(element, text, out);
+  const std::string_view bytes(room.data(), out.offset());
+  const Scratch scratch;
+  kit::Store store(scratch.node);
+  std::string value(readContent(element, bytes, countsOnlyBytes(element) ? kUnknown : length, 0, store));
+  return cvtStrDup(value.data());
+}
+
+const char *compileText(const Element &element, const char *text, const Place &place) {
+  if (text == nullptr) return nullptr;
   try {
-    writeContent(element, value, out);
+    return readBack(element, text);
   } catch (const kit::Fault &fault) {
-    refuse(place, "a value that the field can have", kit::quoted(value), fault.text());
+    refuse(place, "a value that the field can have", kit::quoted(std::string(text)), fault.text());
   }
 }
 
@@ -263,9 +283,10 @@ Plain plainOf(const Element &field) {
   return content.type == Type::N ? Plain::Digits : content.type == Type::Ans ? Plain::Printable : Plain::No;
 }
 
-void checkTexts(const Element &element, const Place &place) {
-  checkText(element, element.fallback, place);
-  checkText(element, element.constant, place);
+void compileTexts(const Place &place, Element &element) {
+  compileText(element, element.fallback, place);
+  element.saidConstant = element.constant;
+  element.constant = compileText(element, element.constant, place);
 }
 
 }  // namespace cvt::iso8583

@@ -28,7 +28,8 @@ void compileGroup(const IsoGroup &record, bool inTag, const Place &place, Elemen
 // Whether the field's bytes are its value: text of a fixed length that is ASCII in the message, too.
 Plain plainOf(const Element &field);
 
-// Whether the field can have its constant and its default.
-void checkTexts(const Element &element, const Place &place);
+// Checks that the field can have its constant and its default. The constant becomes what is read for it: with
+// its pads, with zeros in front, in the letters of hexadecimal digits.
+void compileTexts(const Place &place, Element &element);
 
 }  // namespace cvt::iso8583

@@ -153,11 +153,6 @@ char padDigit(const Content &content) {
   return content.pad == 'F' ? static_cast<char>('0' + 15) : '0';
 }
 
-// Whether nothing but the bytes says how many digits there are.
-bool countsOnlyBytes(const Element &field) {
-  return !field.frame.fixed && (field.frame.digits == 0 || field.frame.countsBytes);
-}
-
 // How many digits there are when only their bytes are counted.
 size_t digitsIn(const Element &field, std::string_view bytes) {
   const size_t digits = 2 * bytes.size();
@@ -367,6 +362,10 @@ size_t wireBytes(const Content &content, size_t length) {
   if (content.coding != Coding::Bcd) return length;
   const size_t sign = isSigned(content) && length > 0 ? 1 : 0;
   return sign + (length - sign + 1) / 2;
+}
+
+bool countsOnlyBytes(const Element &field) {
+  return !field.frame.fixed && (field.frame.digits == 0 || field.frame.countsBytes);
 }
 
 std::string_view readContent(const Element &field, std::string_view bytes, size_t length, size_t offset,

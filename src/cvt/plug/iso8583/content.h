@@ -19,6 +19,9 @@ size_t wireBytes(const Content &content, size_t length);
 // Throws Fault when the field must not have that length.
 void checkLength(const Element &field, size_t length, size_t offset);
 
+// Whether nothing but the bytes says how many digits there are.
+bool countsOnlyBytes(const Element &field);
+
 // The value of the bytes, in memory of the store. length: kUnknown when only the bytes are counted. offset:
 // where the bytes stand. Throws Fault.
 std::string_view readContent(const Element &field, std::string_view bytes, size_t length, size_t offset,

@@ -65,6 +65,7 @@ struct Element : kit::Rule {
   Plain plain = Plain::No;
   int number = 0;
   uint32_t tag = 0;
+  const char *saidConstant = nullptr;  // psConst; `constant` is what is read for it
   Frame frame;
   Content content;
   std::unique_ptr<Container> inside;  // null: a field

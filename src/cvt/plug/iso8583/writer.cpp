@@ -34,7 +34,8 @@ void putPrefix(const Element &field, size_t from, size_t length, kit::Output &ou
 
 size_t Writer::content(const Element &field, const List &list) {
   std::string_view text = list.get(field.slot);
-  if (text.empty() || field.constant != nullptr) text = textToWrite(field, list, m_call.path, m_digits);
+  const bool asSaid = field.constant == nullptr || text == field.saidConstant;
+  if (text.empty() || !asSaid) text = textToWrite(field, list, m_call.path, m_digits);
   if (text.empty() && field.empty == kit::Empty::Omit) {
     throw Fault(Fault::kHere, "a value", "an empty one", "nKeepEmpty=\"2\" allows it");
   }
