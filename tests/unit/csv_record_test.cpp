@@ -250,6 +250,25 @@ TEST_F(CsvRecords, ThatBeginWithAFixedFieldAreFilledWhereNothingHasAValue) {
   same("Plain", "   \na  b\n");
 }
 
+TEST_F(CsvRecords, AreNotWrittenWhereTheirFieldsMakeAComment) {
+  m_config.message("Pad", "psComment=\"#\"", {field("A", "nLen=\"2\" psPad=\"#\""), field("B")});
+  m_config.message("Two", "psComment=\"//\" psCharset=\"IBM037\"", {field("A", "nLen=\"1\""), field("B")});
+  start();
+  Text text = create("Pad");
+  set(text, "B", "1");
+  EXPECT_EQ(generate(text), "failed");
+  EXPECT_TRUE(told("expected a record that does not begin like a comment, found \"#\"")) << told();
+  set(text, "A", "x");
+  EXPECT_EQ(generate(text), "x#1\n");
+  text = create("Two");
+  set(text, "A", "/");
+  set(text, "B", "/b");
+  EXPECT_EQ(generate(text), "failed");
+  EXPECT_TRUE(told("expected a record that does not begin like a comment")) << told();
+  set(text, "B", "b");
+  EXPECT_EQ(generate(text), "\x61\x82\x25");
+}
+
 TEST_F(CsvRecords, AnEmptyRestThatMayBeMissingStandsAloneInItsLine) {
   m_config.message("M", "nShort=\"1\" psContinuation=\"88\"",
                    {record("R", "psTag=\"1\"", {field("A", "psKind=\"rest\""), field("B")})});

@@ -162,8 +162,10 @@ void Compiler::tag(Compound &record, const CsvRecord &said, const std::string &p
   const bool marked = dialect.tagBack.empty() ? !dialect.marks.absentIn(text)
                                               : text.find(dialect.tagBack.text) != std::string::npos;
   const bool taken = m_text.psContinuation != nullptr && text == m_text.psContinuation;
-  const bool comment =
-      !dialect.comment.empty() && (dialect.tagFront.text + text).starts_with(dialect.comment);
+  const std::string start = dialect.tagFront.text + text + dialect.tagBack.text;
+  const std::string &passed = dialect.comment.text;
+  const bool comment = !passed.empty() &&
+                       (start.starts_with(passed) || (!dialect.tagBack.empty() && passed.starts_with(start)));
   if (text.empty() || text.size() > 200 || marked || taken || comment) {
     throw Misconfigured(path, &said, "a tag of up to 200 bytes without marks, other than psContinuation",
                         kit::quoted(text));

@@ -86,13 +86,24 @@ void checkTogether(const CsvMsg &text, const Dialect &dialect) {
   if (dialect.terminated && (dialect.quoteByte != 0 || !dialect.continuation.empty())) {
     refuse(text, "psQuote=\"\" and no psContinuation with nTerminated", "one of them");
   }
-  if (dialect.quoteByte == 0 && dialect.escapeByte != 0 &&
-      std::string_view("nrt").find(dialect.separator.text[0]) != std::string_view::npos) {
-    refuse(text, "a psSeparator that does not begin with n, r or t", kit::quoted(dialect.separator.text),
-           "Behind the escape they mean line ends and tabs");
+  if (dialect.lineEnd == LineEnd::None && dialect.lastLineEnd == LastLineEnd::Required &&
+      dialect.recordEnd.empty()) {
+    refuse(text, "lines or a psRecordEnd, for psLastLineEnd=\"required\"", "psLineEnd=\"none\"");
   }
   if (dialect.tagFront.empty() != dialect.tagBack.empty() && dialect.tagBack.empty()) {
     refuse(text, "psTagBack with psTagFront", "none");
+  }
+}
+
+// What the marks must not be because of what else their bytes mean.
+void checkMarks(const CsvMsg &text, const Dialect &dialect) {
+  for (const char meant : std::string_view("nrt")) {
+    if (dialect.quoteByte != 0 || dialect.escapeByte == 0 || !dialect.marks.has(meant)) continue;
+    refuse(text, "marks that begin with none of n, r and t, with psEscape and without quotes",
+           kit::quoted(std::string(1, meant)), "Behind the escape they mean line ends and tabs");
+  }
+  if (!dialect.marks.absentIn(dialect.comment.text)) {
+    refuse(text, "no byte that a mark begins with in psComment", kit::quoted(dialect.comment.text));
   }
 }
 
@@ -130,7 +141,7 @@ void compileDialect(const CsvMsg &text, Dialect &dialect) {
   dialect.quote = literal(dialect, dialect.quoteByte == 0 ? "" : text.psQuote, &text, "psQuote");
   dialect.lf = literal(dialect, "\n", &text, "psLineEnd");
   dialect.crlf = literal(dialect, "\r\n", &text, "psLineEnd");
-  dialect.comment = mark(text.psComment, "psComment").text;
+  dialect.comment = mark(text.psComment, "psComment");
   dialect.lineEnd = static_cast<LineEnd>(text.nLineEnd);
   dialect.lastLineEnd = static_cast<LastLineEnd>(text.nLastLineEnd);
   dialect.innerQuotes = text.nInnerQuote == static_cast<int>(InnerQuote::Keep);
@@ -151,6 +162,7 @@ void compileDialect(const CsvMsg &text, Dialect &dialect) {
   dialect.guardMark = text.nMark != static_cast<int>(Mark::Write);
   checkTogether(text, dialect);
   addMarks(text, dialect);
+  checkMarks(text, dialect);
 }
 
 }  // namespace cvt::csv

@@ -45,7 +45,7 @@ struct Dialect {
   Literal quote;
   Literal lf;
   Literal crlf;
-  std::string comment;
+  Literal comment;
   char quoteByte = 0;        // 0: there are none
   char escapeByte = 0;       // 0: a quote is doubled
   bool innerQuotes = false;  // a quote inside a field without quotes means nothing

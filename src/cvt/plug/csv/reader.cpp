@@ -113,7 +113,7 @@ bool Reader::findRecord() {
   for (;;) {
     m_from = m_at;
     if (m_at == m_end) return false;
-    const bool comment = !m_dialect.comment.empty() && startsWith(m_at, m_end, m_dialect.comment);
+    const bool comment = at(m_at, m_dialect.comment);
     const bool blank = m_dialect.skipBlank && lineEndAt(m_at) != nullptr;
     if (!comment && !blank) break;
     while (m_at != m_end && lineEndAt(m_at) == nullptr) ++m_at;

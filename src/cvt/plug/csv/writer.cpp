@@ -43,7 +43,7 @@ void Writer::value(std::string_view text) {
 
 // Whether a line that begins with the value would be taken for something else.
 bool Writer::looksLikeStart(std::string_view text) const {
-  return m_line == 0 && ((!m_dialect.comment.empty() && text.starts_with(m_dialect.comment)) ||
+  return m_line == 0 && ((!m_dialect.comment.empty() && text.starts_with(m_dialect.comment.text)) ||
                          (m_first && m_dialect.guardMark && text.starts_with(kByteOrderMark)));
 }
 
@@ -318,6 +318,7 @@ void Writer::end(const Field *first) {
   } else if (m_out.offset() == m_bare && m_dialect.quoteByte != 0) {
     quotedValue({});  // nothing separates the empty last field from what stands before it
   }
+  if (!m_dialect.comment.empty()) checkNoComment();
   put(m_dialect.recordEnd);
   if (m_dialect.maxRecord != 0 && m_line > m_dialect.maxRecord) tooLong();
   m_endPending = m_dialect.lineEnd != LineEnd::None;
@@ -332,6 +333,14 @@ void Writer::standIn(const Field *first) {
   if (m_dialect.quoteByte != 0 && !m_dialect.terminated && !rest) return quotedValue({});
   m_blank = true;
   if (m_dialect.skipBlank || m_dialect.lineEnd == LineEnd::None) blankLine();
+}
+
+// Pads, and fields that nothing separates, may make one of what is none.
+void Writer::checkNoComment() const {
+  const std::string_view record(m_out.at(m_start), m_out.offset() - m_start);
+  if (!record.starts_with(m_dialect.comment.bytes)) return;
+  throw Fault(Fault::kHere, "a record that does not begin like a comment",
+              kit::quoted(m_dialect.comment.text), "Correct the value, or psComment of CsvMsg");
 }
 
 void Writer::blankLine() {

@@ -78,6 +78,7 @@ class Writer {
   void endLine();
   bool wrapIsDue();
   void standIn(const Field *first);
+  void checkNoComment() const;
   [[noreturn]] static void blankLine();
   [[noreturn]] void tooLong() const;
 
