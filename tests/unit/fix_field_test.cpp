@@ -317,6 +317,41 @@ TEST(FixField, NumbersAreCanonical) {
   EXPECT_NE(f.write("").find("expected a value"), std::string::npos);
 }
 
+TEST(FixField, NothingButPadsIsNoValueToWrite) {
+  const std::string sRefused = "expected a value, found ";
+  const struct {
+    const char *attributes;
+    std::string value;
+  } cases[] = {
+      {"nLen=\"3\" psBlank=\"refused\"", "   "},
+      {"nLen=\"3\" psBlank=\"refused\"", " "},
+      {"nLen=\"3\" psUnit=\"chars\" psBlank=\"refused\"", " "},
+      {"nLen=\"3\" psAlign=\"right\" psPad=\"0\" psBlank=\"refused\"", "0"},
+      {"nLen=\"3\" psCharset=\"IBM037\" psPad=\"0x40\" psBlank=\"refused\"", "  "},
+      {"nLen=\"3\" psType=\"raw\" psPad=\"0x00\" psBlank=\"refused\"", std::string(1, '\0')},
+  };
+  for (const auto &c : cases) {
+    const OneField f(c.attributes);
+    EXPECT_NE(f.write(c.value).find(sRefused + "\""), std::string::npos) << c.attributes;
+    EXPECT_NE(f.write("").find(sRefused + "an empty one"), std::string::npos) << c.attributes;
+    cvtEnd();
+  }
+}
+
+TEST(FixField, DefaultIsWrittenForNothingButPads) {
+  EXPECT_EQ(OneField("nLen=\"4\" psDefault=\"EUR\"").write("  "), "EUR ");
+  cvtEnd();
+  EXPECT_EQ(OneField("nLen=\"4\" psDefault=\"EUR\"", "nLenient=\"1\"").write("  "), "EUR ");
+  cvtEnd();
+  EXPECT_EQ(OneField("nLen=\"4\" psDefault=\"x\" psPad=\"*\"").write("*"), "x***");
+}
+
+TEST(FixField, PadThatIsAByteIsNotTheCharacterOfThatNumber) {
+  OneField("nLen=\"3\" psCharset=\"IBM037\" psPad=\"0x40\" psBlank=\"refused\"").both("\x7C\x40\x40", "@");
+  cvtEnd();
+  OneField("nLen=\"3\" psCharset=\"WINDOWS-1252\" psPad=\"0xA0\" psValues=\"à\"").both("\xE0\xA0\xA0", "à");
+}
+
 TEST(FixField, BlankNumberIsEmptyWhereItIsAllowed) {
   OneField("nLen=\"4\" psType=\"number\" psBlank=\"allowed\"").both("    ", "");
   cvtEnd();

@@ -19,6 +19,7 @@ namespace {
 
 constexpr int kMaxNumberBytes = 64;
 constexpr size_t kMaxLength = 100000000;
+constexpr char kNoCharacter = '\xFF';  // stands in no text of UTF-8
 
 NumberForm formOf(FieldType type) {
   switch (type) {
@@ -171,7 +172,14 @@ class FieldCompiler {
     m_plan.rawPad = pad >= kit::kRawByte || is(FieldType::Raw);
     m_plan.pad =
         is(FieldType::Raw) ? static_cast<char>(pad) : padByte(pad, m_plan.charset, m_path, &m_record);
-    m_plan.padText = static_cast<char>(pad);
+    m_plan.padText = m_plan.rawPad && is(FieldType::Text) ? characterOf(m_plan.pad) : static_cast<char>(pad);
+  }
+
+  // What the byte is inside a decoded text, where it is one of ASCII.
+  char characterOf(char byte) const {
+    char text[16];
+    const kit::Converted made = m_plan.charset->decode(&byte, 1, text, sizeof text);
+    return made.damage == kit::Damage::None && made.written == 1 ? text[0] : kNoCharacter;
   }
 
   void compileNumber() {

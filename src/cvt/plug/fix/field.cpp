@@ -244,6 +244,13 @@ void writeDigits(const FieldPlan &field, std::string_view value, kit::Output &ou
   if (recode) field.charset->encode(text, field.length, room, field.length);
 }
 
+// Where a value is needed, one of nothing but pads is none: it would not come back.
+inline bool isEmpty(const FieldPlan &field, std::string_view value) {
+  if (value.empty()) return true;
+  const bool needed = !field.blankAllowed || field.hasDefault;
+  return needed && !field.isNumber() && field.trims && trim(value, field.padText, field.right).empty();
+}
+
 // An empty value: the default, or blanks where they are allowed. Whether that was all.
 inline bool writeEmpty(const FieldPlan &field, std::string_view &value, kit::Output &out) {
   if (field.hasDefault) {
@@ -251,7 +258,7 @@ inline bool writeEmpty(const FieldPlan &field, std::string_view &value, kit::Out
     return false;
   }
   if (!field.blankAllowed) {
-    throw Fault(out.offset(), "a value", "an empty one",
+    throw Fault(out.offset(), "a value", value.empty() ? "an empty one" : shown(value),
                 "Give the field a value, psDefault, or psBlank allowed");
   }
   if (!field.isNumber()) return false;
@@ -305,7 +312,7 @@ std::string_view readField(const FieldPlan &field, const char *in, size_t width,
 
 void writeField(const FieldPlan &field, std::string_view value, kit::Output &out) {
   if (field.constant) return writeConstant(field, value, out);
-  if (value.empty() && writeEmpty(field, value, out)) return;
+  if (isEmpty(field, value) && writeEmpty(field, value, out)) return;
   if (!field.allowed.empty() && !value.empty()) checkAllowed(field, value, out.offset());
   if (field.type == FieldType::Raw) return writeRaw(field, value, out);
   if (field.isNumber()) return writeDigits(field, value, out);
