@@ -280,6 +280,27 @@ TEST(FixField, ListedNumbersAreComparedAsNumbers) {
   EXPECT_NE(f.read("007").find("expected one of \"5\", \"22\""), std::string::npos);
 }
 
+TEST(FixField, NumbersThatAreWrittenMayDifferFromTheListInForm) {
+  {
+    const OneField f("nLen=\"2\" psType=\"number\" psValues=\"7|8\"");
+    for (const char *value : {"7", "07", "+7", "007"}) EXPECT_EQ(f.write(value), "07") << value;
+    EXPECT_NE(f.write("09").find("expected one of \"7\", \"8\", found \"09\""), std::string::npos);
+    EXPECT_NE(f.write("x7").find("expected one of"), std::string::npos);
+  }
+  const OneField f("nLen=\"4\" psType=\"number\" nDecimals=\"2\" psValues=\"7|8.5\"");
+  for (const char *value : {"7", "7.0", "7.00"}) EXPECT_EQ(f.write(value), "0700") << value;
+  EXPECT_EQ(f.write("8.5"), "0850");
+  EXPECT_NE(f.write("8.51").find("expected one of \"7.00\", \"8.50\", found \"8.51\""), std::string::npos);
+}
+
+TEST(FixField, ConstantNumberMayDifferInForm) {
+  const OneField f("nLen=\"2\" psType=\"number\" psConst=\"5\"");
+  for (const char *value : {"", "5", "05", "+5"}) EXPECT_EQ(f.write(value), "05") << value;
+  EXPECT_EQ(
+      f.write("50"),
+      "Msg[M] Field[F] Offset[0]: expected \"5\", found \"50\". Leave the value empty or equal to psConst.");
+}
+
 TEST(FixField, DefaultIsWrittenForAnEmptyValue) {
   const OneField f("nLen=\"3\" psDefault=\"EUR\"");
   EXPECT_EQ(f.write(""), "EUR");

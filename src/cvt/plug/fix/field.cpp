@@ -1,5 +1,6 @@
 #include "field.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "kit/bytes.h"
@@ -59,10 +60,14 @@ std::string shown(std::string_view bytes) {
               shown(bytes), "Correct the text, or psCharset");
 }
 
+bool isAllowed(const FieldPlan &field, std::string_view value) {
+  return std::find(field.allowed.begin(), field.allowed.end(), value) != field.allowed.end();
+}
+
+// A value that is written need not be canonical.
 void checkAllowed(const FieldPlan &field, std::string_view value, size_t offset) {
-  for (const std::string &one : field.allowed) {
-    if (value == one) return;
-  }
+  char number[kit::kCanonicalRoom];
+  if (isAllowed(field, value) || isAllowed(field, valueAsRead(field, value, number))) return;
   std::string all;
   for (const std::string &one : field.allowed) all += (all.empty() ? "" : ", ") + quoted(one);
   throw Fault(offset, "one of " + all, shown(value), "Write one of them, or add the value to psValues");
@@ -267,7 +272,8 @@ inline bool writeEmpty(const FieldPlan &field, std::string_view &value, kit::Out
 }
 
 void writeConstant(const FieldPlan &field, std::string_view value, kit::Output &out) {
-  if (!value.empty() && value != field.value) {
+  char number[kit::kCanonicalRoom];
+  if (!value.empty() && value != field.value && valueAsRead(field, value, number) != field.value) {
     throw Fault(out.offset(), quoted(field.value), shown(value), "Leave the value empty or equal to psConst");
   }
   out.put(field.bytes);
