@@ -26,7 +26,9 @@ std::string text(const char *s) {
   return s == nullptr ? "" : s;
 }
 
+// A value alone, without blanks around it: none are read with a value.
 bool isValue(const std::string &text) {
+  if (text.empty() || isBlank(text.front()) || isBlank(text.back())) return false;
   try {
     Cursor in(scan(text, true), 0, kMaxDepth);
     in.value();
@@ -42,7 +44,7 @@ const char *complaint(const Item &field, const std::string &value) {
   if (field.form == Form::Others || field.type == Type::Null) return "no psDefault and psConst";
   if (field.type == Type::Number && !isNumber(value)) return "a number as JSON writes it";
   if (field.type == Type::Boolean && value != "true" && value != "false") return "true or false";
-  if (field.type == Type::Any && !isValue(value)) return "a JSON value";
+  if (field.type == Type::Any && !isValue(value)) return "a JSON value without blanks around it";
   return nullptr;
 }
 
