@@ -86,6 +86,8 @@ TEST(IsoDefinition, ACodingFitsItsType) {
              "expected nTrim with a psPad that is a byte");
   expectTold(ofField("nNumber=\"2\" nLen=\"4\" psCharset=\"NONE\""),
              "expected a character set that iconv knows");
+  expectTold(ofField("nNumber=\"2\" nLen=\"3\" psType=\"x+n\" psCoding=\"bcd\" psCharset=\"UTF-16LE\""),
+             "expected a character set in which C is one byte, found UTF-16LE.");
   expectTold(ofField("nNumber=\"2\" nLen=\"4\" psDate=\"MMXX\" psType=\"n\""),
              "expected psDate of YYYY YY MM");
   expectTold(ofField("nNumber=\"2\" nLen=\"5\" psDate=\"MMDD\" psType=\"n\""),
@@ -135,6 +137,21 @@ TEST(IsoDefinition, RecordsStandWhereTheyBelong) {
                                "<IsoLoop __ID=\"pInfo\"/></Msg></iso8583>");
   EXPECT_EQ(config.start(), -1);
   EXPECT_TRUE(told("expected IsoMsg as pInfo of Msg, found IsoLoop.")) << told();
+}
+
+TEST(IsoDefinition, SubfieldsFitIntoTheirGroup) {
+  const auto inGroup = [](const std::string &sGroup, const std::vector<FormatNode> &members) {
+    return refusal({mti(), group("G", "IsoGroup", "nNumber=\"43\" " + sGroup, members)});
+  };
+  expectTold(inGroup("nLen=\"40\"", {field("A", "nLen=\"25\""), field("B", "nLen=\"13\"")}), "Node[G] File[");
+  expectTold(inGroup("nLen=\"40\"", {field("A", "nLen=\"25\""), field("B", "nLen=\"13\"")}),
+             "expected subfields of 40 bytes, found at most 38. See nLen.");
+  expectTold(inGroup("nLen=\"40\"", {field("A", "nLen=\"41\""), field("B", "psPrefix=\"LL\"")}),
+             "expected subfields of 40 bytes, found at least 43. See nLen.");
+  expectTold(inGroup("psPrefix=\"LL\" nMaxLen=\"10\"", {field("A", "nLen=\"20\"")}),
+             "expected subfields of at most 10 bytes, found at least 20. See nMaxLen.");
+  EXPECT_EQ(inGroup("nLen=\"40\"", {field("A", "nLen=\"25\""), field("B", "psPrefix=\"LL\"")}), "it loads");
+  EXPECT_EQ(inGroup("nLen=\"3\"", {field("A", "nLen=\"6\" psType=\"n\" psCoding=\"bcd\"")}), "it loads");
 }
 
 TEST(IsoDefinition, SubfieldsHaveNoNumbersAndTagsNoPrefix) {

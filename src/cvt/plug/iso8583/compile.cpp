@@ -308,6 +308,7 @@ Element Compiler::groupElement(const kit::Rules &rules, size_t at, const IsoGrou
     return element;
   }
   members(container, rules, at + 1, static_cast<size_t>(node.next), place.path);
+  if (form == Form::Subfields) checkSubfields(element, place);
   for (size_t i = at + 1; i < static_cast<size_t>(node.next); ++i) {
     container.slots.push_back(rules.level().nodes[i].slot);
   }

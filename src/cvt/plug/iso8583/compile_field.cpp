@@ -110,6 +110,7 @@ class FieldCompiler {
     m_content.bits = m_record.nShown == static_cast<int>(Shown::Bits);
     if (m_record.nShown != kNotGiven && !is(Type::B)) refuse(m_place, "psValue with type b only", "another");
     if (is(Coding::Hex)) byteOf('F', *m_content.charset, m_place);
+    if (is(Coding::Bcd) && is(Type::Xn)) byteOf('C', *m_content.charset, m_place);
   }
 
   void compileFrame() {
@@ -273,6 +274,22 @@ void compileGroup(const IsoGroup &record, bool inTag, const Place &place, Elemen
     refuse(place, "nMaxLen that the prefix can say, at most " + std::to_string(limit),
            std::to_string(element.frame.most), "Write a longer psPrefix");
   }
+}
+
+void checkSubfields(const Element &group, const Place &place) {
+  size_t least = 0;
+  size_t most = 0;
+  for (const Element &member : group.inside->members) {
+    least += member.frame.bytes + wireBytes(member.content, member.frame.least);
+    most += member.frame.bytes + wireBytes(member.content, member.frame.most);
+  }
+  const Frame &frame = group.frame;
+  const bool many = least > frame.most;
+  if (!many && (!frame.fixed || most >= frame.most)) return;
+  refuse(place,
+         "subfields of " + std::string(frame.fixed ? "" : "at most ") + std::to_string(frame.most) + " bytes",
+         many ? "at least " + std::to_string(least) : "at most " + std::to_string(most),
+         frame.fixed ? "See nLen" : "See nMaxLen");
 }
 
 Plain plainOf(const Element &field) {

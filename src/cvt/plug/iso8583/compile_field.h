@@ -25,6 +25,9 @@ uint32_t compileTag(const char *text, const Place &place);
 void compileField(const IsoField &record, bool inTag, const Place &place, Element &element);
 void compileGroup(const IsoGroup &record, bool inTag, const Place &place, Element &element);
 
+// Whether the subfields of a group, which is no loop, can have a length that it can have.
+void checkSubfields(const Element &group, const Place &place);
+
 // Whether the field's bytes are its value: text of a fixed length that is ASCII in the message, too.
 Plain plainOf(const Element &field);
 
