@@ -54,6 +54,59 @@ TEST_F(StdSettings, ResultsAreNoLongerThanTheySay) {
             "Func[concat]: expected a result of at most 5 bytes, found 6 bytes. Shorten the arguments.");
 }
 
+TEST_F(StdSettings, AResultCountsWithTheBytesThatItHasInTheEnd) {
+  plugAttributes("nMaxResult='3'");
+  convert("Decode", {callRule("base64Decode", 1)});
+  convert("To", {callRule("toCharset", 2)});
+  convert("From", {callRule("fromCharset", 2)});
+  ASSERT_EQ(start(), 0);
+  from = test::newMessage("In");
+  to = test::newMessage("Out");
+  const auto of = [&](const char *psConverter, const std::string &sText, const std::string &sSet = "") {
+    from.set("A", sText).set("B", sSet);
+    test::clearLog();
+    return ConvertTest::run(psConverter, from, to) == 0 ? to.get("X") : test::logTexts()[0];
+  };
+  EXPECT_EQ(of("Decode", "Zm9v"), "foo");
+  EXPECT_EQ(of("Decode", "Zm8="), "fo");
+  EXPECT_EQ(
+      of("Decode", "Zm9vYg=="),
+      "Func[base64Decode]: expected a result of at most 3 bytes, found 4 bytes. Shorten the arguments.");
+  for (const std::string sSet : {"UTF-8", "GB18030", "EUC-JP"}) {
+    EXPECT_EQ(of("To", "abc", sSet), "abc") << sSet;
+    EXPECT_EQ(of("From", "abc", sSet), "abc") << sSet;
+  }
+  EXPECT_EQ(of("To", "a", "UTF-16BE"), std::string("\0a", 2));
+  EXPECT_EQ(
+      of("From", "\xfc\xe9", "WINDOWS-1252"),
+      "Func[fromCharset]: expected a result of at most 3 bytes, found a longer one. Shorten the arguments.");
+  EXPECT_EQ(of("From",
+               "\xfc"
+               "1",
+               "WINDOWS-1252"),
+            "\xc3\xbc"
+            "1");
+  EXPECT_EQ(
+      of("To", "ab", "UTF-16LE"),
+      "Func[toCharset]: expected a result of at most 3 bytes, found a longer one. Shorten the arguments.");
+  EXPECT_EQ(of("To", "\xe2\x82\xac", "ISO-8859-1"),
+            "Func[toCharset] Arg[1] Len[3] Offset[0]: expected characters that the set has, found others.");
+}
+
+TEST_F(StdSettings, ALongTextIsConvertedUpToTheUsualLimit) {
+  load({copy(func("length", {func("toCharset", {src("A"), src("B")})}), dst("X"))});
+  for (const std::string sSet : {"UTF-8", "UTF-16LE", "GB18030"}) {
+    from.set("A", std::string(300'000, 'a')).set("B", sSet);
+    EXPECT_EQ(run(), 0) << sSet;
+    EXPECT_EQ(to.get("X"), sSet == "UTF-16LE" ? "600000" : "300000") << sSet;
+  }
+  again();
+  load({copy(func("length", {func("fromCharset", {src("A"), src("B")})}), dst("X"))});
+  from.set("A", std::string(400'000, 'a')).set("B", "WINDOWS-1252");
+  EXPECT_EQ(run(), 0);
+  EXPECT_EQ(to.get("X"), "400000");
+}
+
 TEST_F(StdSettings, ARestartForgetsThem) {
   plugAttributes("nMaxResult='1'");
   load({callRule("concat", 1)});

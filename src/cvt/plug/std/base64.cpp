@@ -28,6 +28,14 @@ const char *const kGroups = "whole groups of four, filled up with =";
 const char *const kLetters = "letters, digits, + and /";
 const char *const kUrlLetters = "letters, digits, - and _, not filled up with =";
 
+// All but what the last group is filled up with.
+size_t lettersOf(std::string_view text, Base64 form) {
+  size_t letters = text.size();
+  if (form == Base64::Url) return letters;
+  for (int i = 0; i < 2 && letters > 0 && text[letters - 1] == '='; ++i) --letters;
+  return letters;
+}
+
 }  // namespace
 
 size_t base64Length(size_t bytes, Base64 form) {
@@ -51,13 +59,15 @@ void encodeBase64(std::string_view bytes, Base64 form, char *out) {
   }
 }
 
+size_t base64Bytes(std::string_view text, Base64 form) {
+  const size_t letters = lettersOf(text, form);
+  return letters / 4 * 3 + (letters % 4 == 0 ? 0 : letters % 4 - 1);
+}
+
 Base64Result decodeBase64(std::string_view text, Base64 form, char *out) {
   const auto &values = kValues[static_cast<size_t>(form)];
-  size_t length = text.size();
-  if (form == Base64::Plain) {
-    if (length % 4 != 0) return {kGroups, length, 0};
-    for (int i = 0; i < 2 && length > 0 && text[length - 1] == '='; ++i) --length;
-  }
+  if (form == Base64::Plain && text.size() % 4 != 0) return {kGroups, text.size(), 0};
+  const size_t length = lettersOf(text, form);
   char *const begin = out;
   uint32_t group = 0;
   for (size_t i = 0; i < length; ++i) {

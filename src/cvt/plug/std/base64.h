@@ -14,13 +14,16 @@ enum class Base64 {
 size_t base64Length(size_t bytes, Base64 form);
 void encodeBase64(std::string_view bytes, Base64 form, char *out);  // `out` has room for base64Length
 
+// Bytes that a text without faults stands for.
+size_t base64Bytes(std::string_view text, Base64 form);
+
 struct Base64Result {
   const char *expected = nullptr;  // null: fine
   size_t at = 0;                   // offset of what is wrong
   size_t length = 0;               // bytes that were written
 };
 
-// `out` has room for three bytes for each four that were begun.
+// `out` has room for base64Bytes.
 Base64Result decodeBase64(std::string_view text, Base64 form, char *out);
 
 }  // namespace cvt::functions

@@ -1,9 +1,12 @@
 // coding.cpp: bytes as text and back, and character sets.
-#include <cstring>
+#include <algorithm>
+#include <climits>
 #include <string>
 
 #include "base64.h"
 #include "kit/charset.h"
+#include "kit/fault.h"
+#include "settings.h"
 #include "topics.h"
 
 namespace cvt::functions {
@@ -16,6 +19,8 @@ constexpr size_t kWhole = kit::Fault::kHere;
 constexpr size_t kMaxSetName = 40;
 constexpr char kHex[] = "0123456789ABCDEF";
 
+size_t f_mostBytes = INT_MAX - 1;  // of a result
+
 // --- Base64 and hexadecimal digits ---------------------------------------------------------------------------
 
 template <Base64 kForm>
@@ -24,16 +29,13 @@ void base64Encode(kit::Call &call) {
   encodeBase64(bytes, kForm, call.result(base64Length(bytes.size(), kForm)));
 }
 
-// The result is as long as the text makes it in the end.
 template <Base64 kForm>
 void base64Decode(kit::Call &call) {
   const std::string_view text = call.text(0);
-  char *out = call.result(text.size() / 4 * 3 + 3);
-  const Base64Result result = decodeBase64(text, kForm, out);
+  const Base64Result result = decodeBase64(text, kForm, call.result(base64Bytes(text, kForm)));
   if (result.expected != nullptr) {
     call.refuse(0, result.at, result.expected, result.at < text.size() ? "something else" : "the end");
   }
-  call.shorten(result.length);
 }
 
 void hexEncode(kit::Call &call) {
@@ -126,28 +128,33 @@ const kit::Charset &charset(kit::Call &call, int argument) {
   return *set;
 }
 
-// Damage in the first argument is refused.
-void check(kit::Call &call, const kit::Converted &converted) {
-  if (converted.damage == kit::Damage::None) return;
-  call.refuse(0, converted.read, kit::damageText(converted.damage), "others");
+// The first argument, converted by the member of the set in the second. most: bytes that the result has at most; it
+// may have less by far, so that the limit is what counts.
+void convert(kit::Call &call, const kit::Charset &set, size_t most,
+             decltype(&kit::Charset::encode) conversion) {
+  const std::string_view text = call.text(0);
+  const size_t room = std::min(most, f_mostBytes);
+  const kit::Converted converted = (set.*conversion)(text.data(), text.size(), call.result(room), room);
+  if (converted.damage == kit::Damage::NoRoom) {
+    throw kit::Fault(kWhole, "a result of at most " + std::to_string(room) + " bytes", "a longer one",
+                     "Shorten the arguments");
+  }
+  if (converted.damage != kit::Damage::None) {
+    call.refuse(0, converted.read, kit::damageText(converted.damage), "others");
+  }
+  call.shorten(converted.written);
 }
 
 void toCharset(kit::Call &call) {
-  const std::string_view text = call.text(0);
   const kit::Charset &set = charset(call, 1);
-  const size_t room = set.oneByte() ? text.size() : text.size() * 4 + 16;  // with marks and shifts
-  const kit::Converted converted = set.encode(text.data(), text.size(), call.result(room), room);
-  check(call, converted);
-  call.shorten(converted.written);
+  const size_t length = call.text(0).size();
+  const bool asLong = set.oneByte() || set.isUtf8();
+  convert(call, set, asLong ? length : length * 4 + 16, &kit::Charset::encode);  // with marks and shifts
 }
 
 void fromCharset(kit::Call &call) {
-  const std::string_view bytes = call.text(0);
   const kit::Charset &set = charset(call, 1);
-  const size_t room = set.decodedRoom(bytes.size());
-  const kit::Converted converted = set.decode(bytes.data(), bytes.size(), call.result(room), room);
-  check(call, converted);
-  call.shorten(converted.written);
+  convert(call, set, set.decodedRoom(call.text(0).size()), &kit::Charset::decode);
 }
 
 // --- The table -----------------------------------------------------------------------------------------------
@@ -249,5 +256,9 @@ constexpr const char *kAbout =
 }  // namespace
 
 constinit const kit::Topic kCoding = kit::topic<kFunctions>("Bytes and character sets", kAbout);
+
+void configureCoding(const Settings &settings) {
+  f_mostBytes = static_cast<size_t>(settings.nMaxResult);
+}
 
 }  // namespace cvt::functions

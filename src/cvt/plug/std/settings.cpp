@@ -10,6 +10,7 @@ void apply(const Settings &settings) {
   configureRegex(settings);
   configureTables(settings);
   configureDates(settings);
+  configureCoding(settings);
 }
 
 void configure(void *element) {

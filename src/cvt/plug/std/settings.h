@@ -61,5 +61,6 @@ void apply(const Settings &settings);
 void configureRegex(const Settings &settings);   // regex.cpp
 void configureTables(const Settings &settings);  // table.cpp
 void configureDates(const Settings &settings);   // date.cpp
+void configureCoding(const Settings &settings);  // coding.cpp
 
 }  // namespace cvt::functions
