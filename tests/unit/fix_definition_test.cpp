@@ -221,6 +221,11 @@ TEST(FixDefinition, CountFieldIsAWholeNumber) {
   expectRefusal(refusal({field("N", "nLen=\"1\""), loop("L", "", body, "N")}),
                 "expected a count field that is a whole number, found N");
   expectRefusal(
+      refusal({field("N", "nLen=\"2\" psType=\"number\" psBlank=\"allowed\""), loop("L", "", body, "N")}),
+      "expected a count field that is a whole number, found N. Write psType=\"number\" or another number "
+      "type "
+      "on it, without psBlank and other uses.");
+  expectRefusal(
       refusal({field("N", "nLen=\"3\" psType=\"number\" nDecimals=\"1\""), loop("L", "", body, "N")}),
       "expected a count field");
   expectRefusal(refusal({loop("L", "", body, "N"), field("N", "nLen=\"1\" psType=\"number\"")}),

@@ -86,8 +86,32 @@ TEST(FixLoop, APositionIsTheNumberOfTheRepetitionAroundIt) {
                 "\"01\".");
   expectRefusal(faultOf("011  020101"),
                 "Field[L[0].K[1].No] Offset[9]: expected 2, the number of its repetition");
-  const Record read = parse("M", "01   00022  00");
-  EXPECT_EQ(generate(read), "011  00022  00") << "a blank one may be read, and is written";
+}
+
+TEST(FixLoop, ABlankPositionIsRefused) {
+  for (const char *type : {"text", "number"}) {
+    const OneMessage m({loop("L", "nCount=\"2\"",
+                             {field("No", "nLen=\"2\" psType=\"" + std::string(type) + "\" nPosition=\"1\""),
+                              field("A", "nLen=\"1\"")})});
+    expectRefusal(faultOf("  a  b"), "Field[L[0].No] Offset[0]: expected ");
+  }
+}
+
+TEST(FixLoop, ABlankPositionComesBackWhereItIsAllowed) {
+  for (const char *type : {"text", "number"}) {
+    const OneMessage m({loop(
+        "L", "nCount=\"2\"",
+        {field("No", "nLen=\"2\" psBlank=\"allowed\" nPosition=\"1\" psType=\"" + std::string(type) + "\""),
+         field("A", "nLen=\"1\"")})});
+    expectSame("  a  b");
+    const Record message = create("M");
+    for (const char *value : {"a", "b"}) {
+      addTime(message, "L");
+      set(message, "L.A", value);
+    }
+    expectSame(generate(message));
+    EXPECT_EQ(get(parse("M", generate(message)), "L.No"), "2");
+  }
 }
 
 TEST(FixLoop, APositionIsWrittenWhateverItsValueSays) {

@@ -348,10 +348,11 @@ class LevelCompiler {
     const auto at = static_cast<size_t>(node.countNode);
     FieldPlan &field = m_plan.fields[m_plan.ops[at].detail];
     const bool own = !field.constant && !field.optional && !field.decides && !field.position &&
-                     field.lengthOf == LengthOf::Nothing;
+                     !field.blankAllowed && field.lengthOf == LengthOf::Nothing;
     if (!field.isNumber() || field.number.decimals != 0 || !own) {
-      throw Misconfigured(path, m_shape.nodes[at].record, "a count field that is a whole number", field.name,
-                          "Write psType=\"number\" or another number type on it");
+      throw Misconfigured(
+          path, m_shape.nodes[at].record, "a count field that is a whole number", field.name,
+          "Write psType=\"number\" or another number type on it, without psBlank and other uses");
     }
     field.counts.push_back(node.slot);
     plan.countSlot = m_plan.ops[at].slot;

@@ -219,7 +219,8 @@ class FieldCompiler {
   }
 
   void compileBlank() {
-    const bool byDefault = !m_plan.isNumber() && m_record.psDefault == nullptr && !listLacksBlank();
+    const bool byDefault =
+        !m_plan.isNumber() && m_record.psDefault == nullptr && m_record.nPosition == 0 && !listLacksBlank();
     m_plan.blankAllowed = m_record.nBlank == kNotGiven ? byDefault : m_record.nBlank == kBlankAllowed;
     if (is(FieldType::Raw) && !m_plan.trims && m_plan.lengthBy == Length::Fixed) m_plan.blankAllowed = false;
     if (!m_plan.blankAllowed || !m_plan.isNumber()) return;

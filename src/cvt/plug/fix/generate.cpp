@@ -219,7 +219,7 @@ class Generator {
     if (plan.optional && !anyGiven(level, static_cast<int>(i), values)) return;
     m_call.path.field(plan.name);
     endRecord();
-    if (plan.position) return writeKnown(plan, static_cast<size_t>(m_call.path.repetition()) + 1, m_out);
+    if (plan.position) return position(plan, op.slot, values);
     const size_t start = m_out.offset();
     if (plan.lengthOf != LengthOf::Nothing) {
       m_lengthsAt[plan.lengthNumber] = start;
@@ -230,6 +230,12 @@ class Generator {
     if (plan.lengthBy == Length::Field) {
       writeLength(level.fields[plan.lengthField], m_out.offset() - start);
     }
+  }
+
+  // The number of the repetition, whatever the value says; a blank that was read comes back.
+  void position(const FieldPlan &plan, int slot, const List &values) {
+    if (plan.blankAllowed && values.given(slot) && values.empty(slot)) return writeField(plan, {}, m_out);
+    writeKnown(plan, static_cast<size_t>(m_call.path.repetition()) + 1, m_out);
   }
 
   // Whether an optional field, or one behind it in the record, was given a value, be it an empty one.

@@ -50,8 +50,7 @@ constexpr kit::Attribute kFieldRows[] = {
     KIT_TEXT(FixField, psDefault, nullptr, "written when the value is empty"),
     KIT_WORD(FixField, nBlank, "psBlank", kNotGiven, kBlanks,
              "whether the field may be blank; its value is empty then. Default: allowed for texts without "
-             "psDefault and "
-             "for psValues with an empty one, else refused"),
+             "psDefault and nPosition and for psValues with an empty one, else refused"),
     KIT_TEXT(FixField, psCharset, nullptr, "default: the message's"),
     KIT_WORD(FixField, nControl, "psControl", kNotGiven, kControls, "default: the message's"),
     KIT_WORD(FixField, nOverflow, "psOverflow", kOverflowError, kOverflows,
