@@ -372,6 +372,16 @@ TEST_F(Json, ACountFieldIsCheckedFilledInAndGenerated) {
           "Field[N] Offset[16]: expected 1, the number of repetitions of L, found \"3\".");
 }
 
+TEST_F(Json, AWrongCountIsToldWithItsGroups) {
+  define("",
+         {group("Head", "", {field("A"), group("In", "", {field("N", "psType=\"number\"")})}),
+          loop("Rows", "", "", {group("G", "", {field("A"), field("M")}), loop("K", "", "", {}, "M")}, "N")});
+  refused("{\"Head\":{\"In\":{\"N\":3}},\"Rows\":[{}]}",
+          "Field[Head.In.N] Offset[35]: expected 1, the number of repetitions of Rows, found \"3\".");
+  refused("{\"Rows\":[{\"G\":{\"M\":\"2\"},\"K\":[\"a\"]}]}",
+          "Field[Rows[0].G.M] Offset[34]: expected 1, the number of repetitions of K, found \"2\".");
+}
+
 TEST_F(Json, APositionNumbersTheRepetitionsOfTheInnermostLoop) {
   define("", {loop("L", "", "",
                    {field("No", "psType=\"number\" nPosition=\"1\""),

@@ -70,6 +70,15 @@ void checkSupplied(const char *attribute, const char *value, const RuleText &tex
       std::to_string(characters) + ", " + quotedText(value), "Raise nMaxLen, or shorten the value");
 }
 
+// The node with the groups around it, as far as they belong to the level.
+std::string pathInLevel(const Level &level, size_t position) {
+  std::string path;
+  for (size_t i = 0; i < position; ++i) {
+    if (level.nodes[i].next > static_cast<int>(position)) path = nodePath(path, level.nodes[i]);
+  }
+  return nodePath(path, level.nodes[position]);
+}
+
 }  // namespace
 
 Rules::Rules(const Level &level) : m_level(level), m_counted(level.nodes.size(), kNone) {
@@ -146,8 +155,8 @@ std::vector<Count> countsOf(const Level &level) {
   std::vector<Count> counts;
   for (const Node &node : level.nodes) {
     if (node.kind != NodeKind::Loop || node.countNode < 0) continue;
-    const Node &field = level.nodes[static_cast<size_t>(node.countNode)];
-    counts.push_back({field.slot, node.slot, field.name, node.name});
+    const auto field = static_cast<size_t>(node.countNode);
+    counts.push_back({level.nodes[field].slot, node.slot, pathInLevel(level, field), node.name});
   }
   return counts;
 }
@@ -166,7 +175,7 @@ void checkCount(const Count &count, List list, Store &store, Path &path) {
   const std::string_view inner = trimmed(value);
   const auto [end, error] = std::from_chars(inner.data(), inner.data() + inner.size(), told);
   if (error == std::errc() && end == inner.data() + inner.size() && told == times) return;
-  path.field(count.node);
+  path.field(count.node.c_str());
   throw Fault(Fault::kHere, std::to_string(times) + ", the number of repetitions of " + count.loopNode,
               quotedText(value), "Correct the count");
 }

@@ -108,7 +108,7 @@ bool given(const Rule &rule, const List &list);
 struct Count {
   int slot;
   int loop;
-  const char *node;
+  std::string node;  // with the groups around it
   const char *loopNode;
 };
 
