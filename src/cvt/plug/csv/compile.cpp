@@ -145,6 +145,7 @@ void Compiler::content(Compound &record, const Scope &scope, size_t from, size_t
       record.wrapsSlot = level.nodes[at].slot;
       continue;
     }
+    checkBehind(record.fields, scope, at, "another node");
     record.fields.push_back(member(scope, at));
   }
   records(record.records, scope, at, to);

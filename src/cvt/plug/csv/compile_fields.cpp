@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <utility>
 
 #include "compiler.h"
@@ -35,6 +36,27 @@ std::vector<std::string> valuesOf(const char *list) {
 }
 
 }  // namespace
+
+// Whether it leaves nothing of its record to what stands behind it.
+bool Compiler::takesAll(const Item &item) const {
+  if (item.kind == ItemKind::Field) {
+    return item.field.shape == Shape::Rest && m_plan->dialect.continuation.empty();
+  }
+  if (item.kind == ItemKind::Loop) return item.compound->countSlot < 0;
+  const std::vector<Item> &members = item.compound->fields;
+  return std::any_of(members.begin(), members.end(), [this](const Item &each) { return takesAll(each); });
+}
+
+// What comes behind the members would never be read.
+void Compiler::checkBehind(const std::vector<Item> &members, const Scope &scope, size_t at,
+                           const char *next) const {
+  if (members.empty() || !takesAll(members.back())) return;
+  const Node &node = scope.rules->level().nodes[at];
+  throw Misconfigured(
+      kit::nodePath(scope.path, node), placeOf(node),
+      "nothing behind what takes all that is left of its record", next,
+      "Let that be the last; count a loop with psLoopNumName, continue a rest with psContinuation");
+}
 
 Item Compiler::member(const Scope &scope, size_t at) {
   const Node &node = scope.rules->level().nodes[at];
@@ -102,6 +124,7 @@ Item Compiler::fieldGroup(const Scope &scope, size_t at) {
   const Scope inner{path, scope.rules};
   const Level &level = scope.rules->level();
   for (size_t i = at + 1; i < static_cast<size_t>(node.next); i = static_cast<size_t>(level.nodes[i].next)) {
+    if (item.kind != ItemKind::Choice) checkBehind(item.compound->fields, inner, i, "another node");
     item.compound->fields.push_back(member(inner, i));
   }
   if (item.kind == ItemKind::Choice) choice(*item.compound, said, inner, at);
@@ -174,8 +197,10 @@ Item Compiler::fieldLoop(const Scope &scope, size_t at) {
   }
   const Scope inner{single ? scope.path : path, &rules};
   for (size_t i = 0; i < body.nodes.size(); i = static_cast<size_t>(body.nodes[i].next)) {
+    checkBehind(loop.fields, inner, i, "another node");
     loop.fields.push_back(member(inner, i));
   }
+  checkBehind(loop.fields, scope, at, "a further repetition");
   loop.first = firstField(loop.fields);
   return item;
 }

@@ -37,6 +37,8 @@ class Compiler {
   void tag(Compound &record, const CsvRecord &said, const std::string &path);
 
   // Nodes for fields.
+  bool takesAll(const Item &item) const;
+  void checkBehind(const std::vector<Item> &members, const Scope &scope, size_t at, const char *next) const;
   Item member(const Scope &scope, size_t at);
   Item field(const Scope &scope, size_t at);
   Item fieldGroup(const Scope &scope, size_t at);

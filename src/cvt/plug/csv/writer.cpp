@@ -128,26 +128,18 @@ size_t Writer::wrapLength() const {
          (m_dialect.tagBack.empty() ? m_dialect.separator.bytes.size() : 0);
 }
 
-// Whether the record was continued before this field when it was read.
+// Whether the record is continued before this field: behind a rest, and where it was when it was read.
 bool Writer::wrapIsDue() {
   ++m_number;
-  if (m_afterRest) {
-    if (m_dialect.continuation.empty()) {
-      throw Fault(Fault::kHere, "no field behind one of kind rest", "another one",
-                  "Let it be the last, or set psContinuation of CsvMsg");
-    }
-  } else if (m_wraps.empty()) {
-    return false;
-  }
-  m_afterRest = false;
+  const bool due = std::exchange(m_afterRest, false);
+  if (m_wraps.empty()) return due;
   size_t number = 0;
   const auto [end, error] = std::from_chars(m_wraps.data(), m_wraps.data() + m_wraps.size(), number);
-  if (m_wraps.empty()) return true;
   if (error != std::errc() || number < m_number) {
     throw Fault(Fault::kHere, "numbers of fields in rising order where the record is continued",
                 kit::quoted(m_wraps.data(), m_wraps.size()), "Leave the field of kind wraps empty");
   }
-  if (number > m_number) return false;
+  if (number > m_number) return due;
   m_wraps.remove_prefix(static_cast<size_t>(end - m_wraps.data()));
   if (!m_wraps.empty() && m_wraps[0] == ' ') m_wraps.remove_prefix(1);
   return true;
