@@ -156,6 +156,7 @@ TEST(FixDefinition, ValuesMustFitTheField) {
   expectRefusal(refusal("nLen=\"2\" psValues=\"ab|abc\""), "found \"abc\"");
   expectRefusal(refusal("nLen=\"2\" psDefault=\"abc\" psOverflow=\"cut\""), "found \"abc\"");
   expectRefusal(refusal("nLen=\"2\" psType=\"number\" psConst=\"x\""), "expected a decimal number");
+  expectRefusal(refusal("psType=\"number\" psConst=\"5\""), "expected nLen, found no length");
   expectRefusal(refusal("nLen=\"2\" psType=\"packed\" psConst=\"\""),
                 "expected a number, found an empty psConst");
   expectRefusal(refusal("psConst=\"\xC3\xA9\"", "psCharset=\"US-ASCII\""),

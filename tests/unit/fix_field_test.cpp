@@ -312,6 +312,11 @@ TEST(FixField, LenientMessageReadsABlankFieldWithDefault) {
   EXPECT_EQ(OneField("nLen=\"3\" psDefault=\"EUR\"", "nLenient=\"1\"").read("   "), "");
 }
 
+TEST(FixField, LenientMessageRefusesABlankNumberWithDefault) {
+  expectRefusal(OneField("nLen=\"3\" psType=\"number\" psDefault=\"5\"", "nLenient=\"1\"").read("   "),
+                "expected digits");
+}
+
 TEST(FixField, BlankCanBeRefused) {
   const OneField f("nLen=\"3\" psBlank=\"refused\"");
   EXPECT_EQ(f.read("   "),

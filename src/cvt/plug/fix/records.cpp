@@ -38,7 +38,9 @@ constexpr kit::Attribute kMsgRows[] = {
 
 constexpr kit::Attribute kFieldRows[] = {
     KIT_INT(FixField, nLen, 0, 1, kMaxLength,
-            "length; may be left out with psConst. With psLenField, psEnd or nRest: at most that many bytes"),
+            "length; may be left out with psConst on texts and raw. With psLenField, psEnd or nRest: at most "
+            "that "
+            "many bytes"),
     KIT_WORD(FixField, nType, "psType", 0, kTypes, "what the bytes are"),
     KIT_WORD(FixField, nUnit, "psUnit", kNotGiven, kUnits, "what nLen counts; default: the message's"),
     KIT_WORD(FixField, nAlign, "psAlign", kNotGiven, kAligns, "default: texts left, numbers right"),
