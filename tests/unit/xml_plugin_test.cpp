@@ -182,7 +182,8 @@ TEST(XmlPlugin, ACountFieldIsWrittenCheckedAndFilledIn) {
   EXPECT_EQ(generate(document), "<M><Lines count=\"2\"><Line>a</Line><Line>b</Line></Lines></M>");
   EXPECT_EQ(parse("M", "<M><Lines count=\"3\"><Line>a</Line></Lines></M>"), nullptr);
   EXPECT_TRUE(
-      told("Field[Count] Offset[42]: expected 1, the number of repetitions of Line, found \"3\". Correct the "
+      told("Field[Lines.Count] Offset[42]: expected 1, the number of repetitions of Line, found \"3\". "
+           "Correct the "
            "count."))
       << told();
 }
