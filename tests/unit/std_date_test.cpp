@@ -125,8 +125,16 @@ TEST(StdDate, TheNearestDateIsNeverFurtherThanHalfAYear) {
   EXPECT_EQ(resultOf("nearestDate", {"0229", "MMdd", "yyyyMMdd", "1900-02-01"}), "18960229");
   EXPECT_EQ(resultOf("nearestDate", {"1231", "MMdd", "yyyyMMdd", "0001-01-01"}), "00011231");
   EXPECT_EQ(resultOf("nearestDate", {"0101", "MMdd", "yyyyMMdd", "9999-12-31"}), "99990101");
-  EXPECT_EQ(resultOf("nearestDate", {"19850101", "yyyyMMdd", "yyMMdd", "2024-01-01"}), "850101");
   EXPECT_EQ(resultOf("nearestDate", {"0101", "MMdd", "yyyyMMdd", "2024-1-1"}), "refused");
+}
+
+TEST(StdDate, TheNearestDateBringsItsYearAndItsWeekday) {
+  EXPECT_EQ(resultOf("nearestDate", {"20200301", "yyyyMMdd", "yyyyMMdd", "2024-03-01"}), "refused");
+  EXPECT_EQ(resultOf("nearestDate", {"200301", "yyMMdd", "yyyyMMdd", "2024-03-01"}), "refused");
+  EXPECT_EQ(resultOf("nearestDate", {"Mon 0301", "EEE MMdd", "EEE yyyy-MM-dd", "2024-03-01"}), "refused")
+      << "it is a Friday";
+  EXPECT_EQ(resultOf("nearestDate", {"EEE 0301", "'EEE' MMdd", "EEE yyyy-MM-dd", "2024-03-01"}),
+            "Fri 2024-03-01");
 }
 
 // --- Patterns ------------------------------------------------------------------------------------------------
@@ -187,7 +195,7 @@ TEST(StdPattern, OfEveryByteOnlyItsLettersAreLetters) {
     const std::string sByte(1, c);
     if (!bLetter && c != '\'') {
       EXPECT_EQ(resultOf("reformatDate", {"2024" + sByte, "yyyy" + sByte, sByte + "yyyy"}), sByte + "2024");
-    } else if (bLetter && sLetters.find(c) == std::string::npos) {
+    } else if (bLetter && sLetters.find(c) == std::string::npos && c != 'Y') {
       EXPECT_EQ(
           errorOf("isDate", {"2024", "yyyy" + sByte}).find("Arg[2] Len[5] Offset[4]: expected a letter"), 0U)
           << c;
@@ -257,6 +265,37 @@ TEST(StdPattern, OnesThatMakeNoSenseAreRefused) {
             "patterns are in docs/functions.md.");
   EXPECT_EQ(resultOf("isDate", {std::string(64, '-'), std::string(64, '-')}), "1");
   EXPECT_EQ(resultOf("isDate", {"x", std::string(1'000'000, 'y')}), "refused");
+}
+
+TEST(StdPattern, AFaultOfThePatternShowsWhateverTheTextIs) {
+  for (const std::string sPattern : {"hh:mm", "h", "a", "DDD", "DDD MM", "yyyymmdd", "DD.MM.yyyy", "yyyy'"}) {
+    for (const std::string sText : {"", "abc", "01:00", "2024"}) {
+      EXPECT_EQ(errorOf("isDate", {sText, sPattern}).find("Arg[2] Len["), 0U) << sPattern << " " << sText;
+    }
+  }
+  EXPECT_EQ(resultOf("isDate", {"abc", "hh:mm a"}), "0");
+  EXPECT_EQ(resultOf("isDate", {"abc", "yyDDD"}), "0");
+  EXPECT_EQ(resultOf("isDate", {"", ""}), "1");
+}
+
+TEST(StdPattern, TwoOffsetsAreRefused) {
+  EXPECT_EQ(errorOf("reformatDate", {"2024-01-01 +01:00 +0200", "yyyy-MM-dd XXX Z", "yyyy-MM-dd xxx"})
+                .find("Arg[2] Len[16] Offset[15]: expected one offset from UTC,"),
+            0U);
+  EXPECT_EQ(resultOf("reformatDate", {"12Z", "HHXXX", "HHXXxxx"}), "refused");
+}
+
+TEST(StdPattern, AWrongNumberOfALetterIsToldWithTheRightOnes) {
+  const auto told = [](const std::string &sPattern) {
+    const std::string sError = errorOf("isDate", {"", sPattern});
+    const size_t nFrom = sError.find("expected ") + 9;
+    return sError.substr(nFrom, sError.find(", found") - nFrom);
+  };
+  EXPECT_EQ(told("DD.MM.YYYY"), "DDD, the day of the year; dd is the day of the month");
+  EXPECT_EQ(told("dd.MM.YYYY"), "yyyy, the year");
+  EXPECT_EQ(told("ddd"), "dd or d, the day of the month; DDD is the day of the year");
+  EXPECT_EQ(told("yyy"), "yyyy or yy, the year");
+  EXPECT_EQ(told("HH:m"), "mm, the minute");
 }
 
 TEST(StdPattern, TextsThatDoNotFitAreToldWhere) {

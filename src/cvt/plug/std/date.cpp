@@ -171,13 +171,17 @@ void nearestDate(kit::Call &call) {
   constexpr int kYears = 8;  // between two leap days, at most
   const Moment moment = read(call, 0, 1);
   if (moment.month == 0 || moment.day == 0) call.refuse(1, kWhole, "a pattern with month and day", "less");
+  if (moment.year != 0 || hasPart(call.text(1), 'E')) {
+    call.refuse(1, kWhole, "a pattern without year and weekday", "one of them",
+                "Both are those of the nearest date");
+  }
   const int64_t reference = referenceDay(call, 3);
   const int middle = momentOf(reference * kDay, 0).year;
   Moment nearest = moment;
   for (int year = std::max(middle - kYears, 1); year <= std::min(middle + kYears, 9999); ++year) {
     Moment candidate = moment;
     candidate.year = year;
-    if (moment.year != 0 || moment.day > daysOfMonth(year, moment.month)) continue;
+    if (moment.day > daysOfMonth(year, moment.month)) continue;
     const auto distance = [&](const Moment &date) { return std::abs(dayNumber(date) - reference); };
     if (nearest.year == 0 || distance(candidate) < distance(nearest)) nearest = candidate;
   }
@@ -263,8 +267,8 @@ constexpr kit::FunctionRow kFunctions[] = {
                                            "yyyy, found something else. " LETTERS},
       {{"1231", "MMdd", "yyyyMMdd"}, "Arg[3] Len[8] Offset[0]: expected parts that are known from the value, found "
                                      "something else. " LETTERS},
-      {{"20241231", "YYYYMMDD", "yyyyMMdd"}, "Arg[2] Len[8] Offset[0]: expected a letter of dates and times, or quotes "
-                                             "around it, found something else. " LETTERS}}},
+      {{"20241231", "YYYYMMDD", "yyyyMMdd"}, "Arg[2] Len[8] Offset[0]: expected yyyy, the year, found something else. "
+                                             LETTERS}}},
 
     {"isDate",
      {{"value", "any text"}, PATTERN}, 2, 2, isDate,
@@ -273,7 +277,9 @@ constexpr kit::FunctionRow kFunctions[] = {
       {{"20230229", "yyyyMMdd"}, "0"},
       {{"", "yyyyMMdd"}, "0"}},
      {{{"20240229", "yyyymmdd"}, "Arg[2] Len[8] Offset[4]: expected hours beside minutes; months are MM, found something "
-                                 "else. " LETTERS}}},
+                                 "else. " LETTERS},
+      {{"no date", "DD.MM.yyyy"}, "Arg[2] Len[10] Offset[0]: expected DDD, the day of the year; dd is the day of the "
+                                  "month, found something else. " LETTERS}}},
 
     {"addDays",
      {VALUE, PATTERN, {"days", "a whole number"}, TO}, 3, 4, addDays,
@@ -320,7 +326,9 @@ constexpr kit::FunctionRow kFunctions[] = {
       {{"0102", "MMdd", "yyyyMMdd", "2024-12-31"}, "20250102"},
       {{"0229", "MMdd", "yyyyMMdd", "2025-07-01"}, "20240229"},
       {{"0301083000", "MMddHHmmss", "yyyy-MM-dd HH:mm:ss"}, "2024-03-01 08:30:00"}},
-     {{{"12", "MM", "yyyyMM"}, "Arg[2] Len[2]: expected a pattern with month and day, found less."}}},
+     {{{"12", "MM", "yyyyMM"}, "Arg[2] Len[2]: expected a pattern with month and day, found less."},
+      {{"20200301", "yyyyMMdd", "yyyyMMdd"}, "Arg[2] Len[8]: expected a pattern without year and weekday, found one of "
+                                             "them. Both are those of the nearest date."}}},
 
     {"toZone",
      {VALUE, PATTERN, {"fromZone", "where the value's clock hangs; not asked when the value has its offset"},

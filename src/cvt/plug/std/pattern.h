@@ -33,6 +33,9 @@ inline constexpr size_t kMomentRoom = 5 * kMaxPattern;  // what a pattern can be
 void setFirstYear(int year);
 int firstYear();
 
+// Whether a pattern has a letter that stands for a part.
+bool hasPart(std::string_view pattern, char letter);
+
 // Reads the whole text. What the pattern leaves out is not known; a time is midnight then.
 Misfit readMoment(std::string_view text, std::string_view pattern, Moment &moment);
 

@@ -25,7 +25,8 @@ bool startsWith(std::string_view text, std::string_view word) {
 // Reads on behind what is wrong, into what nobody looks at.
 class Reader {
  public:
-  Reader(std::string_view text, std::string_view pattern) : m_text(text), m_tokens(pattern, m_misfit) {}
+  Reader(std::string_view text, std::string_view pattern)
+      : m_text(text), m_tokens(pattern, Use::Read, m_misfit) {}
 
   Misfit read(Moment &moment) {
     for (Token token; m_tokens.next(token);) {
@@ -166,20 +167,17 @@ class Reader {
       refuse("the weekday of the date", m_weekdayAt);
     }
     if (m_hour12 >= 0) setHour12();
-    if (m_half >= 0 && m_hour < 0) return m_tokens.refuse("hours beside AM or PM");
     if (m_half >= 0 && m_hour / kNoon != m_half) refuse("the half of the day that the hour is in", m_halfAt);
     if (m_hour > 0) m_moment.second += m_hour * 3600;
   }
 
   void setHour12() {
-    if (m_half < 0) return m_tokens.refuse("an a (AM or PM) beside hours to 12");
     const int hour = m_hour12 + m_half * kNoon;
     if (m_hour >= 0 && m_hour != hour) return refuse("the hour to 12 of the hour", m_hour12At);
     m_hour = hour;
   }
 
   void setDayOfYear() {
-    if (m_moment.year == 0) return m_tokens.refuse("a year beside the day of the year");
     const int64_t first = secondsOf({m_moment.year, 1, 1, 0, 0, {}});
     const Moment date = momentOf(first + int64_t{m_dayOfYear - 1} * kDay, 0);
     if (date.year != m_moment.year) return refuse("a day that the year has", m_dayOfYearAt);

@@ -29,13 +29,14 @@ struct Token {
 // A pattern without faults, taken apart: those used last are kept, since configurations have few.
 struct KnownPattern;
 
-// What is wrong is noted in a Misfit, the first of all that use it; then the tokens are at their end.
+// What a pattern is for. A text that is to be read must say what its parts mean: hours to 12 their half of the day.
+enum class Use { Read, Write };
+
+// What is wrong is noted in a Misfit, the first of all that use it; then the tokens are at their end. A fault of the
+// pattern is noted before the first token, whatever the text is.
 class Tokens {
  public:
-  Tokens(std::string_view pattern, Misfit &misfit)
-      : m_pattern(pattern), m_misfit(misfit), m_known(find(pattern)) {
-    if (pattern.size() > kMaxPattern) refuse("a pattern of at most 64 bytes");
-  }
+  Tokens(std::string_view pattern, Use use, Misfit &misfit);
 
   // False at the end.
   bool next(Token &token);
@@ -46,27 +47,10 @@ class Tokens {
   }
 
  private:
-  // Takes the pattern apart, for patterns that are not known.
-  struct Anew {};
-  Tokens(std::string_view pattern, Misfit &misfit, Anew) : m_pattern(pattern), m_misfit(misfit) {}
-  static const KnownPattern *find(std::string_view pattern);
-  static bool learn(std::string_view pattern, KnownPattern &known);
-
-  bool readNext(Token &token);
-  void part(Token &token);
-  void end();
-  bool seen(char letter) const { return (m_seen >> (letter - 'A') & 1) != 0; }
-
-  std::string_view m_pattern;
   Misfit &m_misfit;
-  const KnownPattern *m_known = nullptr;
-  size_t m_position = 0;  // of the next token of a known pattern
+  const KnownPattern *m_known;
+  size_t m_position = 0;  // of the next token
   size_t m_begin = 0;     // of the last token
-  size_t m_at = 0;
-  bool m_quoted = false;
-  bool m_openEnd = false;  // the last token was a number that may go on
-  uint64_t m_seen = 0;     // letters
-  size_t m_minutesAt = 0;
 };
 
 }  // namespace cvt::functions

@@ -14,7 +14,7 @@ constexpr int kNoon = 12;
 class Writer {
  public:
   Writer(const Moment &moment, std::string_view pattern, char *out)
-      : m_moment(moment), m_tokens(pattern, m_misfit), m_begin(out), m_next(out) {}
+      : m_moment(moment), m_tokens(pattern, Use::Write, m_misfit), m_begin(out), m_next(out) {}
 
   Misfit write(size_t &length) {
     for (Token token; m_tokens.next(token);) {
