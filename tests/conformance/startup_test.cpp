@@ -367,6 +367,20 @@ TEST_F(Reloading, ForgetsRecordsOfTheGenerationBefore) {
   EXPECT_NE(cvtGetMsg(cs("Order")), nullptr);
 }
 
+// A host may read a section by itself, and one that is not there is none.
+TEST_F(StartUp, ASectionThatIsNotThereDoesNotFailForWhatFailedBefore) {
+  test::clearLog();
+  nGRet = -1;
+  EXPECT_NE(cvtFmtInit(nullptr, nullptr), nullptr);
+  EXPECT_EQ(nGRet, 0);
+  nGRet = -1;
+  EXPECT_NE(cvtCvtInit(nullptr, nullptr), nullptr);
+  EXPECT_EQ(nGRet, 0);
+  nGRet = -1;
+  EXPECT_EQ(cvtIdInit(nullptr, nullptr), nullptr);
+  EXPECT_EQ(trail(), Texts{"cvt_message.cpp InitValueList: Warning No Value num!!"});
+}
+
 // --- End ----------------------------------------------------------------------------------------------
 
 TEST_F(Ending, SaysNothingAndAnswersZero) {
