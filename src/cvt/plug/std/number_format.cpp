@@ -45,6 +45,12 @@ char first(std::string_view mark) {
   return mark.empty() ? '\0' : mark[0];
 }
 
+// A separator that is the point, too, would make another number of it.
+void checkApart(kit::Call &call, int separator, std::string_view point, std::string_view group) {
+  if (point.empty() || point != group) return;
+  call.refuse(separator, kWhole, "another character than the point", "the same");
+}
+
 // The first argument with as many decimals as the second one says; none that counts is lost.
 Decimal withDecimals(kit::Call &call) {
   Decimal result = number(call, 0);
@@ -61,6 +67,7 @@ void formatNumber(kit::Call &call) {
   Style style;
   style.point = mark(call, 2, ".");
   style.group = mark(call, 3, "");
+  checkApart(call, 3, style.point, style.group);
   style.sign = static_cast<SignStyle>(word(call, 4, kSignStyles, 0));
   if (call.has(5)) style.width = static_cast<size_t>(call.number(5, 1, kMaxWidth));
   if (style.width > 0 && !style.group.empty()) {
@@ -70,11 +77,10 @@ void formatNumber(kit::Call &call) {
 }
 
 void parseNumber(kit::Call &call) {
-  const Marks marks = {first(mark(call, 1, ".")), first(mark(call, 2, "")), true};
-  if (marks.point != '\0' && marks.point == marks.group) {
-    call.refuse(2, kWhole, "another character than the point", "the same");
-  }
-  answer(call, number(call, 0, marks));
+  const std::string_view point = mark(call, 1, ".");
+  const std::string_view group = mark(call, 2, "");
+  checkApart(call, 2, point, group);
+  answer(call, number(call, 0, {first(point), first(group), true}));
 }
 
 void realToImplied(kit::Call &call) {
@@ -102,9 +108,10 @@ void impliedToReal(kit::Call &call) {
 constexpr kit::FunctionRow kFunctions[] = {
     {"isNumber",
      {{"text", "any text"}}, 1, 1, isNumber,
-     "1 when the functions of this chapter take the text for a number, otherwise 0",
+     "1 when the functions of the chapter before take the text for a number, otherwise 0",
      {{{"-12.50"}, "1"},
       {{" 7 "}, "1"},
+      {{"5-"}, "0"},
       {{"1,5"}, "0"},
       {{"1e5"}, "0"},
       {{""}, "0"}}},
@@ -138,6 +145,7 @@ constexpr kit::FunctionRow kFunctions[] = {
                                         "one."},
       {{"1", "2", "::"}, "Arg[3] Len[2]: expected one ASCII character that is no digit and no sign, or none, found "
                          "another text."},
+      {{"1234.5", "2", ".", "."}, "Arg[4] Len[1]: expected another character than the point, found the same."},
       {{"1234", "0", ".", ",", "leading", "10"}, "Arg[6] Len[2]: expected no width beside a separator, found one. Fill "
                                                  "up with padLeft."}}},
 
