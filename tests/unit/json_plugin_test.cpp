@@ -148,7 +148,14 @@ TEST_F(Json, HalfASurrogatePairIsRefusedWhereItWouldBecomeAValue) {
     refused("{\"A\":\"x" + std::string(psHalf) + "\"}",
             "Field[A] Offset[7]: expected both halves of a surrogate pair, found \"\\u");
   }
+  refused(
+      "{\"\\ud800\":1}",
+      "Field[] Offset[2]: expected both halves of a surrogate pair, found \"\\ud800\". Write the other half, "
+      "too, or the character itself.");
   refused("{\"A\":\"\\x\"}", "Field[A] Offset[6]: expected an escape: ");
+  EXPECT_EQ(parse("M", "{\"A\":\"\\x\"}"), nullptr);
+  EXPECT_TRUE(told("found \"\\x\". Write a backslash itself as \\\\.")) << told();
+  test::clearLog();
   refused("{\"A\":\"\\u12g4\"}", "Field[A] Offset[6]: expected an escape: ");
   refused("{\"A\":\"\\u12\"}", "Field[A] Offset[6]: expected an escape: ");
 }
@@ -370,6 +377,12 @@ TEST_F(Json, ACountFieldIsCheckedFilledInAndGenerated) {
   becomes("{\"L\":[{},{\"K\":[\"a\"]}]}", "{\"N\":2,\"L\":[{\"M\":0},{\"M\":1,\"K\":[\"a\"]}]}");
   refused("{\"N\":3,\"L\":[{}]}",
           "Field[N] Offset[16]: expected 1, the number of repetitions of L, found \"3\".");
+}
+
+TEST_F(Json, AMissingCommaIsToldBeforeMembersThatAreMissing) {
+  define("", {field("A"), field("O", "psKind=\"others\" nMandatory=\"1\"")});
+  refused("{\"A\":\"1\" \"B\":2}", "Field[] Offset[9]: expected , or } behind the member, found text \"B\".");
+  refused("{\"A\":\"1\"}", "Field[O] Offset[8]: expected a value, found none. The field is mandatory");
 }
 
 TEST_F(Json, AWrongCountIsToldWithItsGroups) {

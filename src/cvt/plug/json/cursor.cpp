@@ -92,8 +92,7 @@ size_t Cursor::decode(std::string_view string, char *out) const {
 void Cursor::badEscape(std::string_view string, const Unescaped &bad) const {
   const std::string_view rest = string.substr(bad.at);
   throw kit::Fault(m_base + static_cast<size_t>(rest.data() - m_text), bad.expected,
-                   kit::quoted(rest.data(), std::min<size_t>(rest.size(), 12)),
-                   "Write a backslash itself as \\\\");
+                   kit::quoted(rest.data(), std::min<size_t>(rest.size(), 12)), bad.advice);
 }
 
 std::string_view Cursor::value() {

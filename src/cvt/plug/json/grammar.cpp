@@ -62,7 +62,9 @@ char plainEscape(char letter) {
 
 constexpr const char *kEscape =
     "an escape: \\\" \\\\ \\/ \\b \\f \\n \\r \\t or \\u and four hexadecimal digits";
+constexpr const char *kNoEscape = "Write a backslash itself as \\\\";
 constexpr const char *kPair = "both halves of a surrogate pair";
+constexpr const char *kNoPair = "Write the other half, too, or the character itself";
 
 }  // namespace
 
@@ -82,12 +84,12 @@ Unescaped unescape(std::string_view string, char *out) {
       continue;
     }
     const int unit = unitAt(string, at);
-    if (unit < 0) return {done.length, kEscape, at};
+    if (unit < 0) return {done.length, kEscape, at, kNoEscape};
     auto code = static_cast<uint32_t>(unit);
     size_t used = 6;
     if (isHigh(unit) || isLow(unit)) {
       const int low = isHigh(unit) ? unitAt(string, at + used) : -1;
-      if (!isLow(low)) return {done.length, kPair, at};
+      if (!isLow(low)) return {done.length, kPair, at, kNoPair};
       code = 0x10000U + (static_cast<uint32_t>(unit - 0xD800) << 10) + static_cast<uint32_t>(low - 0xDC00);
       used = 12;
     }
@@ -107,7 +109,7 @@ Unescaped checkEscapes(std::string_view string) {
     } else if (unitAt(string, at) >= 0) {
       at += 6;
     } else {
-      return {0, kEscape, at};
+      return {0, kEscape, at, kNoEscape};
     }
   }
   return {};

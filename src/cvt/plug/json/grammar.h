@@ -52,6 +52,7 @@ struct Unescaped {
   size_t length = 0;               // bytes written
   const char *expected = nullptr;  // null: fine
   size_t at = 0;                   // where the escape begins that is wrong
+  const char *advice = nullptr;
 };
 
 // The characters of a string without its quotes, as UTF-8. out has room for string.size() bytes. Half of a

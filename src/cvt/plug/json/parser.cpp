@@ -221,8 +221,10 @@ void Parser::object(const Item &item, List values) {
     do member(item, values, open);
     while (m_in.take(','));
   }
-  if (m_in.peek() == '}') complete(item, open.seen);
-  if (item.others >= 0) putOthers(item, values, open);
+  if (m_in.peek() == '}') {
+    complete(item, open.seen);
+    if (item.others >= 0) putOthers(item, values, open);
+  }
   m_in.close('}');
   f_room.seen.resize(open.seen);
 }
