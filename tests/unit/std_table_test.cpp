@@ -56,6 +56,15 @@ TEST_F(StdTable, CommentsEmptyLinesAndEndsOfOtherSystemsAreLeftOut) {
   EXPECT_EQ(of("T", "b"), "refused");
 }
 
+TEST_F(StdTable, ACarriageReturnAloneEndsNoLineAndIsRefused) {
+  for (const std::string sText : {"DE\tGermany\rFR\tFrance\r", "# all\rDE\tGermany\r", "DE\tGermany\r\r\n"}) {
+    table("T", sText);
+    EXPECT_NE(refusal()[0].find(":1]: expected LF or CR LF between lines, found a CR alone at column "),
+              std::string::npos)
+        << sText;
+  }
+}
+
 TEST_F(StdTable, TheFirstSeparatorEndsTheKey) {
   table("T", "a\t1\t2\n\tempty\nb\t\n");
   loadTables();

@@ -42,6 +42,10 @@ class Table {
       std::string_view row = rest.substr(0, end);
       rest.remove_prefix(std::min(end + 1, rest.size()));
       if (row.ends_with('\r')) row.remove_suffix(1);
+      if (const size_t at = row.find('\r'); at != row.npos) {
+        return refuse("LF or CR LF between lines", "a CR alone at column " + std::to_string(at + 1),
+                      "Write the file with LF");
+      }
       if (!row.empty() && row[0] != '#' && !add(row, separator)) return false;
     }
     return true;
