@@ -467,6 +467,18 @@ TEST_F(CsvRecords, BraceTagsFixedFieldsAndFieldsWithAnEndOfTheirOwn) {
   refused("M", "{1500 30UserX", "Offset[0]: expected a tag that ends with \"}\", found");
 }
 
+TEST_F(CsvRecords, FixedFieldsMayHaveConstantsAndDefaultsThatFit) {
+  m_config.message(
+      "M", "",
+      {field("A", "nLen=\"2\" psConst=\"ß1\""), field("B", "nLen=\"3\" psPad=\" \" psConst=\"B\""),
+       field("C", "nLen=\"2\" psPad=\" \" psDefault=\"c \""), field("D")});
+  start();
+  const Text text = create("M");
+  set(text, "D", "d");
+  EXPECT_EQ(generate(text), "ß1B  c d\n");
+  same("M", "ß1B  c d\n");
+}
+
 TEST_F(CsvRecords, FixedFieldsAreFilledOrRefused) {
   m_config.message("M",
                    "psSeparator=\"*\" nTerminated=\"1\" psQuote=\"\" psTagFront=\"{\" psTagBack=\"}\" "

@@ -35,6 +35,17 @@ std::vector<std::string> valuesOf(const char *list) {
   return values;
 }
 
+// Whether the field can have the value that the definition supplies, if it is of fixed length. What ends like
+// its pads would be read without them, and so be no constant.
+bool fits(const Field &field, const Marks &marks, const char *supplied) {
+  if (supplied == nullptr || field.shape != Shape::Fixed) return true;
+  const std::string_view value = supplied;
+  const size_t characters = kit::Charset::countUtf8(value.data(), value.size());
+  if (characters > field.length || (characters < field.length && !field.padded)) return false;
+  const bool stripped = field.constant != nullptr && field.padded && value.ends_with(field.pad);
+  return !stripped && marks.absentIn(value);
+}
+
 }  // namespace
 
 // Whether it leaves nothing of its record to what stands behind it.
@@ -105,6 +116,11 @@ Item Compiler::field(const Scope &scope, size_t at) {
   if (misused) {
     throw Misconfigured(
         path, &said, "nLen on a field of kind value, and an ASCII psPad that is no mark with it", "another");
+  }
+  for (const char *const supplied : {item.field.constant, item.field.fallback}) {
+    if (fits(item.field, m_plan->dialect.marks, supplied)) continue;
+    throw Misconfigured(path, &said, "a psConst or psDefault that fits into the nLen characters of its field",
+                        kit::quoted(supplied), "Correct it, or nLen and psPad");
   }
   return item;
 }
