@@ -83,6 +83,16 @@ TEST(StdMod97, OnlyTheFormOfAnIbanIsOne) {
   EXPECT_EQ(nRight, 1) << "97 remainders, one pair of digits each";
 }
 
+TEST(StdMod97, ACodeHasNoOtherDigitsThanThoseThatAreMade) {
+  for (const std::string sCode : {"97", "194", "793", "A", "0"}) {
+    const std::string sDigits = resultOf("mod97Digits", {sCode});
+    for (int i = 0; i < 100; ++i) {
+      const std::string sTwo = std::to_string(100 + i).substr(1);
+      EXPECT_EQ(resultOf("mod97Check", {sCode + sTwo}), sTwo == sDigits ? "1" : "0") << sCode << " " << sTwo;
+    }
+  }
+}
+
 TEST(StdMod97, LongCodesAreCountedOn) {
   const std::string sLong(1'000'000, '7');
   const std::string sDigits = resultOf("mod97Digits", {sLong});

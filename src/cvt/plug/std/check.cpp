@@ -71,6 +71,11 @@ bool isCode(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](char c) { return isDigit(c) || isCapital(c); });
 }
 
+// Two check digits are 02 to 98; the three others would come out right, too.
+bool areCheckDigits(std::string_view two) {
+  return isDigits(two) && two != "00" && two != "01" && two != "99";
+}
+
 // Goes on with the remainder by 97; a letter counts as two digits, A 10 to Z 35.
 int remainder97(std::string_view code, int remainder = 0) {
   for (const char c : code) {
@@ -94,15 +99,14 @@ void mod97Digits(kit::Call &call) {
 
 void mod97Check(kit::Call &call) {
   const std::string_view code = call.text(0);
-  answerWhether(call, code.size() > 2 && isCode(code) && remainder97(code) == 1);
+  const bool form = code.size() > 2 && isCode(code) && areCheckDigits(code.substr(code.size() - 2));
+  answerWhether(call, form && remainder97(code) == 1);
 }
 
-// Check digits are 02 to 98; the three others would come out right, too.
 bool isIban(std::string_view text) {
   if (text.size() < 5 || text.size() > kMaxIban || !isCode(text)) return false;
   if (!isCapital(text[0]) || !isCapital(text[1])) return false;
-  const std::string_view check = text.substr(2, 2);
-  if (!isDigits(check) || check == "00" || check == "01" || check == "99") return false;
+  if (!areCheckDigits(text.substr(2, 2))) return false;
   return remainder97(text.substr(0, 4), remainder97(text.substr(4))) == 1;
 }
 
@@ -177,7 +181,8 @@ constexpr kit::FunctionRow kFunctions[] = {
      "1 when the check digits are right, 0 when they are not, or the text is not of digits and capital letters",
      {{{"79444"}, "1"},
       {{"529900T8BM49AURSDO55"}, "1"},
-      {{"529900T8BM49AURSDO56"}, "0"}}},
+      {{"529900T8BM49AURSDO56"}, "0"},
+      {{"9701"}, "0"}}},
 
     {"ibanCheck",
      {{"text", "an IBAN (ISO 13616) or a creditor reference (ISO 11649), without blanks"}}, 1, 1, ibanCheck,

@@ -61,17 +61,17 @@ void right(kit::Call &call) {
   call.answer(text.substr(bytesBeforeLast(text, lengthAt(call, 1))));
 }
 
-// The part with that number, from 1 in front or from -1 at the end; empty when there is none.
+int partsOf(std::string_view text, std::string_view separator) {
+  int parts = 1;
+  for (size_t at = 0; (at = text.find(separator, at)) != text.npos; at += separator.size()) ++parts;
+  return parts;
+}
+
+// The part with that number, from 1 in front or from -1 at the end; empty when there is none. Parts are those that
+// are found from the front, also when they are counted from the end.
 std::string_view partOf(std::string_view text, std::string_view separator, int number) {
-  for (; number < -1; ++number) {
-    const size_t at = text.rfind(separator);
-    if (at == text.npos) return {};
-    text = text.substr(0, at);
-  }
-  if (number == -1) {
-    const size_t at = text.rfind(separator);
-    return at == text.npos ? text : text.substr(at + separator.size());
-  }
+  if (number < 0) number += partsOf(text, separator) + 1;
+  if (number < 1) return {};
   for (; number > 1; --number) {
     const size_t at = text.find(separator);
     if (at == text.npos) return {};
@@ -245,6 +245,7 @@ constexpr kit::FunctionRow kFunctions[] = {
       {{"a;b;c", ";", "-1"}, "c"},
       {{"a;b;c", ";", "4"}, ""},
       {{"a//b", "/", "2"}, ""},
+      {{"a///b", "//", "-1"}, "/b"},
       {{"a => b", " => ", "1"}, "a"},
       {{"a", ";", "1"}, "a"}},
      {{{"a;b", "", "1"}, "Arg[2] Len[0]: expected a separator, found an empty one. Write at least one character."},
