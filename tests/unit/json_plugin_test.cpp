@@ -379,6 +379,14 @@ TEST_F(Json, ACountFieldIsCheckedFilledInAndGenerated) {
           "Field[N] Offset[16]: expected 1, the number of repetitions of L, found \"3\".");
 }
 
+TEST_F(Json, AMandatoryNullIsThereThoughItIsEmpty) {
+  define("", {field("Z", "psType=\"null\" nMandatory=\"1\""), field("Y", "psType=\"null\"")});
+  same("{\"Z\":null}");
+  becomes("{\"Y\":null,\"Z\":null}", "{\"Z\":null}");
+  EXPECT_EQ(generate(create("M")), "{\"Z\":null}");
+  refused("{}", "Field[Z] Offset[1]: expected member \"Z\", found the end of the object. It is mandatory.");
+}
+
 TEST_F(Json, AMissingCommaIsToldBeforeMembersThatAreMissing) {
   define("", {field("A"), field("O", "psKind=\"others\" nMandatory=\"1\"")});
   refused("{\"A\":\"1\" \"B\":2}", "Field[] Offset[9]: expected , or } behind the member, found text \"B\".");

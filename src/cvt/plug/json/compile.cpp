@@ -48,6 +48,12 @@ const char *complaint(const Item &field, const std::string &value) {
   return nullptr;
 }
 
+// What is null must not be missing because it is empty.
+int keepEmpty(const JsonField &record) {
+  const bool there = record.nType == static_cast<int>(Type::Null) && record.nMandatory != 0;
+  return there && record.nKeepEmpty == 0 ? static_cast<int>(kit::Empty::Keep) : record.nKeepEmpty;
+}
+
 // What a level of values inherits from the one around it.
 struct Scope {
   std::string path;    // of the node around, for messages
@@ -181,7 +187,7 @@ Item Compiler::field(const kit::Rules &rules, size_t at, const Scope &scope) con
   field.form = kind == FieldKind::Name ? Form::Name : kind == FieldKind::Others ? Form::Others : Form::Scalar;
   field.type = static_cast<Type>(record.nType);
   field.null = field.type == Type::Null ? Null::Empty : static_cast<Null>(record.nNull);
-  const kit::RuleText rule{record.nMandatory, record.nKeepEmpty, record.nMaxLen,
+  const kit::RuleText rule{record.nMandatory, keepEmpty(record), record.nMaxLen,
                            record.psDefault,  record.psConst,    record.nPosition};
   field.rule = rules.make(at, rule, here.path, here.record);
   field.mandatory = field.rule.mandatory;
