@@ -392,11 +392,12 @@ constexpr const char *kAbout =
     "follows. Other letters are refused; `'T'` is a letter that stands for itself, `''` a quote, and every "
     "other character stands for itself. Names are English, in capitals or not. Years are 0001 to 9999 of the "
     "Gregorian calendar, also before it began; `yy` is in the hundred years from 1969 on, unless the "
-    "plug-in's `nFirstYear` says otherwise, and no other year is written so. A time that a pattern leaves "
-    "out is midnight; digits of a second "
-    "that the result has no room for are cut off. A local time that comes twice, when clocks are put back, "
-    "is the first of the two; one that is skipped, when they are put forward, counts on with the offset from "
-    "before: both as in RFC 5545.";
+    "plug-in's `nFirstYear` says otherwise, and no other year is written so. A pattern with a fault is "
+    "refused whatever the value is. A time that a pattern leaves out is midnight; digits of a second that "
+    "the result has no room for are cut off. A local time that comes twice, when clocks are put back, is the "
+    "first of the two; one that is skipped, when they are put forward, counts on with the offset from "
+    "before: both as in RFC 5545. The format `iso8583` has other letters: what its `psDate` calls "
+    "`MMDDhhmmss` is `MMddHHmmss` here.";
 
 }  // namespace
 
