@@ -34,7 +34,10 @@ class Generator {
   void newLine();
 
   bool hasValue(const Element &element, const List &list) const;
-  std::string_view textOf(const Text &text, const List &list);
+  std::string_view textOf(const Text &text, const List &list) {
+    return text.asIs ? list.get(text.slot) : ruledText(text, list);
+  }
+  std::string_view ruledText(const Text &text, const List &list);
 
   const Plan &m_plan;
   kit::Output &m_out;
@@ -63,8 +66,9 @@ bool Generator::hasValue(const Element &element, const List &list) const {
   return false;
 }
 
-// The text to be written. One that would be read as no value is none, where there must be one.
-std::string_view Generator::textOf(const Text &text, const List &list) {
+// The text to be written of a field of which something is asked. One that would be read as no value is none, where
+// there must be one.
+std::string_view Generator::ruledText(const Text &text, const List &list) {
   const std::string_view value = textToWrite(text, list, m_path, m_digits);
   if (text.mandatory && text.layout && trimmed(value).empty()) checkRead(text, {}, m_path);
   return value;
