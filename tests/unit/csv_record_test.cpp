@@ -412,6 +412,16 @@ TEST_F(CsvRecords, AreContinuedAtTheDeclaredLength) {
   EXPECT_TRUE(told("expected a line of at most 12 bytes, found 13.")) << told();
 }
 
+TEST_F(CsvRecords, AreContinuedInTheSameLineWhereThereAreNone) {
+  m_config.message(
+      "M", "psLineEnd=\"none\" psRecordEnd=\"'\" psQuote=\"\" psContinuation=\"88\" nMaxRecord=\"12\"",
+      continued());
+  start();
+  const std::string s = "01,12345678'88,1,123456'02,x'";
+  same("M", s);
+  EXPECT_EQ(get(parse("M", s), "H"), "123456");
+}
+
 TEST_F(CsvRecords, MayStandInOneLine) {
   m_config.message("M", "psLineEnd=\"none\" psRecordEnd=\"'\" psSeparator=\"+\" psQuote=\"\" psEscape=\"?\"",
                    {record("A", "psTag=\"A\"", fields({"F", "G"})),

@@ -139,10 +139,10 @@ void compileDialect(const CsvMsg &text, Dialect &dialect) {
   dialect.quoteByte = byteOf(text, text.psQuote, "psQuote");
   dialect.escapeByte = byteOf(text, text.psEscape, "psEscape");
   dialect.quote = literal(dialect, dialect.quoteByte == 0 ? "" : text.psQuote, &text, "psQuote");
-  dialect.lf = literal(dialect, "\n", &text, "psLineEnd");
+  dialect.lineEnd = static_cast<LineEnd>(text.nLineEnd);
+  dialect.lf = literal(dialect, dialect.lineEnd == LineEnd::None ? "" : "\n", &text, "psLineEnd");
   dialect.crlf = literal(dialect, "\r\n", &text, "psLineEnd");
   dialect.comment = mark(text.psComment, "psComment");
-  dialect.lineEnd = static_cast<LineEnd>(text.nLineEnd);
   dialect.lastLineEnd = static_cast<LastLineEnd>(text.nLastLineEnd);
   dialect.innerQuotes = text.nInnerQuote == static_cast<int>(InnerQuote::Keep);
   dialect.terminated = text.nTerminated != 0;

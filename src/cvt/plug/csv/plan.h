@@ -43,7 +43,7 @@ struct Dialect {
   Literal tagBack;
   Literal continuation;  // the tag with its marks
   Literal quote;
-  Literal lf;
+  Literal lf;  // empty where records stand in one line
   Literal crlf;
   Literal comment;
   char quoteByte = 0;        // 0: there are none
