@@ -330,6 +330,15 @@ TEST_F(CsvRecords, AnEmptyLastFieldBehindAFixedOneCanBeReadAgain) {
   }
 }
 
+TEST_F(CsvRecords, AnEmptyRestBehindAFieldWithAnEndOfItsOwnCanBeReadAgain) {
+  m_config.message("M", "nTerminated=\"1\" psQuote=\"\"",
+                   {record("A", "psTag=\"A\"", {field("F"), field("R", "psKind=\"rest\"")}),
+                    record("B", "psTag=\"B\" nMandatory=\"1\"", {field("S", "psKind=\"rest\"")})});
+  start();
+  for (const char *const ps : {"A,f,\nB,\n", "A,f,r\nB,s,t\n"}) same("M", ps);
+  refused("M", "A,\nB,\n", "Field[A.F] Offset[2]: expected another field in the record, found its end.");
+}
+
 TEST_F(CsvRecords, AnEmptyLastFieldBehindATagInBracesCanBeReadAgain) {
   const std::vector<FormatNode> one = {record("R", "psTag=\"10\" nMandatory=\"1\"", {field("B")}),
                                        record("S", "psTag=\"20\"", {field("C")})};

@@ -43,7 +43,8 @@ bool Parser::standsInNothing(const Field &field) const {
 }
 
 void Parser::absent(const Field &field, const Compound &record, List values) {
-  if (m_reader.bare()) {
+  // Where separators end fields, none is behind the last field for a rest that is empty.
+  if (m_reader.bare() || (m_plan.dialect.terminated && field.shape == Shape::Rest)) {
     const Token nothing = m_reader.nothing();
     if (!record.shortened && standsInNothing(field)) return put(field, nothing, values);
   }
