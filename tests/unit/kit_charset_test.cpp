@@ -204,6 +204,36 @@ TEST(KitCharset, DescriptorsForgetWhatFailed) {
   EXPECT_EQ(decode("ISO-2022-JP", "F|"), "F|");
 }
 
+// iconv goes on with the order of the text before.
+TEST(KitCharset, TheByteOrderMarkOfATextIsNotThatOfTheNext) {
+  const struct {
+    const char *name;
+    std::string little;
+    std::string big;
+  } sets[] = {{"UTF-16",
+               std::string("\xFF\xFE"
+                           "A\0",
+                           4),
+               std::string("\xFE\xFF\0A", 4)},
+              {"UNICODE",
+               std::string("\xFF\xFE"
+                           "A\0",
+                           4),
+               std::string("\xFE\xFF\0A", 4)},
+              {"UTF-32", std::string("\xFF\xFE\0\0A\0\0\0", 8), std::string("\0\0\xFE\xFF\0\0\0A", 8)}};
+  for (const auto &set : sets) {
+    const Charset *const charset = Charset::find(set.name);
+    ASSERT_NE(charset, nullptr);
+    for (const std::string &text : {set.little, set.big, set.little, set.big, set.big, set.little}) {
+      char out[32];
+      const Converted decoded = charset->decode(text.data(), text.size(), out, sizeof out);
+      EXPECT_EQ(decoded.damage, Damage::None) << set.name;
+      EXPECT_EQ(std::string(out, decoded.written), "A") << set.name;
+      EXPECT_EQ(charset->measure(text.data(), text.size(), 1).read, text.size()) << set.name;
+    }
+  }
+}
+
 TEST(KitCharset, CharactersAreMeasuredInBytes) {
   EXPECT_EQ(measure("UTF-8", "a中b", 2), "4");
   EXPECT_EQ(measure("UTF-8", "a中b", 3), "5");

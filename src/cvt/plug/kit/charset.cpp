@@ -6,7 +6,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <iterator>
 #include <map>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -37,7 +39,9 @@ bool namesUtf8(const char *name) {
 // One direction of iconv.
 class Charset::Converter {
  public:
-  Converter(const char *to, const char *from) : m_iconv(iconv_open(to, from)) {}
+  Converter(const char *to, const char *from) : m_to(to), m_from(from), m_iconv(iconv_open(to, from)) {
+    m_keepsOrder = ok() && keepsOrder();
+  }
   ~Converter() {
     if (ok()) iconv_close(m_iconv);
   }
@@ -66,7 +70,14 @@ class Charset::Converter {
     return {0, room - space, status == static_cast<size_t>(-1) ? Damage::Cut : Damage::None};
   }
 
-  void reset() const { iconv(m_iconv, nullptr, nullptr, nullptr, nullptr); }
+  void reset() const {
+    if (!m_keepsOrder) {
+      iconv(m_iconv, nullptr, nullptr, nullptr, nullptr);
+      return;
+    }
+    iconv_close(m_iconv);
+    m_iconv = iconv_open(m_to.c_str(), m_from.c_str());
+  }
 
   // Goes on where the last step ended.
   Converted step(const char *in, size_t n, char *out, size_t room) const {
@@ -85,7 +96,31 @@ class Charset::Converter {
   }
 
  private:
-  iconv_t m_iconv;
+  // Whether a text's byte order mark holds for the texts after it, too: iconv leaves the order as it is when it begins
+  // anew. Sets without marks read these bytes alike, or not at all, each time.
+  bool keepsOrder() const {
+    using namespace std::string_view_literals;
+    constexpr std::string_view kLittle[] = {
+        "\xFF\xFE"
+        "A\0"sv,
+        "\xFF\xFE\0\0A\0\0\0"sv};
+    constexpr std::string_view kBig[] = {"\xFE\xFF\0A"sv, "\0\0\xFE\xFF\0\0\0A"sv};
+    const auto read = [this](std::string_view text) {
+      char out[64];
+      return std::string(out, run(text.data(), text.size(), out, sizeof out).written);
+    };
+    for (size_t i = 0; i < std::size(kLittle); ++i) {
+      const std::string before = read(kLittle[i]);
+      read(kBig[i]);
+      if (read(kLittle[i]) != before) return true;
+    }
+    return false;
+  }
+
+  std::string m_to;
+  std::string m_from;
+  mutable iconv_t m_iconv;
+  bool m_keepsOrder = false;  // then each text needs a descriptor of its own
 };
 
 // A set of one byte a character.
