@@ -49,7 +49,8 @@ typedef struct MemRoot {
 extern MemRoot *gptMemRoot;    /* made on first use; keeps its value after cvtMemCleanUp */
 extern MemNode *gptGlobalNode; /* made by the first cvtMemMalloc; keeps its value after cvtMemCleanUp */
 
-/* nNum zeroed bytes from a message node. Valid until the node is given back.
+/* nNum zeroed bytes from a message node, never from gptGlobalNode, whose blocks stand in another order (cvtMemMalloc).
+ * Valid until the node is given back.
  * Returns null when ptNode is null (logged) or nNum is 0 or below. */
 void *cvtMalloc(int nNum, MemNode *ptNode);
 
