@@ -15,6 +15,7 @@ struct Letter {
   size_t max;
   const char *expected;  // in place of any other number of it
 };
+// Y is none of them, but often written for y.
 constexpr Letter kLetters[] = {{'y', 2, 4, "yyyy or yy, the year"},
                                {'M', 1, 4, "M to MMMM, the month"},
                                {'d', 1, 2, "dd or d, the day of the month; DDD is the day of the year"},
