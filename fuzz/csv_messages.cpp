@@ -52,6 +52,14 @@ void addRecords(fuzz::Configuration &config) {
                   {loop("Rests", "CsvField", "psKind=\"rest\"", "", {})}),
              record("S", "psTag=\"S\"", {field("SA", "nMandatory=\"1\"")})}),
        kLast});
+  add(config, "Mixed", "nShort=\"1\"",
+      {record("H", "psTag=\"H\" nMandatory=\"1\"",
+              {field("N", "nLen=\"1\" psPad=\"0\""), loop("L", "CsvField", "", "", {}, "N")}),
+       rows({field("A", "nLen=\"2\" psPad=\" \""), field("B")})});
+  add(config, "Lines", "", {rows({field("A", "psKind=\"rest\"")})});
+  add(config, "Joined", "psTagFront=\"{\" psTagBack=\"}\" psQuote=\"\"",
+      {record("A", "psTag=\"1\" nMandatory=\"1\"", {field("AA")}),
+       record("B", "psTag=\"2\"", {field("BA", "nLen=\"2\""), field("BB", "psKind=\"rest\"")})});
   add(config, "OneLine",
       "psLineEnd=\"none\" psRecordEnd=\"'\" psSeparator=\"+\" psQuote=\"\" psEscape=\"?\" psOrder=\"any\"",
       {record("A", "psTag=\"A\" nMandatory=\"1\" nShort=\"1\"", fields({"AA", "AB"}, "nKeepEmpty=\"2\"")),
