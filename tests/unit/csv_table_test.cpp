@@ -1,24 +1,19 @@
 // Rows and columns: separators, quotes, line ends, header lines.
 #include <gtest/gtest.h>
 
-#include "csv_config.h"
+#include "csv_fixture.h"
 
 namespace {
 
 using namespace test::csvtext;
 
-class CsvTable : public testing::Test {
+class CsvTable : public CsvFixture {
  protected:
   // A message "Row" that is one row of the fields A, B, C, and a message "Table" of such rows.
   void with(const std::string &sAttributes, const std::string &sField = "") {
     m_config.message("Row", sAttributes, fields({"A", "B", "C"}, sField));
     m_config.message("Table", sAttributes, {rows(fields({"A", "B", "C"}, sField))});
     ASSERT_EQ(m_config.start(), 0) << told();
-  }
-  void refused(const std::string &sName, const std::string &sBytes, const std::string &sLine) {
-    test::clearLog();
-    EXPECT_EQ(parse(sName, sBytes), nullptr) << sBytes;
-    EXPECT_TRUE(told(sLine)) << told();
   }
   void values(const std::string &sBytes, const std::string &sA, const std::string &sB,
               const std::string &sC) {
@@ -28,8 +23,6 @@ class CsvTable : public testing::Test {
     EXPECT_EQ(get(text, "B"), sB) << sBytes;
     EXPECT_EQ(get(text, "C"), sC) << sBytes;
   }
-
-  CsvConfig m_config;
 };
 
 TEST_F(CsvTable, ARowIsAMessage) {
