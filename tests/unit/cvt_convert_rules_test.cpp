@@ -366,6 +366,23 @@ TEST_F(CopyRule, MissingSourceSlotFails) {
   EXPECT_EQ(to.get("X"), "kept");
 }
 
+TEST_F(CopyRule, FailsAtTheFirstSlotThatTheDestinationLacks) {
+  runOnly({copy(src("A"), dst("X")), copy(src("B"), dst("Y"))});
+  ValueList *const ptShort = cvtGetValueList(1);
+  EXPECT_EQ(run("C", from, {ptShort, nullptr, to.ptNode}), -1);
+  EXPECT_TRUE(test::logged(1, "Dst Msg Get Filed By Id[Y)1] err!!"));
+  EXPECT_EQ(ptShort->ptValue[0].psValue, from.slot("A")->psValue);
+  EXPECT_EQ(ptShort->ptValue[1].psValue, nullptr);
+}
+
+TEST_F(CopyRule, FailsAtTheFirstSlotThatTheSourceLacks) {
+  runOnly({copy(src("A"), dst("X")), copy(src("B"), dst("Y"))});
+  ValueList *const ptShort = cvtGetValueList(1);
+  ptShort->ptValue[1] = *from.slot("B");
+  EXPECT_EQ(run("C", {ptShort, nullptr, nullptr}, to), -1);
+  EXPECT_TRUE(test::logged(1, "Src Msg Get Filed By Id[B)1] err!!"));
+}
+
 TEST_F(CopyRule, WithoutArgumentsFails) {
   EXPECT_EQ(runOnly({{6, "<Copy __ID='pInfo'/>"}}), -1);
   EXPECT_EQ(test::logTexts(1),
