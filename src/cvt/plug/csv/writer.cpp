@@ -310,7 +310,7 @@ void Writer::end(const Field *first) {
   } else if (m_out.offset() == m_bare && m_dialect.quoteByte != 0) {
     quotedValue({});  // nothing separates the empty last field from what stands before it
   }
-  if (!m_dialect.comment.empty()) checkNoComment();
+  if (first != nullptr && first->shape == Shape::Fixed && !m_dialect.comment.empty()) checkNoComment();
   put(m_dialect.recordEnd);
   if (m_dialect.maxRecord != 0 && m_line > m_dialect.maxRecord) tooLong();
   m_endPending = m_dialect.lineEnd != LineEnd::None;
@@ -327,7 +327,7 @@ void Writer::standIn(const Field *first) {
   if (m_dialect.skipBlank || m_dialect.lineEnd == LineEnd::None) blankLine();
 }
 
-// Pads, and fields that nothing separates, may make one of what is none.
+// A fixed field with its pads, and what follows it, may make one of what is none.
 void Writer::checkNoComment() const {
   const std::string_view record(m_out.at(m_start), m_out.offset() - m_start);
   if (!record.starts_with(m_dialect.comment.bytes)) return;
