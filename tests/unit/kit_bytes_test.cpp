@@ -51,6 +51,16 @@ TEST(KitBytes, PrintableIsFromBlankToTilde) {
   everywhere(' ', isPrintable, [](int byte) { return byte >= 0x20 && byte <= 0x7E; });
 }
 
+TEST(KitBytes, PlainXmlIsPrintableWithoutMarkup) {
+  const std::string_view markup = "&<>\"";
+  for (char neutral = ' '; neutral <= '~'; ++neutral) {
+    if (markup.find(neutral) != markup.npos) continue;
+    everywhere(neutral, isPlainXml, [&](int byte) {
+      return byte >= 0x20 && byte <= 0x7E && markup.find(static_cast<char>(byte)) == markup.npos;
+    });
+  }
+}
+
 TEST(KitBytes, DigitsAreZeroToNine) {
   everywhere('0', isDigits, [](int byte) { return byte >= '0' && byte <= '9'; });
   everywhere('9', isDigits, [](int byte) { return byte >= '0' && byte <= '9'; });

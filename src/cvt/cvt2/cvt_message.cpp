@@ -194,21 +194,22 @@ int InitValueList() {
   return 0;
 }
 
-// A list of the free list, or a new one. nNum is not compared with the capacity.
-ValueList *GetValueList(ValueList **pptGlobalList, int nMaxNum, int nNum) {
-  ValueList *pt = *pptGlobalList;
-  if (pt == nullptr) {
-    pt = NewValueList(nMaxNum, nullptr);
-  } else {
-    *pptGlobalList = pt->ptNext;
-    pt->ptNext = nullptr;
-  }
+// A list with nNum slots in use, all that it has when that is negative. nNum is not compared with the capacity.
+ValueList *inUse(ValueList *pt, int nNum) {
   pt->nNow = nNum > -1 ? nNum : pt->nMax;
   return pt;
 }
 
+// The first one of a free list that is not empty.
+ValueList *takeFirst(ValueList *&ptHead) {
+  ValueList *const pt = ptHead;
+  ptHead = pt->ptNext;
+  pt->ptNext = nullptr;
+  return pt;
+}
+
 ValueList *GetLoopValueList() {
-  return GetValueList(&gptLoopValue, maxLoop(), 0);
+  return inUse(gptLoopValue == nullptr ? NewValueList(maxLoop(), nullptr) : takeFirst(gptLoopValue), 0);
 }
 
 // An ordinary list that is filed among the loop lists, as those of a very large definition are; null without one.
@@ -228,9 +229,27 @@ ValueList *takeFiledList() {
   return pt;
 }
 
+// A list when the free list is empty.
+[[gnu::noinline]] ValueList *moreLists() {
+  ValueList *const ptFiled = takeFiledList();
+  return ptFiled == nullptr ? NewValueList(gnMaxValueNum, nullptr) : ptFiled;
+}
+
+ValueList *GetValueList(int nNum) {
+  return inUse(gptFreeValue == nullptr ? moreLists() : takeFirst(gptFreeValue), nNum);
+}
+
 void insertBehind(ValueList *ptList, ValueList *ptFresh) {
   ptFresh->ptNext = ptList->ptNext;
   ptList->ptNext = ptFresh;
+}
+
+// The first repetition of a slot is about to come.
+[[gnu::noinline]] void startLoop(ValueList *ptList, Value *ptSlot) {
+  ValueList *const ptFresh = GetLoopValueList();
+  ptSlot->psValue = reinterpret_cast<char *>(ptFresh);
+  ptSlot->nLen = -1;
+  insertBehind(ptList, ptFresh);
 }
 
 // Clearing stays within the capacity, also where more slots were asked for.
@@ -241,18 +260,16 @@ void clearList(ValueList *ptList) {
   ptList->nNow = 0;
 }
 
-// Moves the lists right behind ptList that are loop lists to their free list. A list counts as one by its
-// capacity, so ordinary lists of a very large definition are filed there, too.
-int SwitchToLoopList(ValueList *ptList) {
-  CVT_NOT_NULL(ptList, -1);
-  while (ptList->ptNext != nullptr && ptList->ptNext->nMax >= maxLoop()) {
+// Moves the lists right behind ptList that are loop lists, of nMaxLoop slots, to their free list. A list counts as one
+// by its capacity, so ordinary lists of a very large definition are filed there, too.
+void SwitchToLoopList(ValueList *ptList, int nMaxLoop) {
+  while (ptList->ptNext != nullptr && ptList->ptNext->nMax >= nMaxLoop) {
     ValueList *const ptLoop = ptList->ptNext;
     ptList->ptNext = ptLoop->ptNext;
     clearList(ptLoop);
     ptLoop->ptNext = gptLoopValue;
     gptLoopValue = ptLoop;
   }
-  return 0;
 }
 
 // A list may have been asked for more slots than it has room for: those beyond its capacity do not exist.
@@ -296,20 +313,14 @@ int cvtDumpValue(Value *ptValue, char *psBuf, int nLen, MemPort ptMemNode) {
 }
 
 struct ValueList *cvtGetValueList(int nNum) {
-  if (gptFreeValue == nullptr) gptFreeValue = takeFiledList();
-  return GetValueList(&gptFreeValue, gnMaxValueNum, nNum);
+  return GetValueList(nNum);
 }
 
 struct ValueList *cvtNewLoopValueList(ValueList *ptValueList, int nIndex, int nFieldNum) {
   CVT_NOT_NULL(ptValueList, nullptr);
   if (!isSlot(ptValueList, nIndex) || !holdsNoValue(ptValueList, nIndex)) return nullptr;
   Value *const ptSlot = &ptValueList->ptValue[nIndex];
-  if (ptSlot->nLen == 0) {
-    ValueList *const ptFresh = GetLoopValueList();
-    ptSlot->psValue = reinterpret_cast<char *>(ptFresh);
-    ptSlot->nLen = -1;
-    insertBehind(ptValueList, ptFresh);
-  }
+  if (ptSlot->nLen == 0) startLoop(ptValueList, ptSlot);
   void *ptLoopList = nullptr;
   CVT_NOT_NULL(ptLoopList = (void *)ptValueList->ptValue[nIndex].psValue, nullptr);
   auto *const ptLoop = static_cast<ValueList *>(ptLoopList);
@@ -317,7 +328,7 @@ struct ValueList *cvtNewLoopValueList(ValueList *ptValueList, int nIndex, int nF
     CVT_ERR("Loop Num is Max then Define[%d]", maxLoop());
     return nullptr;
   }
-  ValueList *const ptFresh = cvtGetValueList(nFieldNum);
+  ValueList *const ptFresh = GetValueList(nFieldNum);
   ptLoop->ptValue[ptLoop->nNow].psValue = reinterpret_cast<char *>(ptFresh);
   insertBehind(ptValueList, ptFresh);
   ptLoop->nNow += 1;
@@ -352,10 +363,11 @@ struct ValueList *cvtGetLoopValueList(ValueList *ptValueList, int nIndex, int nL
 
 int cvtFreeValue(ValueList *ptValueList) {
   if (ptValueList == nullptr) return 0;
+  const int nMaxLoop = maxLoop();
   ValueList *ptLast = ptValueList;
   for (ValueList *pt = ptValueList; pt != nullptr; pt = pt->ptNext) {
     clearList(pt);
-    SwitchToLoopList(pt);
+    SwitchToLoopList(pt, nMaxLoop);
     ptLast = pt;
   }
   ptLast->ptNext = gptFreeValue;

@@ -191,6 +191,8 @@ Item Compiler::field(const kit::Rules &rules, size_t at, const Scope &scope) con
                            record.psDefault,  record.psConst,    record.nPosition};
   field.rule = rules.make(at, rule, here.path, here.record);
   field.mandatory = field.rule.mandatory;
+  field.plain = field.form == Form::Scalar && field.rule.asIs &&
+                (field.type == Type::Text || field.type == Type::Number);
   if (field.form == Form::Scalar) field.name = record.psName == nullptr ? node.name : text(record.psName);
   checkField(record, field, here);
   return field;

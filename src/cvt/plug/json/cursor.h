@@ -51,17 +51,30 @@ class Cursor {
 
   // The name with its quotes and the colon, when they stand here without blanks.
   bool takeName(std::string_view quoted) {
-    if (m_end - m_at < 2 || m_at[1] - m_at[0] != quoted.size() || m_text[m_at[1]] != ':') return false;
-    if (!kit::equalShort(m_text + *m_at, quoted.data(), quoted.size())) return false;
+    if (!atName(quoted)) return false;
     m_at += 2;
     return true;
   }
 
   // A string without blanks behind it, when one stands here: as it is written, without its quotes.
   bool takeString(std::string_view &string) {
-    if (peek() != '"' || m_at[1] - m_at[0] < 2 || m_text[m_at[1] - 1] != '"') return false;
-    string = {m_text + *m_at + 1, m_at[1] - m_at[0] - 2};
+    if (atEnd() || !stringAt(m_at, string)) return false;
     ++m_at;
+    return true;
+  }
+
+  // A member that is written in the plainest way, when one stands here: the name as in takeName, and a string without
+  // blanks behind it and without escapes, or a number.
+  bool takeTextMember(std::string_view quoted, std::string_view &string) {
+    if (m_end - m_at < 4 || !atName(quoted) || !stringAt(m_at + 2, string) || hasEscape(string)) return false;
+    m_at += 3;
+    return true;
+  }
+  bool takeNumberMember(std::string_view quoted, std::string_view &number) {
+    if (m_end - m_at < 4 || !atName(quoted)) return false;
+    number = {m_text + m_at[2], m_at[3] - m_at[2]};
+    if (!isNumber(number)) return false;
+    m_at += 3;
     return true;
   }
 
@@ -94,6 +107,15 @@ class Cursor {
   [[noreturn]] void refuse(const std::string &expected, const std::string &advice) const;
 
  private:
+  bool atName(std::string_view quoted) const {
+    return m_end - m_at >= 2 && m_at[1] - m_at[0] == quoted.size() && m_text[m_at[1]] == ':' &&
+           kit::equalShort(m_text + *m_at, quoted.data(), quoted.size());
+  }
+  bool stringAt(const uint32_t *at, std::string_view &string) const {
+    if (m_text[*at] != '"' || at[1] - at[0] < 2 || m_text[at[1] - 1] != '"') return false;
+    string = {m_text + *at + 1, at[1] - at[0] - 2};
+    return true;
+  }
   void members();
   void elements();
   bool commaBefore() const;

@@ -9,7 +9,7 @@
 namespace cvt::json {
 
 // Printable ASCII without quotes and backslashes: most values are nothing else.
-inline bool isPlain(std::string_view value) {
+[[gnu::always_inline]] inline bool isPlain(std::string_view value) {
   return kit::noneOf(value.data(), value.size(), ' ', [](auto word) {
     const auto quote = word ^ (kit::kOnes * '"');
     const auto backslash = word ^ (kit::kOnes * '\\');

@@ -79,7 +79,7 @@ void Generator::key(const Item &item) {
 }
 
 // A text or number that stands as it is, with its name, in one piece; false for everything else.
-bool Generator::plainMember(const Item &item, std::string_view text) {
+[[gnu::always_inline]] inline bool Generator::plainMember(const Item &item, std::string_view text) {
   if (m_plan.indent != 0 || text.empty()) return false;
   const size_t comma = m_first ? 1 : 0;
   if (item.type == Type::Text && isPlain(text)) {
@@ -130,6 +130,7 @@ bool Generator::stands(const Item &item, const List &list) {
 }
 
 void Generator::member(const Item &item, const List &list) {
+  if (item.plain && plainMember(item, list.peek(item.rule.slot))) return;
   if (item.form == Form::Scalar) {
     m_path.field(item.node);
     const std::string_view text = textToWrite(item.rule, list, m_path, m_digits);

@@ -8,8 +8,10 @@ namespace cvt::json {
 
 namespace {
 
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
+// The place behind the digits that stand there.
+const char *behindDigits(const char *at, const char *end) {
+  while (at != end && isDigit(*at)) ++at;
+  return at;
 }
 
 int hexValue(char c) {
@@ -67,6 +69,22 @@ constexpr const char *kPair = "both halves of a surrogate pair";
 constexpr const char *kNoPair = "Write the other half, too, or the character itself";
 
 }  // namespace
+
+bool isOtherNumber(std::string_view text) {
+  const char *const end = text.data() + text.size();
+  const char *const from = text.data() + (text.starts_with('-') ? 1 : 0);
+  const char *at = behindDigits(from, end);
+  if (at == from || (*from == '0' && at != from + 1)) return false;
+  if (at != end && *at == '.') {
+    const char *const fraction = at + 1;
+    at = behindDigits(fraction, end);
+    if (at == fraction) return false;
+  }
+  if (at == end || (*at != 'e' && *at != 'E')) return at == end;
+  ++at;
+  if (at != end && (*at == '+' || *at == '-')) ++at;
+  return at != end && behindDigits(at, end) == end;
+}
 
 Unescaped unescape(std::string_view string, char *out) {
   Unescaped done;

@@ -16,27 +16,25 @@ inline bool isOperator(char c) {
   return c == '{' || c == '}' || c == '[' || c == ']' || c == ':' || c == ',';
 }
 
-// The place behind the digits that stand there.
-inline const char *behindDigits(const char *at, const char *end) {
-  while (at != end && *at >= '0' && *at <= '9') ++at;
-  return at;
+inline bool isDigit(char c) {
+  return c >= '0' && c <= '9';
 }
 
+// A number without sign and exponent, whole or with two decimals, as most are: looked at without a loop.
+[[gnu::always_inline]] inline bool isPlainNumber(std::string_view text) {
+  const size_t n = text.size();
+  const bool decimals = n > 3 && text[n - 3] == '.';
+  if (decimals && !(isDigit(text[n - 2]) && isDigit(text[n - 1]))) return false;
+  const size_t whole = decimals ? n - 3 : n;
+  return whole > 0 && kit::isDigits(text.data(), whole) && (text.front() != '0' || whole == 1);
+}
+
+// Any other number.
+bool isOtherNumber(std::string_view text);
+
 // Whether the whole text is a number.
-inline bool isNumber(std::string_view text) {
-  const char *const end = text.data() + text.size();
-  const char *const from = text.data() + (text.starts_with('-') ? 1 : 0);
-  const char *at = behindDigits(from, end);
-  if (at == from || (*from == '0' && at != from + 1)) return false;
-  if (at != end && *at == '.') {
-    const char *const fraction = at + 1;
-    at = behindDigits(fraction, end);
-    if (at == fraction) return false;
-  }
-  if (at == end || (*at != 'e' && *at != 'E')) return at == end;
-  ++at;
-  if (at != end && (*at == '+' || *at == '-')) ++at;
-  return at != end && behindDigits(at, end) == end;
+[[gnu::always_inline]] inline bool isNumber(std::string_view text) {
+  return isPlainNumber(text) || isOtherNumber(text);
 }
 
 // Whether something in a string, without its quotes, is not itself.

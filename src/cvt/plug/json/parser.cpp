@@ -108,6 +108,7 @@ class Parser {
   void content(const Item &item, List values);
   void string(const kit::Rule &rule, List values, std::string_view raw);
   void object(const Item &item, List values);
+  bool plainMembers(const Item &item, List values, Open &open);
   void member(const Item &item, List values, Open &open);
   int find(const Item &item, std::string_view raw);
   void unknown(const Item &item, std::string_view raw, const Open &open);
@@ -218,8 +219,10 @@ void Parser::object(const Item &item, List values) {
   f_room.seen.resize(open.seen + item.children.size(), kNothing);
   const MemberNames::Scope names(f_room.names);
   if (m_in.peek() != '}') {
-    do member(item, values, open);
-    while (m_in.take(','));
+    do {
+      if (plainMembers(item, values, open)) break;
+      member(item, values, open);
+    } while (m_in.take(','));
   }
   if (m_in.peek() == '}') {
     complete(item, open.seen);
@@ -238,6 +241,25 @@ void Parser::putOthers(const Item &item, List values, const Open &open) {
   putRead(rule, values, m_call.store, text);
   m_path.field(nullptr);
   f_room.others.resize(open.others);
+}
+
+// Takes the children that come next as long as they are plain and so is what stands in the text: most members are
+// nothing else. True when no other member follows.
+bool Parser::plainMembers(const Item &item, List values, Open &open) {
+  const Item *const children = item.children.data();
+  char *const seen = f_room.seen.data() + open.seen;
+  size_t &next = open.next;
+  for (; next < item.children.size() && children[next].plain && seen[next] == kNothing; ++next) {
+    const Item &child = children[next];
+    std::string_view value;
+    const bool taken = child.type == Type::Text ? m_in.takeTextMember(child.quoted, value)
+                                                : m_in.takeNumberMember(child.quoted, value);
+    if (!taken) return false;
+    putRead(child.rule, values, m_call.store, value);
+    seen[next] = kThere;
+    if (!m_in.take(',')) return true;
+  }
+  return false;
 }
 
 // Texts mostly keep the definition's order, so the next child is tried before the table.

@@ -45,6 +45,7 @@ struct Item {
 
   kit::Rule rule{};  // Scalar, Name, Others
   Type type = Type::Text;
+  bool plain = false;  // a text or number of which nothing is asked
 
   std::vector<Item> children;    // of a loop: the repeated one, and for Members its Name behind it
   kit::NameTable names;          // Object: of the children

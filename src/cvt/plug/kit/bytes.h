@@ -42,9 +42,10 @@ inline void copyShort(char *out, const char *in, size_t n) {
     std::memcpy(out, &first, 8);
     std::memcpy(out + n - 8, &last, 8);
   } else if (n >= 4) {
-    const uint64_t halves = loadHalf(in) | loadHalf(in + n - 4) << 32;
-    std::memcpy(out, &halves, 4);
-    std::memcpy(out + n - 4, reinterpret_cast<const char *>(&halves) + 4, 4);
+    const auto first = static_cast<uint32_t>(loadHalf(in));
+    const auto last = static_cast<uint32_t>(loadHalf(in + n - 4));
+    std::memcpy(out, &first, 4);
+    std::memcpy(out + n - 4, &last, 4);
   } else if (n > 0) {
     const uint64_t few = loadFew(in, n);
     out[0] = static_cast<char>(few);
@@ -129,11 +130,13 @@ Word equals(Word word, unsigned char byte) {
 }
 
 // All bytes printable ASCII, and none of & < > ": text of XML as it stands, also in attributes.
-inline bool isPlainXml(const char *in, size_t n) {
+[[gnu::always_inline]] inline bool isPlainXml(const char *in, size_t n) {
   return noneOf(in, n, ' ', [](auto word) {
-    // < and > differ in one bit, and so do & and ": each pair is one comparison.
-    return word | (word - kOnes * 0x20) | (word + kOnes) | equals(word | kOnes * 0x02, '>') |
-           equals(word | kOnes * 0x04, '&');
+    // < and > differ in one bit, and so do & and ": each pair is one comparison. A byte that is equal becomes 0, and
+    // borrows into its high bit; of others with that bit, the byte itself has it.
+    const auto angle = (word | kOnes * 0x02) ^ (kOnes * '>');
+    const auto quote = (word | kOnes * 0x04) ^ (kOnes * '&');
+    return word | (word - kOnes * 0x20) | (word + kOnes) | (angle - kOnes) | (quote - kOnes);
   });
 }
 

@@ -31,7 +31,7 @@ class Output {
     copyShort(piece, bytes.data(), bytes.size());
   }
   // Three pieces with room for all of them, or none.
-  void put(std::string_view first, std::string_view second, std::string_view third) {
+  [[gnu::always_inline]] void put(std::string_view first, std::string_view second, std::string_view third) {
     char *const piece = reserve(first.size() + second.size() + third.size());
     copyShort(piece, first.data(), first.size());
     copyShort(piece + first.size(), second.data(), second.size());

@@ -16,6 +16,7 @@
 #include <string_view>
 #include <vector>
 
+#include "bytes.h"
 #include "path.h"
 #include "shape.h"
 #include "values.h"
@@ -86,7 +87,9 @@ inline void checkRead(const Rule &rule, std::string_view value, const Path &path
 // Stores a copy of a value that was read and checked.
 inline void putRead(const Rule &rule, List list, Store &store, std::string_view bytes) {
   if (bytes.empty() && rule.empty != Empty::KeepGiven) return;
-  list.put(rule.slot, store.copy(bytes.data(), bytes.size()), bytes.size());
+  char *const copy = store.take(bytes.size());
+  copyShort(copy, bytes.data(), bytes.size());
+  list.put(rule.slot, copy, bytes.size());
 }
 
 // The text to be written for a field at that place: its count, position, constant, value or default. Throws

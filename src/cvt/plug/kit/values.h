@@ -39,6 +39,14 @@ class List {
     return {value->psValue, static_cast<size_t>(length)};
   }
 
+  // The value, when there is one that is not empty; whatever else the slot holds is for get to tell.
+  std::string_view peek(int slot) const {
+    const Value *value = at(slot);
+    const int length = value->nLen;
+    if (length <= 0 || value->psValue == nullptr) return {};
+    return {value->psValue, static_cast<size_t>(length)};
+  }
+
   // Stores a value that lives as long as the message (Store, below). Not for loop slots.
   void put(int slot, const char *bytes, size_t length) {
     Value *value = at(slot);

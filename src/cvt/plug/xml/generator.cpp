@@ -24,6 +24,7 @@ class Generator {
 
  private:
   void child(const Element &child, const List &list);
+  bool plain(const Element &element, std::string_view value);
   void field(const Element &child, const List &list);
   void repetitions(const Element &child, const List &list);
   void element(const Element &element, const List &list);
@@ -87,6 +88,7 @@ void Generator::child(const Element &child, const List &list) {
 }
 
 void Generator::field(const Element &child, const List &list) {
+  if (!m_pretty && child.text->asIs && plain(child, list.peek(child.text->slot))) return;
   m_path.field(child.node);
   const std::string_view text = textOf(*child.text, list);
   if (isWritten(*child.text, list, text)) leaf(child, text);
@@ -115,14 +117,21 @@ void Generator::repetitions(const Element &child, const List &list) {
   m_path.leave();
 }
 
+// A text that stands as it is, with its tags in one piece: most elements are nothing else. False for everything else.
+[[gnu::always_inline]] inline bool Generator::plain(const Element &element, std::string_view value) {
+  if (value.empty() || !kit::isPlainXml(value.data(), value.size())) return false;
+  m_out.put(element.start, value, element.close);
+  return true;
+}
+
 // An element that is nothing but text.
 void Generator::leaf(const Element &element, std::string_view value) {
   if (m_pretty) newLine();
+  if (plain(element, value)) return;
   if (value.empty()) {
     m_out.put(element.open);
     return empty(element);
   }
-  if (kit::isPlainXml(value.data(), value.size())) return m_out.put(element.start, value, element.close);
   m_out.put(element.start);
   putEscaped(m_out, *m_plan.charset, value, Place::Content);
   m_out.put(element.close);
