@@ -13,10 +13,11 @@ using namespace test::json;
 class JsonInOrder : public testing::Test {
  protected:
   void SetUp() override {
-    m_config.message("Order", "",
-                     {field("Id"), field("Total", "psType=\"number\""), field("Note"),
-                      field("Paid", "psType=\"boolean\" psNull=\"absent\""), field("Ref", "nMaxLen=\"6\""), field("Text"),
-                      loop("Lines", "", "", {field("Sku"), field("Qty", "psType=\"number\"")}), field("End")});
+    m_config.message(
+        "Order", "",
+        {field("Id"), field("Total", "psType=\"number\""), field("Note"),
+         field("Paid", "psType=\"boolean\" psNull=\"absent\""), field("Ref", "nMaxLen=\"6\""), field("Text"),
+         loop("Lines", "", "", {field("Sku"), field("Qty", "psType=\"number\"")}), field("End")});
     ASSERT_EQ(m_config.start(), 0) << told();
   }
 
@@ -27,7 +28,8 @@ class JsonInOrder : public testing::Test {
     if (order == nullptr) return "refused";
     std::string all;
     for (const char *psName : {"Id", "Total", "Note", "Paid", "Ref", "Text"}) all += get(order, psName) + "|";
-    for (int i = 0; at(order, "Lines", i); ++i) all += get(order, "Lines.Sku") + "*" + get(order, "Lines.Qty") + "|";
+    for (int i = 0; at(order, "Lines", i); ++i)
+      all += get(order, "Lines.Sku") + "*" + get(order, "Lines.Qty") + "|";
     return all + get(order, "End");
   }
 
@@ -39,10 +41,14 @@ class JsonInOrder : public testing::Test {
   JsonConfig m_config;
 };
 
-const std::vector<std::string> kMembers = {
-    R"("Id":"A7")",       R"("Total":12.50)", R"("Note":"a text of more than sixteen bytes")",
-    R"("Paid":true)",     R"("Ref":"R-1")",   R"("Text":"t")",
-    R"("Lines":[{"Sku":"S1","Qty":5},{"Sku":"S2","Qty":-0.5e1}])", R"("End":"e")"};
+const std::vector<std::string> kMembers = {R"("Id":"A7")",
+                                           R"("Total":12.50)",
+                                           R"("Note":"a text of more than sixteen bytes")",
+                                           R"("Paid":true)",
+                                           R"("Ref":"R-1")",
+                                           R"("Text":"t")",
+                                           R"("Lines":[{"Sku":"S1","Qty":5},{"Sku":"S2","Qty":-0.5e1}])",
+                                           R"("End":"e")"};
 const std::string kValues = "A7|12.50|a text of more than sixteen bytes|true|R-1|t|S1*5|S2*-0.5e1|e";
 
 std::string object(const std::vector<std::string> &members) {
@@ -57,7 +63,8 @@ TEST_F(JsonInOrder, BlanksMayStandBesideEveryToken) {
   for (size_t i = 0; i <= s.size(); ++i) {
     const auto isToken = [](char c) { return std::string_view("{}[]:,").find(c) != std::string_view::npos; };
     if (i > 0 && i < s.size() && !isToken(s[i]) && !isToken(s[i - 1])) continue;
-    for (const char *psBlank : {" ", "\n\t\r "}) EXPECT_EQ(values(std::string(s).insert(i, psBlank)), kValues) << i;
+    for (const char *psBlank : {" ", "\n\t\r "})
+      EXPECT_EQ(values(std::string(s).insert(i, psBlank)), kValues) << i;
   }
 }
 
@@ -79,7 +86,8 @@ TEST_F(JsonInOrder, EveryMemberMayBeLeftOut) {
     const auto has = [&](size_t i, const char *psThere) { return (left >> i & 1U) == 0 ? psThere : ""; };
     const std::string sExpected = std::string(has(0, "A7")) + "|" + has(1, "12.50") + "|" +
                                   has(2, "a text of more than sixteen bytes") + "|" + has(3, "true") + "|" +
-                                  has(4, "R-1") + "|" + has(5, "t") + "|" + has(6, "S1*5|S2*-0.5e1|") + has(7, "e");
+                                  has(4, "R-1") + "|" + has(5, "t") + "|" + has(6, "S1*5|S2*-0.5e1|") +
+                                  has(7, "e");
     ASSERT_EQ(values(object(members)), sExpected) << object(members);
   }
 }
@@ -108,8 +116,10 @@ TEST_F(JsonInOrder, WhatIsWrongIsToldAsEverywhere) {
   refused(R"({"Id":"A","Total":01})", "Field[Total] Offset[18]: expected a number, found \"01\"");
   refused(R"({"Id":"A","Total":1,})",
           "Field[] Offset[20]: expected the name of a member, found }. Remove the comma before it");
-  refused(R"({"Id":"A" "Total":1})", "Field[] Offset[10]: expected , or } behind the member, found text \"Total\"");
-  refused(R"({"Id":"A","Total":1)", "Field[] Offset[19]: expected , or } behind the member, found the end of the text");
+  refused(R"({"Id":"A" "Total":1})",
+          "Field[] Offset[10]: expected , or } behind the member, found text \"Total\"");
+  refused(R"({"Id":"A","Total":1)",
+          "Field[] Offset[19]: expected , or } behind the member, found the end of the text");
   refused(R"({"Id":"A","Total":1])", "Field[] Offset[19]: expected , or } behind the member, found ]");
   refused(R"({"Id":"A","Total")", "Field[] Offset[17]: expected : behind the name of the member");
   refused(R"({"Id":"A\x"})", "Field[Id] Offset[8]: expected an escape");

@@ -9,6 +9,8 @@ namespace cvt::convert {
 namespace {
 
 int StructConvert(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Arg *ptArgs, MemPort ptMemNode);
+int runList(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, const Arg *ptArgs,
+            const Steps *ptPlan, MemPort ptMemNode);
 
 // Equal lengths and equal bytes. A slot that holds a loop equals nothing: its length is no size. Nor does a
 // constant whose length was given without bytes.
@@ -98,12 +100,13 @@ int CvtLoop(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Loop *pt
   if (bSet) nCount = repetitions(ptDstValueList, nDstSlot);
   if (nCount < 0) return -1;
 
+  const Steps *const ptPlan = planOf(ptLoop->ptArgs);
   for (int i = 0; i < nCount; ++i) {
     ValueListPort ptSrc = bSameSrc ? ptSrcValueList : cvtGetLoopValueList(ptSrcValueList, nSrcSlot, i);
     ValueListPort ptDst = bSameDst ? ptDstValueList
                           : bSet   ? cvtGetLoopValueList(ptDstValueList, nDstSlot, i)
                                    : cvtNewLoopValueList(ptDstValueList, nDstSlot, -1);
-    if (StructConvert(ptSrc, ptDst, ptLoop->ptArgs, ptMemNode) != 0) {
+    if (runList(ptSrc, ptDst, ptLoop->ptArgs, ptPlan, ptMemNode) != 0) {
       CVT_ERR("Convert Loop[%d/%d] From[%s] to [%s]  convert err!!", i, nCount, CvtGetName(ptLoop->ptSrcArgs),
               CvtGetName(ptLoop->ptDstArgs));
       return -1;
@@ -200,18 +203,22 @@ int runSteps(ValueListPort ptSrc, ValueListPort ptDst, const Steps &steps, MemPo
   return 0;
 }
 
-int StructConvert(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Arg *ptArgs,
-                  MemPort ptMemNode) {
+// A list of rules, by its plan when it has one.
+int runList(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, const Arg *ptArgs,
+            const Steps *ptPlan, MemPort ptMemNode) {
   CVT_NOT_NULL(ptSrcValueList, -1);
   CVT_NOT_NULL(ptDstValueList, -1);
-  if (const Steps *const ptSteps = planOf(ptArgs)) {
-    return runSteps(ptSrcValueList, ptDstValueList, *ptSteps, ptMemNode);
-  }
+  if (ptPlan != nullptr) return runSteps(ptSrcValueList, ptDstValueList, *ptPlan, ptMemNode);
   int i = 0;
   for (const Arg *pt = ptArgs; pt != nullptr; pt = pt->ptNext) {
     if (runRule(ptSrcValueList, ptDstValueList, pt, ++i, ptMemNode) != 0) return -1;
   }
   return 0;
+}
+
+int StructConvert(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Arg *ptArgs,
+                  MemPort ptMemNode) {
+  return runList(ptSrcValueList, ptDstValueList, ptArgs, planOf(ptArgs), ptMemNode);
 }
 
 }  // namespace

@@ -188,18 +188,21 @@ void StartAfresh() {
   f_bReleased = false;
 }
 
+[[gnu::noinline]] void MakeRoot() {
+  StartAfresh();
+  if (gptMemRoot != nullptr) return;
+  MemNode *const ptNode = NewMemNode(1, NewMemBlock(kBlockSize));
+  gptMemRoot = Zeroed<MemRoot>();
+  gptMemRoot->ptMemNodeList = ptNode;
+  gptMemRoot->nMinFreeNodeId = ptNode->nId;
+  gptMemRoot->ptFreeNode = ptNode;
+  gptMemRoot->ptLastNode = ptNode;
+  f_nodes.append(ptNode);
+}
+
 // The root, made on first use.
 MemRoot *NowRoot() {
-  StartAfresh();
-  if (gptMemRoot == nullptr) {
-    MemNode *const ptNode = NewMemNode(1, NewMemBlock(kBlockSize));
-    gptMemRoot = Zeroed<MemRoot>();
-    gptMemRoot->ptMemNodeList = ptNode;
-    gptMemRoot->nMinFreeNodeId = ptNode->nId;
-    gptMemRoot->ptFreeNode = ptNode;
-    gptMemRoot->ptLastNode = ptNode;
-    f_nodes.append(ptNode);
-  }
+  if (f_bReleased || gptMemRoot == nullptr) MakeRoot();
   return gptMemRoot;
 }
 

@@ -368,6 +368,7 @@ void Compiler::add(Item &parent, Item child, const Scope &scope) const {
     child.quoted = quoted(child.name);
     child.key = "," + child.quoted + (m_plan->indent == 0 ? ":" : ": ");
     child.textKey = child.key + '"';
+    child.readKey = child.quoted + (child.type == Type::Text ? ":\"" : ":");
   }
   const bool required = child.mandatory || child.minTimes > 0;
   if (required && child.form != Form::Others) parent.required.push_back(parent.children.size());

@@ -48,20 +48,14 @@ void Cursor::refuse(const std::string &expected, const std::string &advice) cons
                    cut ? "the end" : kit::quoted(m_text + m_damage.at, 1), m_damage.advice);
 }
 
-void Cursor::open(char bracket, const char *expected, const char *advice) {
-  if (peek() != bracket) refuse(expected, advice);
-  if (m_depth >= m_maxDepth) {
-    throw kit::Fault(offset(), "at most " + std::to_string(m_maxDepth) + " open objects and arrays",
-                     "one more", "Raise nMaxDepth of JsonMsg");
-  }
-  ++m_depth;
-  ++m_at;
+void Cursor::refuseOpen(char bracket, const char *advice) const {
+  if (peek() != bracket) refuse(bracket == '{' ? "an object" : "an array", advice);
+  throw kit::Fault(offset(), "at most " + std::to_string(m_maxDepth) + " open objects and arrays", "one more",
+                   "Raise nMaxDepth of JsonMsg");
 }
 
-void Cursor::close(char bracket) {
-  if (!take(bracket))
-    refuse(bracket == '}' ? ", or } behind the member" : ", or ] behind the value", kSyntax);
-  --m_depth;
+void Cursor::refuseClose(char bracket) const {
+  refuse(bracket == '}' ? ", or } behind the member" : ", or ] behind the value", kSyntax);
 }
 
 std::string_view Cursor::string(const char *expected, const char *advice) {
@@ -119,8 +113,12 @@ std::string_view Cursor::value() {
   return {from, static_cast<size_t>(m_text + end - from)};
 }
 
+void Cursor::open(char bracket) {
+  if (!takeOpen(bracket)) refuseOpen(bracket, "");
+}
+
 void Cursor::members() {
-  open('{', "an object");
+  open('{');
   if (peek() != '}') {
     do {
       checkString(name());
@@ -131,7 +129,7 @@ void Cursor::members() {
 }
 
 void Cursor::elements() {
-  open('[', "an array");
+  open('[');
   if (peek() != ']') {
     do value();
     while (take(','));

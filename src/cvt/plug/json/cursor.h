@@ -63,24 +63,31 @@ class Cursor {
     return true;
   }
 
-  // A member that is written in the plainest way, when one stands here: the name as in takeName, and a string without
-  // blanks behind it and without escapes, or a number.
-  bool takeTextMember(std::string_view quoted, std::string_view &string) {
-    if (m_end - m_at < 4 || !atName(quoted) || !stringAt(m_at + 2, string) || hasEscape(string)) return false;
-    m_at += 3;
-    return true;
+  // A member that is written in the plainest way, when one stands here, and the comma behind it: a string without
+  // escapes, or a number, and no blanks. key: `"name":"`, and `"name":` of a number. `more` is whether a comma came.
+  bool takeText(std::string_view key, std::string_view &string, bool &more) {
+    if (!atKey(key, key.size() - 1) || !stringAt(m_at + 2, string) || hasEscape(string)) return false;
+    return takeMember(more);
   }
-  bool takeNumberMember(std::string_view quoted, std::string_view &number) {
-    if (m_end - m_at < 4 || !atName(quoted)) return false;
+  bool takeNumber(std::string_view key, std::string_view &number, bool &more) {
+    if (!atKey(key, key.size())) return false;
     number = {m_text + m_at[2], m_at[3] - m_at[2]};
-    if (!isNumber(number)) return false;
-    m_at += 3;
-    return true;
+    return isNumber(number) && takeMember(more);
   }
 
-  // { or [, and } or ], counted.
-  void open(char bracket, const char *expected, const char *advice = "");
-  void close(char bracket);
+  // { or [, counted; false when it does not stand here or is one too many.
+  bool takeOpen(char bracket) {
+    if (m_depth >= m_maxDepth || !take(bracket)) return false;
+    ++m_depth;
+    return true;
+  }
+  [[noreturn]] void refuseOpen(char bracket, const char *advice) const;
+
+  // } or ], counted.
+  void close(char bracket) {
+    if (!take(bracket)) refuseClose(bracket);
+    --m_depth;
+  }
 
   // A string as it is written, without its quotes.
   std::string_view string(const char *expected, const char *advice = "");
@@ -111,14 +118,26 @@ class Cursor {
     return m_end - m_at >= 2 && m_at[1] - m_at[0] == quoted.size() && m_text[m_at[1]] == ':' &&
            kit::equalShort(m_text + *m_at, quoted.data(), quoted.size());
   }
+  // The key, the value of which begins `length` bytes behind it, and a token behind the value.
+  bool atKey(std::string_view key, size_t length) const {
+    return m_end - m_at >= 4 && m_at[2] - m_at[0] == length &&
+           kit::equalShort(m_text + *m_at, key.data(), key.size());
+  }
+  bool takeMember(bool &more) {
+    more = m_text[m_at[3]] == ',';
+    m_at += more ? 4 : 3;
+    return true;
+  }
   bool stringAt(const uint32_t *at, std::string_view &string) const {
     if (m_text[*at] != '"' || at[1] - at[0] < 2 || m_text[at[1] - 1] != '"') return false;
     string = {m_text + *at + 1, at[1] - at[0] - 2};
     return true;
   }
+  void open(char bracket);
   void members();
   void elements();
   bool commaBefore() const;
+  [[noreturn]] void refuseClose(char bracket) const;
   [[noreturn]] void badEscape(std::string_view string, const Unescaped &bad) const;
 
   const char *m_text;

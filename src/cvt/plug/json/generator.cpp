@@ -42,6 +42,7 @@ class Generator {
 
   bool plainMember(const Item &item, std::string_view text);
   void key(const Item &item);
+  void newLine();
   void separate();
   void open(char bracket);
   void close(char bracket);
@@ -59,13 +60,16 @@ class Generator {
   kit::Digits m_digits{};  // a count being written
 };
 
-// What stands before each value or member but the first, and the line it stands on.
-void Generator::separate() {
-  if (!m_first) m_out.put(',');
-  m_first = false;
-  if (m_plan.indent == 0) return;
+void Generator::newLine() {
   m_out.put('\n');
   m_out.fill(' ', m_depth * m_plan.indent);
+}
+
+// What stands before each value or member but the first, and the line it stands on.
+inline void Generator::separate() {
+  if (!m_first) m_out.put(',');
+  m_first = false;
+  if (m_plan.indent > 0) newLine();
 }
 
 void Generator::key(const Item &item) {
@@ -99,12 +103,9 @@ void Generator::open(char bracket) {
   m_first = true;
 }
 
-void Generator::close(char bracket) {
+inline void Generator::close(char bracket) {
   --m_depth;
-  if (!m_first && m_plan.indent > 0) {
-    m_out.put('\n');
-    m_out.fill(' ', m_depth * m_plan.indent);
-  }
+  if (!m_first && m_plan.indent > 0) newLine();
   m_out.put(bracket);
   m_first = false;
 }

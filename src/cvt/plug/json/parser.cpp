@@ -3,6 +3,7 @@
 #include "cursor.h"
 #include "kit/log.h"
 #include "member_names.h"
+#include "seen.h"
 
 namespace cvt::json {
 
@@ -15,9 +16,9 @@ constexpr const char *kSeeNull = "psNull says what null means";
 
 // Memory that a parser needs and that stays for the next one.
 struct Room {
-  std::vector<char> seen;  // one for each child of the open objects
-  std::string text;        // a name with escapes
-  std::string others;      // unknown members of the open objects
+  SeenStack seen;
+  std::string text;    // a name with escapes
+  std::string others;  // unknown members of the open objects
   MemberNames names;
 };
 Room f_room;
@@ -78,9 +79,6 @@ const char *kindOf(const Item &item) {
   }
 }
 
-// What has come of a child.
-enum Seen : char { kNothing, kAbsent, kThere };
-
 // An object that is being read.
 struct Open {
   size_t seen;      // of its children: from here in Room::seen
@@ -107,8 +105,10 @@ class Parser {
   Seen scalar(const Item &item, List values);
   void content(const Item &item, List values);
   void string(const kit::Rule &rule, List values, std::string_view raw);
+  void open(char bracket);
   void object(const Item &item, List values);
   bool plainMembers(const Item &item, List values, Open &open);
+  void otherMembers(const Item &item, List values, Open &open);
   void member(const Item &item, List values, Open &open);
   int find(const Item &item, std::string_view raw);
   void unknown(const Item &item, std::string_view raw, const Open &open);
@@ -213,23 +213,20 @@ void Parser::string(const kit::Rule &rule, List values, std::string_view raw) {
   values.put(rule.slot, value, length);
 }
 
+inline void Parser::open(char bracket) {
+  if (!m_in.takeOpen(bracket)) m_in.refuseOpen(bracket, m_in.peek() == 'n' ? kSeeNull : "");
+}
+
 void Parser::object(const Item &item, List values) {
-  m_in.open('{', "an object", m_in.peek() == 'n' ? kSeeNull : "");
-  Open open{f_room.seen.size(), f_room.others.size()};
-  f_room.seen.resize(open.seen + item.children.size(), kNothing);
-  const MemberNames::Scope names(f_room.names);
-  if (m_in.peek() != '}') {
-    do {
-      if (plainMembers(item, values, open)) break;
-      member(item, values, open);
-    } while (m_in.take(','));
-  }
+  open('{');
+  Open open{f_room.seen.open(item.children.size()), f_room.others.size()};
+  if (m_in.peek() != '}' && !plainMembers(item, values, open)) otherMembers(item, values, open);
   if (m_in.peek() == '}') {
-    complete(item, open.seen);
+    if (!item.required.empty()) complete(item, open.seen);
     if (item.others >= 0) putOthers(item, values, open);
   }
   m_in.close('}');
-  f_room.seen.resize(open.seen);
+  f_room.seen.close(open.seen);
 }
 
 void Parser::putOthers(const Item &item, List values, const Open &open) {
@@ -246,20 +243,27 @@ void Parser::putOthers(const Item &item, List values, const Open &open) {
 // Takes the children that come next as long as they are plain and so is what stands in the text: most members are
 // nothing else. True when no other member follows.
 bool Parser::plainMembers(const Item &item, List values, Open &open) {
-  const Item *const children = item.children.data();
-  char *const seen = f_room.seen.data() + open.seen;
-  size_t &next = open.next;
-  for (; next < item.children.size() && children[next].plain && seen[next] == kNothing; ++next) {
-    const Item &child = children[next];
+  const size_t count = item.children.size();
+  char *const seen = f_room.seen.from(open.seen);
+  for (size_t &next = open.next; next < count; ++next) {
+    const Item &child = item.children[next];
+    if (!child.plain || seen[next] != kNothing) return false;
     std::string_view value;
-    const bool taken = child.type == Type::Text ? m_in.takeTextMember(child.quoted, value)
-                                                : m_in.takeNumberMember(child.quoted, value);
+    bool more = false;
+    const bool taken = child.type == Type::Text ? m_in.takeText(child.readKey, value, more)
+                                                : m_in.takeNumber(child.readKey, value, more);
     if (!taken) return false;
     putRead(child.rule, values, m_call.store, value);
     seen[next] = kThere;
-    if (!m_in.take(',')) return true;
+    if (!more) return true;
   }
   return false;
+}
+
+void Parser::otherMembers(const Item &item, List values, Open &open) {
+  const MemberNames::Scope names(f_room.names);
+  do member(item, values, open);
+  while (m_in.take(',') && !plainMembers(item, values, open));
 }
 
 // Texts mostly keep the definition's order, so the next child is tried before the table.
@@ -273,12 +277,12 @@ void Parser::member(const Item &item, List values, Open &open) {
     position = static_cast<size_t>(found);
   }
   const Item &child = item.children[position];
-  if (f_room.seen[open.seen + position] != kNothing) {
+  if (f_room.seen.from(open.seen)[position] != kNothing) {
     m_path.field(child.node);
     throw Fault(offset, "each member once", "a second " + quoted(child.name), "Remove one of them");
   }
   const Seen came = read(child, values);
-  f_room.seen[open.seen + position] = came;
+  f_room.seen.from(open.seen)[position] = came;
   open.next = position + 1;
 }
 
@@ -319,15 +323,14 @@ void Parser::addName(std::string_view raw) {
 }
 
 void Parser::tuple(const Item &item, List values) {
-  m_in.open('[', "an array", m_in.peek() == 'n' ? kSeeNull : "");
-  const size_t seen = f_room.seen.size();
-  f_room.seen.resize(seen + item.children.size(), kNothing);
+  open('[');
+  const size_t seen = f_room.seen.open(item.children.size());
   if (m_in.peek() != ']') {
     size_t position = 0;
     do {
       if (position < item.children.size()) {
         const Seen came = read(item.children[position], values);
-        f_room.seen[seen + position] = came;
+        f_room.seen.from(seen)[position] = came;
         ++position;
       } else if (m_plan.skipUnknown) {
         m_in.value();
@@ -339,7 +342,7 @@ void Parser::tuple(const Item &item, List values) {
   }
   if (m_in.peek() == ']') complete(item, seen);
   m_in.close(']');
-  f_room.seen.resize(seen);
+  f_room.seen.close(seen);
 }
 
 List Parser::repetition(const Item &item, List values, int index) {
@@ -353,12 +356,14 @@ List Parser::repetition(const Item &item, List values, int index) {
 }
 
 void Parser::array(const Item &item, List values) {
-  m_in.open('[', "an array", m_in.peek() == 'n' ? kSeeNull : "");
+  const Item &each = item.children[0];
+  const bool objects = each.form == Form::Object && each.node == nullptr && each.null == Null::Refuse;
+  open('[');
   if (m_in.peek() != ']') {
     int index = 0;
     do {
       const List body = repetition(item, values, index++);
-      read(item.children[0], body);
+      objects ? object(each, body) : void(read(each, body));
       counts(item.counts, body);
     } while (m_in.take(','));
   }
@@ -368,7 +373,7 @@ void Parser::array(const Item &item, List values) {
 }
 
 void Parser::members(const Item &item, List values) {
-  m_in.open('{', "an object", m_in.peek() == 'n' ? kSeeNull : "");
+  open('{');
   const MemberNames::Scope names(f_room.names);
   if (m_in.peek() != '}') {
     int index = 0;
@@ -392,10 +397,11 @@ void Parser::members(const Item &item, List values) {
 // What must have come by the end of an object or a tuple.
 void Parser::complete(const Item &item, size_t seen) {
   for (const size_t required : item.required) {
-    if (f_room.seen[seen + required] == kThere) continue;
+    const char came = f_room.seen.from(seen)[required];
+    if (came == kThere) continue;
     const Item &child = item.children[required];
     m_path.field(child.node);
-    const bool absent = f_room.seen[seen + required] == kAbsent;
+    const bool absent = came == kAbsent;
     const std::string what =
         item.form == Form::Tuple ? "element " + std::to_string(required + 1) : "member " + quoted(child.name);
     throw Fault(

@@ -39,6 +39,7 @@ struct Item {
   std::string quoted;   // as it is written, with its quotes; empty without a name
   std::string key;      // `,"name":` as it is written
   std::string textKey;  // the same in front of a text, with its quote
+  std::string readKey;  // `"name":` as it most often comes, of a text with its quote
   Null null = Null::Refuse;
   bool mandatory = false;
   bool keepEmpty = false;

@@ -40,7 +40,12 @@ class Path {
   void field(const char *name) { m_field = name; }
 
   // Of the innermost loop around, from 0; -1: in no repetition.
-  int repetition() const;
+  int repetition() const {
+    for (int i = m_depth < kMaxDepth ? m_depth : kMaxDepth; i > 0; --i) {
+      if (m_frames[i - 1].index >= 0) return m_frames[i - 1].index;
+    }
+    return -1;
+  }
 
   // Empty at the message itself.
   std::string text() const;

@@ -26,6 +26,10 @@ std::string_view trimmed(std::string_view text) {
 }
 
 std::string_view decimal(int number, Digits &digits) {
+  if (number >= 0 && number < 10) {
+    digits.bytes[0] = static_cast<char>('0' + number);
+    return {digits.bytes, 1};
+  }
   const auto end = std::to_chars(digits.bytes, digits.bytes + sizeof digits.bytes, number).ptr;
   return {digits.bytes, static_cast<size_t>(end - digits.bytes)};
 }

@@ -33,15 +33,10 @@ void List::clear(int slots) {
   for (int slot = 0; slot < slots; ++slot) put(slot, nullptr, 0);
 }
 
-List List::append(int slot, int slots) {
-  const ValueList *loop = loopAt(slot);
-  if (loop != nullptr && loop->nNow >= loop->nMax) {
-    throw Fault(Fault::kHere, "at most " + std::to_string(loop->nMax) + " repetitions", "one more",
-                "Raise gnMaxLoop of the Message section");
-  }
-  ValueList *list = cvtNewLoopValueList(m_list, slot, slots);
-  if (list == nullptr) throw Fault(Fault::kHere, "room for a repetition", "none", "Raise gnMaxLoop");
-  return {list, slots};
+void List::badAppend(const ValueList *loop) {
+  if (loop == nullptr) throw Fault(Fault::kHere, "room for a repetition", "none", "Raise gnMaxLoop");
+  throw Fault(Fault::kHere, "at most " + std::to_string(loop->nMax) + " repetitions", "one more",
+              "Raise gnMaxLoop of the Message section");
 }
 
 // Slabs grow in fixed steps, so that the blocks a pool node has kept fit the next message.

@@ -70,7 +70,13 @@ class List {
   }
 
   // Appends a repetition. Throws Fault when the loop is full; the message names gnMaxLoop.
-  List append(int slot, int slots);
+  List append(int slot, int slots) {
+    const ValueList *loop = loopAt(slot);
+    if (loop != nullptr && loop->nNow >= loop->nMax) badAppend(loop);
+    ValueList *list = cvtNewLoopValueList(m_list, slot, slots);
+    if (list == nullptr) badAppend(nullptr);
+    return {list, slots};
+  }
 
   // Forgets the values and repetitions of the first `slots` slots.
   void clear(int slots);
@@ -93,6 +99,8 @@ class List {
 
   [[noreturn]] static void badList(const ValueList *list, int slots);
   [[noreturn]] static void badLoop(int length);
+  // The loop that is full; null: there was no list to be had.
+  [[noreturn]] static void badAppend(const ValueList *loop);
   [[noreturn]] static void badRepetition(int index);
   [[noreturn]] static void badValue(int length);
 

@@ -48,18 +48,6 @@ bool beginsWithDigit(const Token &token) {
 
 }  // namespace
 
-struct KnownPattern {
-  char text[kMaxPattern];
-  size_t length = 0;
-  struct Placed {
-    Token token;
-    size_t begin = 0;
-  };
-  Placed tokens[kMaxPattern];
-  size_t count = 0;
-  const char *toRead = nullptr;  // what is missing in it to read a text
-};
-
 namespace {
 
 // Takes a pattern apart.
@@ -188,18 +176,6 @@ Tokens::Tokens(std::string_view pattern, Use use, Misfit &misfit)
     : m_misfit(misfit), m_known(find(pattern, misfit)) {
   m_begin = pattern.size();
   if (m_known != nullptr && use == Use::Read && m_known->toRead != nullptr) refuse(m_known->toRead);
-}
-
-bool Tokens::next(Token &token) {
-  if (m_misfit.expected != nullptr) return false;
-  if (m_position == m_known->count) {
-    m_begin = m_known->length;
-    return false;
-  }
-  const KnownPattern::Placed &known = m_known->tokens[m_position++];
-  token = known.token;
-  m_begin = known.begin;
-  return true;
 }
 
 bool hasPart(std::string_view pattern, char letter) {

@@ -27,7 +27,17 @@ struct Token {
 };
 
 // A pattern without faults, taken apart: those used last are kept, since configurations have few.
-struct KnownPattern;
+struct KnownPattern {
+  char text[kMaxPattern];
+  size_t length = 0;
+  struct Placed {
+    Token token;
+    size_t begin = 0;
+  };
+  Placed tokens[kMaxPattern];
+  size_t count = 0;
+  const char *toRead = nullptr;  // what is missing in it to read a text
+};
 
 // What a pattern is for. A text that is to be read must say what its parts mean: hours to 12 their half of the day.
 enum class Use { Read, Write };
@@ -39,7 +49,17 @@ class Tokens {
   Tokens(std::string_view pattern, Use use, Misfit &misfit);
 
   // False at the end.
-  bool next(Token &token);
+  bool next(Token &token) {
+    if (m_misfit.expected != nullptr) return false;
+    if (m_position == m_known->count) {
+      m_begin = m_known->length;
+      return false;
+    }
+    const KnownPattern::Placed &known = m_known->tokens[m_position++];
+    token = known.token;
+    m_begin = known.begin;
+    return true;
+  }
 
   // Notes that the last token is wrong.
   void refuse(const char *expected) {

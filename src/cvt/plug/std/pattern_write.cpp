@@ -52,6 +52,11 @@ class Writer {
   }
 
   void number(int value, size_t digits) {
+    if (digits == 2 && value < 100) {
+      *m_next++ = static_cast<char>('0' + value / 10);
+      *m_next++ = static_cast<char>('0' + value % 10);
+      return;
+    }
     char reversed[10];
     size_t count = 0;
     for (; value > 0 || count < digits; value /= 10) reversed[count++] = static_cast<char>('0' + value % 10);
