@@ -172,7 +172,8 @@ def goals(rows):
 def markdown(rows, facts):
     lines = ["# Results of the bench", "",
              "Written by `./run bench`, never by hand. [README.md](README.md) says what is measured and how to read it,",
-             "[NOTES.md](NOTES.md) what was tried, kept and dropped.", ""]
+             "[NOTES.md](NOTES.md) what was tried, kept and dropped, and [why](NOTES.md#goals-that-are-not-reached) goals are not",
+             "reached, [PROFILE.md](PROFILE.md) where the instructions go.", ""]
     lines += ["| | |", "|---|---|"] + [f"| {name} | {value} |" for name, value in facts.items()] + ["", *goals(rows), ""]
     titles = {workload.name: workload.title for workload in workloads.WORKLOADS}
     titles["start"] = "one message a start of the command, and programs that do nothing"
