@@ -198,11 +198,11 @@ def options():
 def main():
     arguments = options()
     names = arguments.workloads
-    facts = report.facts(arguments.build, "", "", "")
+    facts = report.build_facts(arguments.build)
     lines = ["# Where the instructions go", "",
              "Written by `./run bench --profile`, never by hand: callgrind's counts. [README.md](README.md#the-profile) says "
              "how they are taken, [NOTES.md](NOTES.md) what follows from them.",
-             *table(["", ""], [[name, facts[name]] for name in ("commit", "compiler", "machine", "date")])]
+             *table(["", ""], facts.items())]
     with tempfile.TemporaryDirectory(prefix="cvt2-profile-") as scratch:
         profile = Profile(arguments.build, scratch)
         for messages in (1, FEW, MANY):

@@ -38,7 +38,8 @@ def versions():
     return ", ".join(" ".join(line) for line in lines)
 
 
-def facts(build, messages, rounds, core):
+def build_facts(build):
+    """What was measured, and on what."""
     compiler = output_of(cached(build, "CMAKE_CXX_COMPILER"), "--version").splitlines() or ["unknown"]
     build_type = cached(build, "CMAKE_BUILD_TYPE")
     processor = re.search(r"model name\s*: (.*)", pathlib.Path("/proc/cpuinfo").read_text())
@@ -48,6 +49,11 @@ def facts(build, messages, rounds, core):
         "machine": f"{processor.group(1) if processor else platform.machine()}, {os.cpu_count()} cores, "
                    f"{platform.system()} {platform.release()}",
         "date": datetime.datetime.now(datetime.timezone.utc).strftime("%Y-%m-%d %H:%M UTC"),
+    }
+
+
+def facts(build, messages, rounds, core):
+    return build_facts(build) | {
         "messages": messages,
         "rounds": rounds,
         "core": core,

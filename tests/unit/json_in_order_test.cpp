@@ -127,4 +127,26 @@ TEST_F(JsonInOrder, WhatIsWrongIsToldAsEverywhere) {
   refused(R"({"Id":"A","Ref":"toolong"})", "Field[Ref] Offset[");
 }
 
+// Written in one go, too.
+TEST_F(JsonInOrder, AFullBufferIsToldWithTheMemberThatHadNoRoom) {
+  const std::string sWhole = object(kMembers);
+  const Text order = parse("Order", sWhole);
+  ASSERT_EQ(generate(order), sWhole);
+  for (const auto &[sMember, sPath] :
+       std::vector<std::pair<std::string, std::string>>{{kMembers[0], "Id"},
+                                                        {kMembers[1], "Total"},
+                                                        {kMembers[2], "Note"},
+                                                        {kMembers[3], "Paid"},
+                                                        {kMembers[4], "Ref"},
+                                                        {R"("Sku":"S2")", "Lines[1].Sku"},
+                                                        {R"("Qty":-0.5e1)", "Lines[1].Qty"}}) {
+    const size_t begin = sWhole.find(sMember);
+    for (size_t n = begin; n < begin + sMember.size(); ++n) {
+      test::clearLog();
+      EXPECT_EQ(generate(order, n), "failed");
+      EXPECT_TRUE(told("Msg[Order] Field[" + sPath + "] Offset[")) << n << "\n" << told();
+    }
+  }
+}
+
 }  // namespace

@@ -122,4 +122,25 @@ TEST_F(XmlInOrder, EveryCutIsRefused) {
   for (size_t n = 0; n < s.size(); ++n) EXPECT_EQ(parse("Order", s.substr(0, n)), nullptr) << s.substr(0, n);
 }
 
+// Written in one go, too.
+TEST_F(XmlInOrder, AFullBufferIsToldWithTheElementThatHadNoRoom) {
+  const Document order = parse("Order", "<order xmlns='urn:o' xmlns:p='urn:p'>" + kAll + "</order>");
+  ASSERT_NE(order, nullptr) << told();
+  const std::string sWhole = generate(order);
+  for (const auto &[sElement, sPath] :
+       std::vector<std::pair<std::string, std::string>>{{"<Id>77</Id>", "Id"},
+                                                        {"<Note>a text of some length</Note>", "Note"},
+                                                        {"<Amount>1.50</Amount>", "Sum.Amount"},
+                                                        {"<Sku>S2</Sku>", "Line[1].Sku"},
+                                                        {"<Tag>b</Tag>", "Tag[1]"}}) {
+    const size_t begin = sWhole.find(sElement);
+    ASSERT_NE(begin, sWhole.npos) << sWhole;
+    for (size_t n = begin; n < begin + sElement.size(); ++n) {
+      test::clearLog();
+      EXPECT_EQ(generate(order, n), "failed");
+      EXPECT_TRUE(told("Msg[Order] Field[" + sPath + "] Offset[")) << n << "\n" << told();
+    }
+  }
+}
+
 }  // namespace

@@ -8,7 +8,8 @@ namespace cvt::convert {
 
 namespace {
 
-int StructConvert(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Arg *ptArgs, MemPort ptMemNode);
+int StructConvert(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, const Arg *ptArgs,
+                  MemPort ptMemNode);
 int runList(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, const Arg *ptArgs,
             const Steps *ptPlan, MemPort ptMemNode);
 
@@ -216,7 +217,7 @@ int runList(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, const Ar
   return 0;
 }
 
-int StructConvert(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Arg *ptArgs,
+int StructConvert(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, const Arg *ptArgs,
                   MemPort ptMemNode) {
   return runList(ptSrcValueList, ptDstValueList, ptArgs, planOf(ptArgs), ptMemNode);
 }

@@ -190,7 +190,6 @@ void StartAfresh() {
 
 [[gnu::noinline]] void MakeRoot() {
   StartAfresh();
-  if (gptMemRoot != nullptr) return;
   MemNode *const ptNode = NewMemNode(1, NewMemBlock(kBlockSize));
   gptMemRoot = Zeroed<MemRoot>();
   gptMemRoot->ptMemNodeList = ptNode;

@@ -51,7 +51,8 @@ class Cursor {
 
   // The name with its quotes and the colon, when they stand here without blanks.
   bool takeName(std::string_view quoted) {
-    if (!atName(quoted)) return false;
+    if (m_end - m_at < 2 || m_at[1] - m_at[0] != quoted.size() || m_text[m_at[1]] != ':') return false;
+    if (!kit::equalShort(m_text + *m_at, quoted.data(), quoted.size())) return false;
     m_at += 2;
     return true;
   }
@@ -114,11 +115,7 @@ class Cursor {
   [[noreturn]] void refuse(const std::string &expected, const std::string &advice) const;
 
  private:
-  bool atName(std::string_view quoted) const {
-    return m_end - m_at >= 2 && m_at[1] - m_at[0] == quoted.size() && m_text[m_at[1]] == ':' &&
-           kit::equalShort(m_text + *m_at, quoted.data(), quoted.size());
-  }
-  // The key, the value of which begins `length` bytes behind it, and a token behind the value.
+  // The key, the value `length` bytes behind its beginning, and a token behind the value.
   bool atKey(std::string_view key, size_t length) const {
     return m_end - m_at >= 4 && m_at[2] - m_at[0] == length &&
            kit::equalShort(m_text + *m_at, key.data(), key.size());

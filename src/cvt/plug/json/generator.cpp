@@ -82,16 +82,17 @@ void Generator::key(const Item &item) {
   m_out.put(std::string_view(item.key).substr(1));
 }
 
-// A text or number that stands as it is, with its name, in one piece; false for everything else.
+// A text or number that stands as it is, with its name, in one piece; false, and nothing was written, for everything
+// else and where there is no room.
 [[gnu::always_inline]] inline bool Generator::plainMember(const Item &item, std::string_view text) {
   if (m_plan.indent != 0 || text.empty()) return false;
   const size_t comma = m_first ? 1 : 0;
-  if (item.type == Type::Text && isPlain(text)) {
-    m_out.put(std::string_view(item.textKey).substr(comma), text, "\"");
-  } else if (item.type == Type::Number && isNumber(text)) {
-    m_out.put(std::string_view(item.key).substr(comma), text, {});
+  if (item.type == Type::Text) {
+    if (!isPlain(text) || !m_out.tryPut(std::string_view(item.textKey).substr(comma), text, "\""))
+      return false;
   } else {
-    return false;
+    if (item.type != Type::Number || !isNumber(text)) return false;
+    if (!m_out.tryPut(std::string_view(item.key).substr(comma), text, {})) return false;
   }
   m_first = false;
   return true;
@@ -135,7 +136,7 @@ void Generator::member(const Item &item, const List &list) {
   if (item.form == Form::Scalar) {
     m_path.field(item.node);
     const std::string_view text = textToWrite(item.rule, list, m_path, m_digits);
-    if (isWritten(item.rule, list, text) && !plainMember(item, text)) {
+    if (isWritten(item.rule, list, text) && (item.plain || !plainMember(item, text))) {
       key(item);
       scalar(item, text);
     }

@@ -357,13 +357,18 @@ List Parser::repetition(const Item &item, List values, int index) {
 
 void Parser::array(const Item &item, List values) {
   const Item &each = item.children[0];
-  const bool objects = each.form == Form::Object && each.node == nullptr && each.null == Null::Refuse;
+  const bool bare =
+      each.form == Form::Object && each.node == nullptr && each.null == Null::Refuse;  // read as it does
   open('[');
   if (m_in.peek() != ']') {
     int index = 0;
     do {
       const List body = repetition(item, values, index++);
-      objects ? object(each, body) : void(read(each, body));
+      if (bare) {
+        object(each, body);
+      } else {
+        read(each, body);
+      }
       counts(item.counts, body);
     } while (m_in.take(','));
   }

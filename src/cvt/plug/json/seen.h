@@ -1,6 +1,6 @@
-// seen.h: what has come of the children of the objects that are being read.
+// seen.h: what has come of the children of the objects, and of the groups that are arrays, that are being read.
 //
-// Objects stand in objects: the children of the innermost one are on top.
+// They stand in each other: the children of the innermost one are on top.
 #pragma once
 
 #include <vector>
@@ -13,7 +13,7 @@ enum Seen : char { kNothing, kAbsent, kThere };
 
 class SeenStack {
  public:
-  // Of an object that begins: where its children are, none of which has come.
+  // Of one that begins: where its children are, none of which has come.
   size_t open(size_t children) {
     const size_t begin = m_top;
     m_top += children;
@@ -23,10 +23,10 @@ class SeenStack {
   }
   void close(size_t begin) { m_top = begin; }
 
-  // The children of an open object, until the next one is opened.
+  // The children of an open one, until the next one is opened.
   char *from(size_t begin) { return m_all.data() + begin; }
 
-  // No object is open.
+  // None is open.
   void clear() { m_top = 0; }
 
  private:

@@ -123,9 +123,8 @@ inline bool isPrintable(const char *in, size_t n) {
 }
 
 // The high bit of each byte that is `byte`, up to the first such byte; 0 when there is none.
-template <class Word>
-Word equals(Word word, unsigned char byte) {
-  const Word other = word ^ (kOnes * byte);
+inline uint64_t equals(uint64_t word, unsigned char byte) {
+  const uint64_t other = word ^ (kOnes * byte);
   return (other - kOnes) & ~other & kHighBits;
 }
 

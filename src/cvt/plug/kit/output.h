@@ -30,12 +30,16 @@ class Output {
     char *const piece = reserve(bytes.size());
     copyShort(piece, bytes.data(), bytes.size());
   }
-  // Three pieces with room for all of them, or none.
-  [[gnu::always_inline]] void put(std::string_view first, std::string_view second, std::string_view third) {
-    char *const piece = reserve(first.size() + second.size() + third.size());
+  // Three pieces; false, and nothing was written, where there is no room for all of them.
+  [[gnu::always_inline]] bool tryPut(std::string_view first, std::string_view second,
+                                     std::string_view third) {
+    if (first.size() + second.size() + third.size() > room()) return false;
+    char *const piece = m_next;
+    m_next += first.size() + second.size() + third.size();
     copyShort(piece, first.data(), first.size());
     copyShort(piece + first.size(), second.data(), second.size());
     copyShort(piece + first.size() + second.size(), third.data(), third.size());
+    return true;
   }
   void put(char byte) { *reserve(1) = byte; }
   void fill(char byte, size_t count) {

@@ -46,10 +46,6 @@ bool beginsWithDigit(const Token &token) {
   return token.count == 0 ? token.letter >= '0' && token.letter <= '9' : isNumber(token);
 }
 
-}  // namespace
-
-namespace {
-
 // Takes a pattern apart.
 class Lesson {
  public:

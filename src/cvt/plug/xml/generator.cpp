@@ -117,11 +117,11 @@ void Generator::repetitions(const Element &child, const List &list) {
   m_path.leave();
 }
 
-// A text that stands as it is, with its tags in one piece: most elements are nothing else. False for everything else.
+// A text that stands as it is, with its tags in one piece: most elements are nothing else. False, and nothing was
+// written, for everything else and where there is no room.
 [[gnu::always_inline]] inline bool Generator::plain(const Element &element, std::string_view value) {
-  if (value.empty() || !kit::isPlainXml(value.data(), value.size())) return false;
-  m_out.put(element.start, value, element.close);
-  return true;
+  return !value.empty() && kit::isPlainXml(value.data(), value.size()) &&
+         m_out.tryPut(element.start, value, element.close);
 }
 
 // An element that is nothing but text.
