@@ -83,7 +83,7 @@ run_once() {
 only_waited() {
   local input
   for input in "$found/$1"-*; do
-    [[ $input == */"$1"-timeout-* ]] || return 1
+    [[ $input == */"$1"-@(timeout|slow-unit)-* ]] || return 1
     "$build/bin/fuzz_$1" -timeout=1 "$input" >"$work/$1.again.log" 2>&1 || return 1
     rm "$input"
   done
