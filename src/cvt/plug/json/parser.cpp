@@ -357,8 +357,8 @@ List Parser::repetition(const Item &item, List values, int index) {
 
 void Parser::array(const Item &item, List values) {
   const Item &each = item.children[0];
-  const bool bare =
-      each.form == Form::Object && each.node == nullptr && each.null == Null::Refuse;  // read as it does
+  // What read() would do for such an object is to call object().
+  const bool bare = each.form == Form::Object && each.node == nullptr && each.null == Null::Refuse;
   open('[');
   if (m_in.peek() != ']') {
     int index = 0;
