@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 """Where the instructions of a message go, the library's and those of the programs beside it, by callgrind.
 
-  profile.py BUILD [WORKLOAD...] [--results FOLDER]   writes PROFILE.md; all workloads without
+  profile.py BUILD [WORKLOAD...] [--messages N] [--results FOLDER]   writes PROFILE.md; all workloads without
 
-Each program runs over files of 200 and of 400 messages; what the second one adds, by 200, is a message, without the
-start. Programs that make their machine code while they run cannot be counted. README.md has the rest.
+Each program runs over files of N and of twice as many messages, 200 and 400; what the second one adds, by N, is a
+message, without the start. Starts differ by some ten thousand instructions: the more messages, the less that shows. Programs that make their machine code while they run cannot be counted. README.md has the rest.
 """
 import argparse
 import collections
@@ -26,7 +26,7 @@ import report  # noqa: E402
 import workloads  # noqa: E402
 from workloads import COPY, OURS  # noqa: E402
 
-FEW, MANY = 200, 400
+MESSAGES = 200
 SHOWN = 10
 COMPILING = {"node", "java", "mlr"}
 STAGES = [("parse", "cvtInitMessasge"), ("convert", "pubConvert"), ("generate", "pubGenerate"), ("free", "cvtFreeMessage")]
@@ -95,7 +95,8 @@ def short(name):
 
 
 class Profile:
-    def __init__(self, build, scratch):
+    def __init__(self, build, scratch, messages):
+        self.few, self.many = messages, 2 * messages
         self.names = {"bin": build / "bin", "bench": HERE, "work": build / "contestants"}
         self.scratch = pathlib.Path(scratch)
 
@@ -124,8 +125,8 @@ class Profile:
         if shutil.which(needs) is None and not pathlib.Path(needs).exists():
             raise Failed(f"{pathlib.Path(needs).name} is missing")
         few, many = (self.count(self.words(contestant.command, input=self.scratch / str(n) / workload.input,
-                                           output=self.scratch / "output")) for n in (FEW, MANY))
-        messages = workloads.messages(workload, MANY) - workloads.messages(workload, FEW)
+                                           output=self.scratch / "output")) for n in (self.few, self.many))
+        messages = workloads.messages(workload, self.many) - workloads.messages(workload, self.few)
         added = few.added_by(many, messages)
         if added.total() < 1:
             raise Failed("does its work in another process")
@@ -191,6 +192,7 @@ def options():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("build", type=lambda name: pathlib.Path(name).resolve())
     parser.add_argument("workloads", nargs="*", metavar="WORKLOAD", help="its name or the beginning; all without")
+    parser.add_argument("--messages", type=int, default=MESSAGES)
     parser.add_argument("--results", type=pathlib.Path, help="where PROFILE.md is written")
     return parser.parse_args()
 
@@ -204,8 +206,8 @@ def main():
              "how they are taken, [NOTES.md](NOTES.md) what follows from them.",
              *table(["", ""], facts.items())]
     with tempfile.TemporaryDirectory(prefix="cvt2-profile-") as scratch:
-        profile = Profile(arguments.build, scratch)
-        for messages in (1, FEW, MANY):
+        profile = Profile(arguments.build, scratch, arguments.messages)
+        for messages in (1, profile.few, profile.many):
             data.make(profile.scratch / str(messages), messages)
         try:
             for workload in workloads.WORKLOADS:

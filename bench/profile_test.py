@@ -25,7 +25,7 @@ def main():
         print("skipped: no valgrind")
         return 77
     with tempfile.TemporaryDirectory() as folder:
-        subprocess.run([HERE / "profile.py", sys.argv[1], "w6", "--results", folder], check=True)
+        subprocess.run([HERE / "profile.py", sys.argv[1], "w6", "--messages", "2000", "--results", folder], check=True)
         text = (pathlib.Path(folder) / "PROFILE.md").read_text(encoding="utf-8")
     print(text)
     programs = numbers(text, "| program |")
