@@ -267,7 +267,7 @@ Value *newConstant(char *psValue, int nLen) {
   if (pt == nullptr || psValue == nullptr || nLen <= 0 || static_cast<size_t>(nLen) <= nBytes) return pt;
   CVT_ERR("Value psValue[%s] has [%zu] bytes, not [%d]: write nLen=\"%zu\"", psValue, nBytes, nLen, nBytes);
   auto *const psRoom = static_cast<char *>(cvtMemMalloc(nLen));
-  std::memcpy(psRoom, psValue, nBytes);
+  std::copy_n(psValue, nBytes, psRoom);
   pt->psValue = psRoom;
   return pt;
 }

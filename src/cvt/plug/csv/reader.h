@@ -75,7 +75,7 @@ class Reader {
   Token nothing() {
     m_bare = false;
     m_from = m_stop;
-    return {{m_stop, 0}, false, false};
+    return {{m_stop, m_stop}, false, false};
   }
 
   // A fault unless the record has no more fields.

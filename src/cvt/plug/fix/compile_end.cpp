@@ -74,7 +74,10 @@ int linkNode(LevelPlan &level, size_t i, int behind) {
 int linkMembers(LevelPlan &level, size_t from, size_t to, int behind) {
   std::vector<size_t> members;
   for (size_t i = from; i < to; i = static_cast<size_t>(level.ops[i].next)) members.push_back(i);
-  for (auto it = members.rbegin(); it != members.rend(); ++it) behind = linkNode(level, *it, behind);
+  while (!members.empty()) {
+    behind = linkNode(level, members.back(), behind);
+    members.pop_back();
+  }
   return behind;
 }
 
