@@ -555,6 +555,26 @@ static void testPipelines(void) {
   cvtFreeMessage(ptMsg);
 }
 
+/* What a step of the host's own may call. */
+static void testBufferSteps(void) {
+  char sBuf[] = "0007<n>Order</n>";
+  char sOut[16] = {0};
+  InnerMessage tSrc;
+  InnerMessage tDst;
+  memset(&tSrc, 0, sizeof tSrc);
+  memset(&tDst, 0, sizeof tDst);
+  tSrc.psBuf = sBuf;
+  tSrc.nLen = (int)strlen(sBuf);
+  tDst.psBuf = sOut;
+  tDst.nLen = sizeof sOut;
+  CHECK(GetIpcName(&tSrc, NULL, sttNewIpcNameArgs(2, 2, "M", NULL)) == 0 && isText(tSrc.sMsgName, "M07"));
+  CHECK(GetXmlNode(&tSrc, NULL, sttNewXmlNameArgs("<n", NULL, "s")) == 0 && isText(tSrc.sMsgName, "Orders"));
+  CHECK(SetMsgNameToBuf(&tSrc, &tDst, sttNewIpcNameArgs(0, 5, NULL, "|")) == 0 && tDst.nNowLen == 6);
+  CHECK(SetBufToBuf(&tSrc, &tDst, sttNewMoveBufferArgs(2, 2, 6, 0, NULL, NULL)) == 0 && tDst.nNowLen == 8);
+  CHECK(isText(sOut, "Order|07"));
+  CHECK(SetToOffset(&tSrc, &tDst, sttNewSetOffsetArgs('d', 3, 0)) == 0 && tDst.nNowLen == 3);
+}
+
 static void testLoopArguments(void) {
   Message **const pptIdx = cvtGetMsg("Order")->pptMessageIdx;
   Arg *const ptWhole = sttNewArg(CVT_TYPE_MSG, NULL, NULL);
@@ -680,6 +700,7 @@ int main(int argc, char **argv) {
   testMessages();
   testNewMessage();
   testPipelines();
+  testBufferSteps();
   testLoopArguments();
   testDefinitionRecords();
   testConverterRecords();

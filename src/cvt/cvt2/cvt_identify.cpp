@@ -25,12 +25,6 @@ cvt::ListIndex<FormatInfo, &FormatInfo::psFormatId> f_formatIndex;
 
 // --- Step names ------------------------------------------------------------------------------------------
 
-int GetIpcName(InnerMessage *ptSrcMsg, InnerMessage *ptNULL, void *ptArgs);
-int GetXmlNode(InnerMessage *ptSrcMsg, InnerMessage *ptNULL, void *ptArgs);
-int SetMsgNameToBuf(InnerMessage *ptSrcMsg, InnerMessage *ptDstMsg, void *ptArgs);
-int SetBufToBuf(InnerMessage *ptSrcMsg, InnerMessage *ptDstMsg, void *ptArgs);
-int SetToOffset(InnerMessage *ptSrcMsg, InnerMessage *ptDstMsg, void *ptArgs);
-
 struct BuiltInStep {
   const char *psName;
   FncIdFunction fStep;
@@ -420,6 +414,18 @@ Args *withTexts(void *ptArgs) {
   return pt;
 }
 
+// Writes to psTo and returns how many bytes these were.
+int put(char *psTo, const char *psFrom, int nLen) {
+  if (nLen > 0) std::memmove(psTo, psFrom, static_cast<size_t>(nLen));
+  return nLen;
+}
+
+void move(int *pnNowLen, const SetOffsetArgs *ptArgs) {
+  *pnNowLen = ptArgs->nSetType != 0 ? *pnNowLen + ptArgs->nOffset : ptArgs->nOffset;
+}
+
+}  // namespace
+
 // The name is a slice of the buffer, counted from the current position; a zero byte ends it early.
 int GetIpcName(InnerMessage *ptSrcMsg, InnerMessage *, void *ptArgs) {
   CVT_NOT_NULL(ptSrcMsg, -1);
@@ -465,12 +471,6 @@ int SetMsgNameToBuf(InnerMessage *ptSrcMsg, InnerMessage *ptDstMsg, void *ptArgs
   return 0;
 }
 
-// Writes to psTo and returns how many bytes these were.
-int put(char *psTo, const char *psFrom, int nLen) {
-  if (nLen > 0) std::memmove(psTo, psFrom, static_cast<size_t>(nLen));
-  return nLen;
-}
-
 // Front text, slice and back text are all written at the same position, each over the start of the one
 // before, while their lengths add up. Configurations leave the texts out, or use this to patch a slice.
 int SetBufToBuf(InnerMessage *ptSrcMsg, InnerMessage *ptDstMsg, void *ptArgs) {
@@ -491,10 +491,6 @@ int SetBufToBuf(InnerMessage *ptSrcMsg, InnerMessage *ptDstMsg, void *ptArgs) {
   return 0;
 }
 
-void move(int *pnNowLen, const SetOffsetArgs *ptArgs) {
-  *pnNowLen = ptArgs->nSetType != 0 ? *pnNowLen + ptArgs->nOffset : ptArgs->nOffset;
-}
-
 // What it did is logged at the level of errors: operators follow positions in the log of a running system.
 int SetToOffset(InnerMessage *ptSrcMsg, InnerMessage *ptDstMsg, void *ptArgs) {
   CVT_NOT_NULL(ptArgs, -1);
@@ -511,8 +507,6 @@ int SetToOffset(InnerMessage *ptSrcMsg, InnerMessage *ptDstMsg, void *ptArgs) {
   }
   return 0;
 }
-
-}  // namespace
 
 // --- The "Id" section ------------------------------------------------------------------------------------
 

@@ -120,6 +120,26 @@ int pubGenerate(InnerMessage *ptVoid, InnerMessage *ptInMsg, void *ptArgs);
  * (logged). */
 int pubConvert(InnerMessage *ptSrtMsg, InnerMessage *ptDstMsg, void *ptArgs);
 
+/* Steps: buffer steps. Their argument is the record named behind it; texts that are absent there become empty. Offsets
+ * and lengths are trusted. Return 0, or -1 (logged) without argument or without a message that they need. */
+
+/* IpcNameArgs: names the first message by a slice of its buffer, which a zero byte ends early. */
+int GetIpcName(InnerMessage *ptSrcMsg, InnerMessage *ptNULL, void *ptArgs);
+
+/* XmlNameArgs: names the first message by what stands between the first ">" behind a text and the next "<". The buffer
+ * must end with a zero byte. -1 (logged) also when there is no such place. */
+int GetXmlNode(InnerMessage *ptSrcMsg, InnerMessage *ptNULL, void *ptArgs);
+
+/* IpcNameArgs: writes a slice of the first message's name into the second's buffer. The position moves by the whole
+ * text, also where the capacity cut it. */
+int SetMsgNameToBuf(InnerMessage *ptSrcMsg, InnerMessage *ptDstMsg, void *ptArgs);
+
+/* MoveBufferArgs: copies a slice of the first message's buffer into the second's. */
+int SetBufToBuf(InnerMessage *ptSrcMsg, InnerMessage *ptDstMsg, void *ptArgs);
+
+/* SetOffsetArgs: moves the position of one of the messages. */
+int SetToOffset(InnerMessage *ptSrcMsg, InnerMessage *ptDstMsg, void *ptArgs);
+
 /* The converter for the source's definition and the destination's format id: the first pair that names the
  * format, else the last pair with an empty format id; null (logged). */
 Converter *cvtGetConvert(InnerMessage *ptInSrcMsg, InnerMessage *ptInDstMsg);
