@@ -114,9 +114,9 @@ std::string cause() {
 
 std::string rule() {
   std::string place;
-  for (auto line = f_lines.rbegin(); line != f_lines.rend(); ++line) {
-    const std::string step = stepOf(*line);
-    if (!step.empty()) place += (place.empty() ? "" : ", ") + step;
+  for (const std::string &line : f_lines) {
+    const std::string step = stepOf(line);
+    if (!step.empty()) place.insert(0, step + (place.empty() ? "" : ", "));
   }
   return place;
 }
