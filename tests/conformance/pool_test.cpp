@@ -59,6 +59,15 @@ TEST_F(Pool, EachOfItsTwoUsesMakesItsOwnPart) {
   EXPECT_EQ(gptMemRoot->ptMemNodeList->nId, 1) << "the global node is not among the messages' nodes";
 }
 
+TEST_F(Pool, ARefusedCallMakesNothing) {
+  EXPECT_EQ(cvtMemDelNode(nullptr), -1);
+  EXPECT_EQ(cvtMalloc(1, nullptr), nullptr);
+  EXPECT_EQ(cvtMemReset(), 0);
+  EXPECT_EQ(cvtMemCleanUp(), 0);
+  EXPECT_EQ(gptMemRoot, nullptr);
+  EXPECT_EQ(gptGlobalNode, nullptr);
+}
+
 // --- Message nodes ----------------------------------------------------------------------------------------
 
 TEST_F(MessageNode, GivingItBackFreesAndClearsNothing) {
@@ -111,6 +120,10 @@ TEST_F(MessageNode, LooksNoFurtherThanOneBlockAhead) {
 TEST_F(MessageNode, PrintsItsNumber) {
   cvtMemNewNode();
   EXPECT_EQ(printed(cvtMemNewNode()), "Node[2]:[1024] -- Used[0]");
+  const test::LogLine &line = test::logLines().at(0);
+  EXPECT_EQ(line.sModule, "$cvt2");
+  EXPECT_EQ(line.sFile, "cvt_memory.cpp");
+  EXPECT_EQ(line.sFunction, "cvtMemPrintNode");
 }
 
 // --- The global node --------------------------------------------------------------------------------------

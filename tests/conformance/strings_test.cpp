@@ -156,6 +156,32 @@ TEST_F(List, AnAppendedListIsSharedAndMayGrow) {
   EXPECT_EQ(cvtStrFindStringList(ptA, cs("c")), &f_n2);
 }
 
+TEST_F(List, EveryPrintedLineComesFromThePrintingFunction) {
+  cvtStrLogStringList(cvtStrAddStringList(nullptr, cs("a"), &f_n1), cs("label"));
+  ASSERT_EQ(test::logLines().size(), 1U);
+  const test::LogLine &line = test::logLines()[0];
+  EXPECT_EQ(line.nLevel, 5);
+  EXPECT_EQ(line.sModule, "$cvt2");
+  EXPECT_EQ(line.sFile, "cvt_string.cpp");
+  EXPECT_EQ(line.sFunction, "cvtStrLogStringList");
+}
+
+// Nobody frees it: the name of an appended entry is still there when its element is memory of another.
+TEST_F(List, TheKeyOfAnAppendedEntryOutlivesThePool) {
+  char *const psKey = cvtStrAddStringListOrder(nullptr, cs("key"), &f_n1)->psString;
+  MemNode *const ptNode = cvtMemNewNode();
+  char *const psOfNode = cvtStrAddStringListOrderMem(nullptr, cs("of the node"), &f_n1, ptNode)->psString;
+  cvtEndDict();
+  cvtMemReset();
+  cvtMemDelNode(ptNode);
+  std::memset(cvtMemMalloc(1024), 'x', 1024);
+  std::memset(cvtMalloc(1023, cvtMemNewNode()), 'x', 1023);
+  cvtMemCleanUp();
+  EXPECT_STREQ(psKey, "key");
+  EXPECT_STREQ(psOfNode, "of the node");
+  for (char *const ps : {psKey, psOfNode}) std::free(ps);
+}
+
 TEST_F(List, AnEntryWithoutALabelIsStillPrinted) {
   cvtStrLogStringList(cvtStrAddStringList(nullptr, cs("a"), &f_n1), nullptr);
   EXPECT_EQ(logTexts(5), Texts{"[a] - [(null)]"});
@@ -171,6 +197,17 @@ TEST_F(PoolOrder, AnEntryIsItsElementThenTheDictionaryThenItsKey) {
   EXPECT_EQ(reinterpret_cast<const char *>(gptDict), psBuf + sizeof(StringList));
   EXPECT_EQ(static_cast<char *>(pt->psString), psBuf + sizeof(StringList) + sizeof(Dictionary));
   EXPECT_EQ(gptGlobalNode->ptHeadBlock->nLeft, 1024 - 24 - 808 - 4);
+}
+
+TEST_F(PoolOrder, AnAppendedEntryIsItsElementThenTheDictionaryThenItsName) {
+  NEEDS_PACKED_POOL();
+  const StringList *const pt = cvtStrAddStringListOrder(nullptr, cs("key"), &f_n1);
+  const char *const psBuf = gptGlobalNode->ptHeadBlock->psBuf;
+  EXPECT_EQ(reinterpret_cast<const char *>(pt), psBuf);
+  EXPECT_EQ(reinterpret_cast<const char *>(gptDict), psBuf + sizeof(StringList));
+  EXPECT_EQ(static_cast<char *>(gptDict->psBuf[0]), psBuf + sizeof(StringList) + sizeof(Dictionary));
+  EXPECT_EQ(gptGlobalNode->ptHeadBlock->nLeft, 1024 - 24 - 808 - 4);
+  std::free(pt->psString);
 }
 
 TEST_F(PoolOrder, AnEntryOfAKnownKeyIsItsElementOnly) {
@@ -200,6 +237,16 @@ TEST_F(PoolOrder, AnAppendedEntryOnANodeTakesAsMuch) {
   EXPECT_STREQ(ptNode->ptHeadBlock->psBuf + 24, "key");
   EXPECT_NE(static_cast<char *>(pt->psString), ptNode->ptHeadBlock->psBuf + 24);
   std::free(pt->psString);
+}
+
+// The node alone is looked at before the memory is taken.
+TEST_F(PoolOrder, AnEntryOnANodeIsRefusedWithItsMemoryTaken) {
+  NEEDS_PACKED_POOL();
+  MemNode *const ptNode = cvtMemNewNode();
+  EXPECT_EQ(cvtStrAddStringListMem(nullptr, cs("key"), nullptr, ptNode), nullptr);
+  EXPECT_EQ(ptNode->ptHeadBlock->nLeft, 1024 - 24 - 4);
+  EXPECT_EQ(cvtStrAddStringListOrderMem(nullptr, cs("key"), nullptr, ptNode), nullptr);
+  EXPECT_EQ(ptNode->ptHeadBlock->nLeft, 1024 - 2 * (24 + 4));
 }
 
 TEST_F(PoolOrder, AKnownStringTakesNothing) {
