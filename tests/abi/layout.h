@@ -12,9 +12,11 @@
 #include <type_traits>
 #define HOLDS(condition) static_assert(condition, #condition)
 #define PLAIN(record) HOLDS(std::is_trivial_v<record> &&std::is_standard_layout_v<record>)
+#define IS(type, ...) HOLDS((std::is_same_v<type, __VA_ARGS__>))
 #else
 #define HOLDS(condition) _Static_assert(condition, #condition)
 #define PLAIN(record) HOLDS(1)
+#define IS(type, ...) HOLDS(__builtin_types_compatible_p(type, __VA_ARGS__))
 #endif
 
 #define AT(record, field, offset) HOLDS(offsetof(record, field) == (offset))
@@ -333,6 +335,25 @@ AT(cvtInterface, FncCvtFreeMessage, 72);
 AT(cvtInterface, FncCvtSetLoopTime, 80);
 AT(cvtInterface, FncCvtGetLoopTime, 88);
 AT(cvtInterface, FncCvtAddLoopTime, 96);
+
+/* --- the types of functions that hosts and plug-ins supply, and of handles --- */
+
+IS(fnptr, int(char *));
+IS(FncSttParse, void *(*)(char *, char *, void *));
+IS(sttFncParseVoid, void *(*)(void *, char *));
+IS(sttFncGenVoid, void *(*)(void *, void *, char *, char *));
+IS(FncFotmatInit, int (*)(Msg *));
+IS(FncParse, int (*)(void *, ValueListInfo *, Msg *, char *, int *, int));
+IS(FncGenerate, int (*)(void *, ValueListInfo *, Msg *, char *, int *, int));
+IS(FncGetNameValue, Value *(*)(Msg *, ValueListInfo *, char *, int *));
+IS(FncSetNameValue, int (*)(Msg *, ValueListInfo *, char *, char *, int));
+IS(FncConvert, int (*)(Value *, int, Value **, MemPort));
+IS(FncIdFunction, int (*)(InnerMessage *, InnerMessage *, void *));
+IS(FncInit, int (*)(void *));
+IS(MemPort, MemNode *);
+IS(ValueListPort, ValueList *);
+IS(InMessagePtr, InnerMessage *);
+IS(ValuePtr, Value *);
 
 /* --- the codes of an Arg, the kinds of a structure --- */
 
