@@ -145,4 +145,99 @@ TEST_F(ConverterFile, UnknownNameInALoopInALoopLeavesAWholeTrail) {
   EXPECT_EQ(cvtGetCvt(cs("C")), nullptr);
 }
 
+// --- Sides of loops, the pair of indexes ------------------------------------------------------------------
+
+TEST_F(ConverterFile, SidesAreReadBeforeTheRulesWhereverTheyStand) {
+  const ArgXml loop{8, "<Loop __ID='pInfo'>" + args("ptArgs", {copy(src("Parts"), dst("Name"))}) +
+                           args("ptDstArgs", {dst("Rows")}) + args("ptSrcArgs", {src("Items")}) + "</Loop>"};
+  convert("C", {loop});
+  ASSERT_EQ(start(), 0);
+  const auto *const ptCopy = record<::Copy>(record<::Loop>(rules())->ptArgs);
+  EXPECT_EQ(position(ptCopy->ptSrcArgs), 1);
+  EXPECT_EQ(position(ptCopy->ptDstArgs), 0);
+}
+
+TEST_F(ConverterFile, OfTwoSidesThatAreNoLoopsTheSourceIsNamed) {
+  convert("C", {loopRule(src("Id"), dst("Key"), {})});
+  EXPECT_EQ(start(), -1);
+  EXPECT_EQ(test::logTexts().at(0), "Message[Id] Get Loop Type Err!!");
+  EXPECT_EQ(test::logTexts().at(1),
+            "[pptSrcMsgIdx = GetLoopMessageIndex(ptSrcArgs, gptCvtGlobalInfo->pptSrcIdx)] is NULL");
+  EXPECT_EQ(test::logTexts().at(2), "SetMsgInfoByLoop err!!");
+}
+
+TEST_F(ConverterFile, BothSidesAreMissedBeforeEitherIsFollowed) {
+  convert("C", {{8, "<Loop __ID='pInfo'>" + args("ptSrcArgs", {src("Id")}) + "</Loop>"}});
+  EXPECT_EQ(start(), -1);
+  EXPECT_EQ(test::logTexts().at(0), "[ptDstArgs] is NULL");
+  EXPECT_EQ(test::logTexts().at(1), "SetMsgInfoByLoop err!!");
+}
+
+TEST_F(ConverterFile, NameThatIsMissingIsReportedBeforeAKindThatIsNone) {
+  EXPECT_EQ(start(), 0);
+  test::clearLog();
+  EXPECT_EQ(sttNewNode(3, nullptr), nullptr);
+  EXPECT_EQ(test::logTexts(), (Texts{"[psFieldName] is NULL", "Get Message Field[3:(null)] err!!",
+                                     "p->nIdx = GetNodeIdx(nType, psName) is Err!!"}));
+}
+
+// The pair stays as it was where the new one cannot be had whole.
+class PairOfIndexes : public ConverterFile {
+ protected:
+  void SetUp() override {
+    ConverterFile::SetUp();
+    convert("C", {});  // the first file adds the dispatchers
+    ASSERT_EQ(start(), 0);
+    pptIn = cvtGetMsg(cs("In"))->pptMessageIdx;
+    pptOut = cvtGetMsg(cs("Out"))->pptMessageIdx;
+    gptCvtGlobalInfo->pptSrcIdx = pptOut;
+    gptCvtGlobalInfo->pptDstIdx = pptIn;
+  }
+  void TearDown() override {
+    EXPECT_EQ(gptCvtGlobalInfo->pptSrcIdx, pptOut);
+    EXPECT_EQ(gptCvtGlobalInfo->pptDstIdx, pptIn);
+  }
+
+  // The element that stands alone in a file, read by this function.
+  template <class T>
+  T *read(const std::string &sXml, T *(*fParse)(void *, char *)) {
+    tree.file("alone.xml", sXml);
+    void *const ptDoc = xmlFileParse(tree.arg("alone.xml"));
+    test::clearLog();
+    T *const pt = fParse(xmlGetHeadNode(ptDoc), cs(""));
+    xmlDocFree(ptDoc);
+    return pt;
+  }
+
+  Message **pptIn = nullptr;
+  Message **pptOut = nullptr;
+};
+
+TEST_F(PairOfIndexes, StaysWhenADefinitionIsUnknown) {
+  for (const char *psNames : {"psSrcStructName='In' psDstStructName='Nowhere'",
+                              "psSrcStructName='Nowhere' psDstStructName='Out'"}) {
+    EXPECT_EQ(read(std::string("<Converter psName='C' ") + psNames + "/>", sttParseXmlConverter), nullptr);
+    EXPECT_EQ(test::logTexts().at(0), "Get Msg[Nowhere] define info err!!");
+    EXPECT_EQ(gptCvtGlobalInfo->pptSrcIdx, pptOut) << psNames;
+    EXPECT_EQ(gptCvtGlobalInfo->pptDstIdx, pptIn) << psNames;
+    EXPECT_EQ(nGRet, -1);
+  }
+}
+
+TEST_F(PairOfIndexes, StaysWhenASideOfALoopIsNone) {
+  const std::string sLoop = args("ptSrcArgs", {src("Rows")}) + args("ptDstArgs", {dst("Id")});
+  EXPECT_EQ(read("<Loop>" + sLoop + "</Loop>", sttParseXmlLoop), nullptr);
+  EXPECT_EQ(test::logTexts().at(0), "Message[Id] Get Loop Type Err!!");
+  EXPECT_EQ(nGRet, -1);
+}
+
+TEST_F(PairOfIndexes, ComesBackBehindALoop) {
+  const std::string sLoop = args("ptSrcArgs", {src("Rows")}) + args("ptDstArgs", {dst("Items")});
+  ::Loop *const pt =
+      read("<Loop>" + sLoop + args("ptArgs", {copy(src("Name"), dst("Parts"))}) + "</Loop>", sttParseXmlLoop);
+  ASSERT_NE(pt, nullptr);
+  EXPECT_EQ(position(record<::Copy>(pt->ptArgs)->ptDstArgs), 1);
+  EXPECT_EQ(nGRet, 0);
+}
+
 }  // namespace

@@ -134,6 +134,32 @@ TEST_F(LoopSide, RepetitionsAreCountedOnceAlsoWhenTheLoopAddsToThem) {
   EXPECT_EQ(to.count("Rows"), 2);
 }
 
+TEST_F(LoopSide, IsOfItsOwnMessageWhateverItsCode) {
+  load({loopRule(node(1, 1, "Rows"), node(0, 0, "Items"), {copy(src("Code"), dst("Name"))})});
+  to.add("Rows").set("Name", "first");
+  from.add("Items").set("Code", "a");
+  from.add("Items").set("Code", "b");
+  EXPECT_EQ(runC(), 0);
+  ASSERT_EQ(to.count("Rows"),
+            3);  // the positions are equal: counted in the source, appended to the destination
+  EXPECT_EQ(to.at("Rows", 0).get("Name"), "first");
+  EXPECT_EQ(to.at("Rows", 2).get("Name"), "b");
+  EXPECT_EQ(from.count("Items"), 2);
+}
+
+TEST_F(LoopSide, SetModeFailsAtARepetitionWithoutAList) {
+  load({loopRule(level("Set"), dst("Rows"), {copy(src("Id"), dst("Name"))})});
+  for (int i = 0; i < 3; ++i) to.add("Rows");
+  const Level last = to.at("Rows", 2);
+  reinterpret_cast<ValueList *>(to.slot("Rows")->psValue)->ptValue[1].psValue = nullptr;
+  EXPECT_EQ(runC(), -1);
+  EXPECT_EQ(test::logTexts(),
+            trail({"[ptDstValueList] is NULL", "Convert Loop[1/3] From[Set] to [Rows]  convert err!!",
+                   "CVT_TYPE_LOOP Err!!"}));
+  EXPECT_EQ(to.at("Rows", 0).get("Name"), "7");
+  EXPECT_EQ(last.get("Name"), "");
+}
+
 TEST_F(LoopSide, CopyOfALoopSharesItsRepetitions) {
   load({copy(src("Items"), dst("Rows"))});
   from.add("Items").set("Code", "a");
@@ -141,6 +167,14 @@ TEST_F(LoopSide, CopyOfALoopSharesItsRepetitions) {
   EXPECT_EQ(to.slot("Rows")->nLen, -1);
   EXPECT_EQ(to.slot("Rows")->psValue, from.slot("Items")->psValue);
   EXPECT_EQ(to.count("Rows"), 1);
+}
+
+TEST_F(Rule, CopyMayGoToAValueThatIsComputed) {
+  load({copy(src("Id"), loopNum(src("Items"))), copy(loopNum(src("Items")), dst("Key"))});
+  EXPECT_EQ(runC(), 0);
+  EXPECT_EQ(to.get("Key"), "0");
+  EXPECT_EQ(from.count("Items"), 0);
+  EXPECT_TRUE(test::logLines().empty());
 }
 
 // --- Rules in rules --------------------------------------------------------------------------------------

@@ -232,6 +232,13 @@ TEST_F(SqlRule, BytesBelongToTheDestinationsNodeWhateverSlotTheyAreFor) {
   EXPECT_EQ(from.get("A"), "Oslo");
 }
 
+TEST_F(SqlRule, FieldIsLookedUpBeforeItsColumnIsAskedFor) {
+  g_columns = {"Rome", "Oslo"};
+  EXPECT_EQ(runRules({sql({value("q")}, {dst("X"), level()})}), -1);
+  EXPECT_EQ(g_calls,
+            (Texts{"prepare q", "open", "columnBuffer", "fetch", "columnCount", "getField 0", "close"}));
+}
+
 TEST_F(SqlRule, WithoutMemoryForAColumnFailsAndLeavesTheSlot) {
   g_columns = {"Rome", "Oslo"};
   EXPECT_EQ(runRules({sql({value("q")}, {dst("X"), dst("Y")})}), 0);
