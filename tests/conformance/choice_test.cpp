@@ -18,6 +18,14 @@ using test::trail;
 
 namespace {
 
+MemPort g_ptNode = nullptr;  // that the function was given
+int keepNode(Value *ptResult, int, Value **, MemPort ptMemNode) {
+  g_ptNode = ptMemNode;
+  ptResult->psValue = cs("kept");
+  ptResult->nLen = 4;
+  return 0;
+}
+
 class Choosing : public testing::Test {
  protected:
   void SetUp() override {
@@ -117,6 +125,47 @@ TEST_F(Table, OfADefinitionMayBeLeftOutByTheNextFiles) {
   config.touchRoot();
   EXPECT_EQ(converted("01"), "-1");
   EXPECT_EQ(trail().front(), "cvt_identify.cpp cvtGetConvert: Message Convert Format id [01] not fond!!");
+}
+
+TEST_F(Table, IsThatOfTheSourcesDefinitionWhateverItsName) {
+  ASSERT_EQ(start({{"Order", {{"03", "receipt"}}}, {"Invoice", {{"03", "bill"}}}}), 0);
+  char sIn[] = "7,Ann,Rome,[],hi";
+  InnerMessage *const ptIn =
+      cvtInitMessasge(cs("Order"), cs("01"), sIn, static_cast<int>(std::strlen(sIn)), &nError);
+  ASSERT_NE(ptIn, nullptr);
+  std::strcpy(ptIn->sMsgName, "Invoice");
+  InnerMessage target{};
+  std::strcpy(target.sMsgFormat, "03");
+  EXPECT_EQ(cvtGetConvert(ptIn, &target), cvtGetCvt(cs("receipt")));
+  EXPECT_EQ(cvtFreeMessage(ptIn), 0);
+}
+
+TEST_F(Table, LeadsToAConversionInTheMemoryOfTheDestination) {
+  cvtConvertAddFunction(cs("keepNode"), keepNode);
+  config.file("cvt/receipt.xml",
+              converter("receipt", "Order", "Receipt", {copy(func("keepNode"), dst("Who"))}));
+  ASSERT_EQ(start({{"Order", {{"", "receipt"}}}}), 0);
+  char sIn[] = "7,Ann,Rome,[],hi";
+  InnerMessage *const ptIn =
+      cvtInitMessasge(cs("Order"), cs("01"), sIn, static_cast<int>(std::strlen(sIn)), &nError);
+  ASSERT_NE(ptIn, nullptr);
+  char sOut[8];
+  int nOut = sizeof sOut;
+  InnerMessage *const ptOut = cvtGenerateMessasge(ptIn, cs("03"), sOut, &nOut, &nError);
+  ASSERT_NE(ptOut, nullptr);
+  EXPECT_EQ(std::string(sOut, static_cast<size_t>(nOut)), "kept");
+  EXPECT_EQ(g_ptNode, ptOut->tValueListInfo.ptMemNode);
+  EXPECT_EQ(cvtFreeMessage(ptOut), 0);
+  EXPECT_EQ(cvtFreeMessage(ptIn), 0);
+}
+
+TEST_F(Files, WithoutContentFailTheStart) {
+  EXPECT_EQ(startFile("<IdInfo/>"), -1);
+  const Texts expected =
+      startTrail({"stt.cpp sttParseXmlFile: [ptHeadNode = xmlGetChileNode(ptXmlRoot)] is NULL",
+                  "cvt_identify.cpp IdInfoInit: Parse Xml File To Identify Info Struct Err!!"});
+  EXPECT_EQ(head(expected), expected);
+  EXPECT_EQ(nGRet, -1);
 }
 
 TEST_F(Files, WithAnUnknownMessageKeepTheEntriesBeforeIt) {

@@ -227,6 +227,7 @@ TEST_F(StepName, RegisteredWithoutANameEmptiesTheRegistry) {
   test::clearLog();
   EXPECT_EQ(cvtIdAddFunction(nullptr, one), 0);
   EXPECT_EQ(test::logTexts(1), Texts{"[psString] is NULL"});
+  EXPECT_EQ(sttNewIdFunc(cs("one"), nullptr, nullptr), nullptr);
   EXPECT_EQ(cvtIdAddFunction(cs("again"), one), 0);
   EXPECT_EQ(load({{"f", {{"again"}}, {}}}), 0);
 }
