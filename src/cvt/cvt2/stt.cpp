@@ -130,15 +130,19 @@ bool stackIsShort() {
   return own.psEnd != nullptr && nLeft >= 0 && nLeft < own.nReserve;
 }
 
-// Makes another chain current for as long as it lives.
+// Makes another chain current for as long as it lives. An end meanwhile has released both and made the global one
+// current: that stays.
 class CurrentChain {
  public:
-  explicit CurrentChain(FuncList **ppt) : m_pptSaved(std::exchange(f_pptChain, ppt)) {}
-  ~CurrentChain() { f_pptChain = m_pptSaved; }
+  explicit CurrentChain(FuncList **ppt) : m_pptOwn(ppt), m_pptSaved(std::exchange(f_pptChain, ppt)) {}
+  ~CurrentChain() {
+    if (f_pptChain == m_pptOwn) f_pptChain = m_pptSaved;
+  }
   CurrentChain(const CurrentChain &) = delete;
   CurrentChain &operator=(const CurrentChain &) = delete;
 
  private:
+  FuncList **m_pptOwn;
   FuncList **m_pptSaved;
 };
 
@@ -633,9 +637,10 @@ void sttGenerateXmlVoid(void *ptXmlNode, void *ptVoid, char *psName) {
     return;
   }
   if (!cvt::bind::mayDescend(ptNode)) return;
-  // A base string has no dispatcher: its element stays without the value.
-  if (writeByChain(ptVoid, ptNode, psName, psType) == nullptr && !isBaseType(psType)) {
-    CVT_ERR("Type[%s] Not Define", psType);
+  if (isBaseType(psType)) {  // its value would go to an element of its own that nobody attaches
+    writeByChain(ptVoid, ptNode, psName, psType);
+  } else {
+    sttGenVoid(ptVoid, ptNode, psName, psType);
   }
   if (nGRet == -1) CVT_ERR("sttGenVoid Type[%s] Err!!", psType);
 }
