@@ -278,6 +278,7 @@ TEST_F(Trail, NamesTheFunctionOfEachRecord) {
   ASSERT_EQ(lines.size(), 4U);
   const Texts functions = {lines[1].sFunction, lines[2].sFunction, lines[3].sFunction};
   EXPECT_EQ(functions, (Texts{"sttParseXmlArg", "sttParseXmlJudge", "sttParseXmlCase"}));
+  for (size_t i = 1; i < lines.size(); ++i) EXPECT_EQ(lines[i].sFile, "cvt_convert_bind.cpp");
   for (const test::LogLine &line : lines) {
     EXPECT_EQ(line.nLevel, 1);
     EXPECT_EQ(line.sModule, "$cvt2");

@@ -5,8 +5,11 @@
 #include <climits>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "config_tree.h"
 #include "log_capture.h"
@@ -160,6 +163,48 @@ TEST_F(Write, ADocumentThatCannotBeWrittenLeavesTheOldFile) {
   xmlPutRootNode(doc.get(), xmlMadeNode(cs("a")));
   EXPECT_LT(xmlFileGenerate(tree.arg("a.xml"), doc.get()), 0);
   EXPECT_EQ(textOf(Doc(xmlFileParse(tree.arg("a.xml"))).get()), "<old/>");
+}
+
+TEST_F(Write, AFileIsInTheEncodingOfItsDocument) {
+  ConfigTree tree;
+  const Doc doc(xmlInitEncoding(cs("GB18030")));
+  void *const ptRoot = xmlMadeNode(cs("a"));
+  xmlPutRootNode(doc.get(), ptRoot);
+  xmlPutNodeAttr(ptRoot, cs("n"), cs("\xE4\xB8\xAD"), 3);
+  const std::string sText = "<?xml version=\"1.0\" encoding=\"GB18030\"?>\n<a n=\"\xD6\xD0\"/>\n";
+  EXPECT_EQ(xmlFileGenerate(tree.arg("a.xml"), doc.get()), static_cast<int>(sText.size()));
+  std::ifstream in(tree.path("a.xml"), std::ios::binary);
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), sText);
+  EXPECT_EQ(taken(xmlGetNodeAttr(xmlGetHeadNode(Doc(xmlFileParse(tree.arg("a.xml"))).get()), cs("n"))),
+            "\xE4\xB8\xAD");
+}
+
+// What each of the three readers makes of a text.
+struct Readings {
+  explicit Readings(std::string sText) {
+    ConfigTree tree;
+    tree.file("a.xml", sText);
+    docs.emplace_back(xmlParse(sText.data(), static_cast<int>(sText.size())));
+    docs.emplace_back(xmlParse2(sText.data(), static_cast<int>(sText.size())));
+    docs.emplace_back(xmlFileParse(tree.arg("a.xml")));
+  }
+  std::vector<Doc> docs;
+};
+
+TEST_F(Read, KeepsNodesOfEveryKindAsTheyStand) {
+  const std::string sText =
+      "<!DOCTYPE a [\n<!ENTITY e \"v\">\n]>\n<a>x<!--c--><?p i?><![CDATA[<x>]]>&e;<b/>&lt;</a>";
+  for (const Doc &doc : Readings(sText).docs) {
+    ASSERT_NE(doc, nullptr);
+    EXPECT_EQ(textOf(doc.get()), sText);
+  }
+}
+
+TEST_F(Read, RefusesWhatIsNestedTooDeep) {
+  std::string sText;
+  for (int i = 0; i < 1000; ++i) sText += "<a>";
+  for (int i = 0; i < 1000; ++i) sText += "</a>";
+  for (const Doc &doc : Readings(sText).docs) EXPECT_EQ(doc, nullptr);
 }
 
 TEST_F(Read, ABufferIsLeftAsItIs) {

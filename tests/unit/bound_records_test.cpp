@@ -273,11 +273,18 @@ TEST_F(EachRecord, IsKnownToTheDispatchersOfItsModuleOnly) {
     std::vector<char> memory(record.nSize);
     for (const test::Module &module : test::modules()) {
       SCOPED_TRACE(module.sName);
-      const bool bOwn = module.sName == record.sModule;
-      const Xml out("<r/>");
-      EXPECT_EQ(module.parse(elementIn(record, xml), typeOf(record)) != nullptr, bOwn);
-      EXPECT_EQ(module.gen(memory.data(), out.root(), cs("any"), typeOf(record)),
-                bOwn ? out.root() : nullptr);
+      void *const p = module.parse(elementIn(record, xml), typeOf(record));
+      const Xml out(document(record, "", ""));
+      void *const ptNode = elementIn(record, out);
+      if (module.sName != record.sModule) {
+        EXPECT_EQ(p, nullptr);
+        EXPECT_EQ(module.gen(memory.data(), ptNode, cs("any"), typeOf(record)), nullptr);
+        continue;
+      }
+      ASSERT_NE(p, nullptr);
+      nameRecords(record, p);
+      EXPECT_EQ(module.gen(p, ptNode, cs("any"), typeOf(record)), ptNode);
+      EXPECT_EQ(out.text(), xml.text());
     }
   });
 }
