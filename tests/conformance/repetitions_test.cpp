@@ -50,6 +50,11 @@ class Repetitions : public testing::Test {
     int nOut = sizeof sOut;
     return cvtGenMessage(ptMsg, sOut, &nOut) == 0 ? std::string(sOut, static_cast<size_t>(nOut)) : "(failed)";
   }
+  int lists() const {
+    int n = 0;
+    for (const ValueList *pt = ptMsg->tValueListInfo.ptValueList; pt != nullptr; pt = pt->ptNext) ++n;
+    return n;
+  }
   Message *node(const char *psName) const {
     Message **const pptIdx = ptMsg->ptMsgInfo->pptMessageIdx;
     return cvtIdxNode(pptIdx, cvtGetNodeIdx(pptIdx, cs(psName)));
@@ -61,6 +66,8 @@ class Repetitions : public testing::Test {
 };
 
 using Failure = Repetitions;
+using Name = Repetitions;
+using Count = Repetitions;
 using View = Repetitions;
 using Cursor = Repetitions;
 
@@ -153,6 +160,62 @@ TEST_F(Failure, OfAddingToALoopThatStandsElsewhere) {
                             "cvt.cpp cvtAddLoopTime: Node[Trucks] Set Loop Index err!!"}));
 }
 
+TEST_F(Failure, OfSettingAnInnerLoopOutsideItsRangeNamesTheInnerLoop) {
+  add("Trucks");
+  EXPECT_EQ(set("Trucks.Pallets", 1), -15);
+  EXPECT_EQ(trail(), Texts{"cvt.cpp cvtSetLoopTime: Node[Pallets] Set Loop Index err!!"});
+}
+
+TEST_F(Failure, OfAnUnknownOuterLoop) {
+  const Texts unknown = {"cvt.cpp GetLoopValueInfoStruct: Node [Nothing] was not define!!",
+                         "cvt.cpp GetValueInLoopNodeListByNodeName: Node [Nothing] was not define!!",
+                         "cvt.cpp SetLoopValueListToMsg: Field[Pallets] Get value Err!!"};
+  EXPECT_EQ(set("Nothing.Pallets", 0), -11);
+  EXPECT_EQ(trail(), then(unknown, {"cvt.cpp cvtSetLoopTime: Restore Node[Pallets] Value Index err!!"}));
+  test::clearLog();
+  EXPECT_EQ(add("Nothing.Pallets"), -13);  // adding keeps the look-up's own code
+  EXPECT_EQ(trail(), then(unknown, {"cvt.cpp cvtAddLoopTime: Node[Pallets] Set Loop Index err!!"}));
+}
+
+TEST_F(Failure, OfAnUnknownFieldComesAfterThatOfTheRepetition) {
+  EXPECT_EQ(get("Trucks.Nothing"), nullptr);
+  EXPECT_EQ(nError, -13);
+  EXPECT_EQ(trail(), then(kNotSet, {"cvt.cpp cvtGetNameValue: GetValueInLoopNodeListByNodeName Err!!"}));
+}
+
+TEST_F(Failure, OfAnInnerLoopThatItsRepetitionHasNoSlotFor) {
+  add("Trucks");
+  cvtGetLoopValueList(ptMsg->tValueListInfo.ptValueList, 1, 0)->nNow = 1;
+  const Texts noSlot = {"Value Index[1] < 0 or >= max [1] err!!", "Child Node[Pallets] Get value Err!!",
+                        "Field[Pallets] Get value Err!!"};
+  EXPECT_EQ(add("Trucks.Pallets"), -1);
+  EXPECT_EQ(test::logTexts(), then(noSlot, {"Node[Pallets] Set Loop Index err!!"}));
+  test::clearLog();
+  EXPECT_EQ(set("Trucks.Pallets", 0), -11);
+  EXPECT_EQ(test::logTexts(), then(noSlot, {"Restore Node[Pallets] Value Index err!!"}));
+}
+
+TEST_F(Failure, OfAFieldThatIsUsedAsAnInnerLoop) {
+  add("Trucks");
+  EXPECT_EQ(set("Trucks.Truck", 0), -1);
+  EXPECT_EQ(add("Trucks.Truck"), -11);
+  put("Trucks.Truck", "t");
+  EXPECT_EQ(set("Trucks.Truck", 0), -13);
+  test::clearLog();
+  EXPECT_EQ(count("Trucks.Truck"), -14);
+  EXPECT_EQ(trail().back(), "cvt.cpp cvtGetLoopTime: Node[Truck] Get Time Err!!");
+  EXPECT_EQ(bytes(), ",[t,[];]");
+}
+
+TEST_F(Failure, OfAddingToALoopWhoseBodyWasNotCounted) {
+  static_cast<LoopType *>(node("Trucks")->ptStructAttr->pInfo)->nFieldNum = -1;
+  EXPECT_EQ(add("Trucks"), -11);
+  EXPECT_EQ(trail(), (Texts{"cvt.cpp AddLoopTime: Get Loop Field Num err!!",
+                            "cvt.cpp AddLoopTimeAndSetToValueList: AddLoopTime err!!",
+                            "cvt.cpp cvtAddLoopTime: Node[Trucks] Set Loop Index err!!"}));
+  EXPECT_EQ(count("Trucks"), 0);
+}
+
 TEST_F(Failure, OfCountingAnInnerLoopNamesTheInnerLoop) {
   EXPECT_EQ(count("Trucks.Pallets"), -14);
   EXPECT_EQ(trail(), (Texts{"cvt.cpp GetLoopValueListByMessage: Loop Node [Trucks] Index was not set!!",
@@ -183,6 +246,61 @@ TEST_F(Failure, LeavesTheListsAsTheyWere) {
   EXPECT_EQ(bytes(), sBefore);
   EXPECT_EQ(cvtGetLoopCurrentTime(node("Trucks")), 0);
   EXPECT_EQ(cvtGetLoopCurrentTime(node("Pallets")), 0);
+}
+
+TEST_F(Failure, TakesNoValueList) {
+  add("Trucks");
+  const int nLists = lists();
+  EXPECT_EQ(add("Nothing"), -3);
+  EXPECT_EQ(add("Id"), -11);
+  EXPECT_EQ(add("Trucks.Id"), -11);
+  EXPECT_EQ(add("Pallets.Boxes"), -13);
+  EXPECT_EQ(add(kTooLong.c_str()), -14);
+  EXPECT_EQ(set("Trucks", 2), -15);
+  EXPECT_EQ(lists(), nLists);
+}
+
+TEST_F(Failure, OfAMessageWithoutValues) {
+  ValueList *const ptList = ptMsg->tValueListInfo.ptValueList;
+  ptMsg->tValueListInfo.ptValueList = nullptr;
+  EXPECT_EQ(get("Id"), nullptr);
+  EXPECT_EQ(nError, -1);
+  EXPECT_EQ(put("Id", "7"), -1);
+  EXPECT_EQ(set("Trucks", 0), -13);
+  EXPECT_EQ(count("Trucks"), -14);
+  EXPECT_EQ(add("Trucks"), -13);
+  EXPECT_EQ(cvtGetLoopCurrentTime(node("Trucks")), -1);
+  ptMsg->tValueListInfo.ptValueList = ptList;
+}
+
+// --- Names and counts -----------------------------------------------------------------------------------
+
+TEST_F(Name, OfALoopMayHaveMoreOrEmptyPartsInFrontAndAnyLetterCase) {
+  EXPECT_EQ(add(".TRUCKS"), 0);
+  EXPECT_EQ(add("any.trucks.Pallets"), 0);
+  EXPECT_EQ(add("Trucks.PALLETS"), 0);
+  EXPECT_EQ(count("..Trucks"), 1);
+  EXPECT_EQ(count("any.Trucks.pallets"), 2);
+  EXPECT_EQ(set("any.Trucks.Pallets", 0), 0);
+  EXPECT_EQ(cvtGetLoopCurrentTime(node("Pallets")), 0);
+  EXPECT_TRUE(trail().empty());
+}
+
+TEST_F(Count, OfAnEmptyFieldIsZeroWhateverItIs) {
+  EXPECT_EQ(count("Id"), 0);
+  add("Trucks");
+  EXPECT_EQ(count("Trucks.Truck"), 0);
+  EXPECT_TRUE(trail().empty());
+}
+
+TEST_F(Count, IsTheMessagesOwnAndLimitsItsCursor) {
+  add("Trucks");
+  add("Trucks");
+  InnerMessage *const ptOther = create();
+  EXPECT_EQ(cvtGetLoopTime(ptOther, cs("Trucks")), 0);
+  EXPECT_EQ(cvtSetLoopTime(ptOther, cs("Trucks"), 1), -15);
+  EXPECT_EQ(set("Trucks", 2), 0);
+  EXPECT_EQ(cvtFreeMessage(ptOther), 0);
 }
 
 // --- Views of inner loops -----------------------------------------------------------------------------
@@ -233,6 +351,17 @@ TEST_F(View, IsNotWrittenBackBySettingARepetition) {
   EXPECT_EQ(bytes(), ",[,[p,[];];,[];]");
 }
 
+TEST_F(View, IsNotOpenedByCounting) {
+  add("Trucks");
+  add("Trucks.Pallets");
+  put("Pallets.Pallet", "p");
+  add("Trucks");
+  EXPECT_EQ(count("Trucks.Pallets"), 0);
+  const Value *const pt = get("Pallets.Pallet");  // still that of the first outer repetition
+  ASSERT_NE(pt, nullptr);
+  EXPECT_EQ(std::string(pt->psValue, static_cast<size_t>(pt->nLen)), "p");
+}
+
 TEST_F(View, OfAFullInnerLoopStaysFullAndTheNextOuterRepetitionStartsEmpty) {
   add("Trucks");
   for (int i = 0; i < 999; ++i) ASSERT_EQ(add("Trucks.Pallets"), 0);
@@ -261,6 +390,14 @@ TEST_F(Cursor, OfAFinishedMessageIsWhereTheNextOneOfItsTypeStarts) {
   ptMsg = create();
   EXPECT_EQ(get("Trucks.Truck"), nullptr);  // repetition 1 of a loop that has none
   EXPECT_EQ(trail().front(), "cvt_message.cpp cvtGetLoopValueList: Value Index[1]: Loop is not init!!");
+}
+
+TEST_F(Cursor, GoesToTheLastRepetitionOfALoopThatIsFull) {
+  for (int i = 0; i < 999; ++i) ASSERT_EQ(add("Trucks"), 0);
+  set("Trucks", 0);
+  EXPECT_EQ(add("Trucks"), 0);
+  EXPECT_EQ(count("Trucks"), 999);
+  EXPECT_EQ(cvtGetLoopCurrentTime(node("Trucks")), 998);
 }
 
 TEST_F(Cursor, IsForgottenByAReload) {

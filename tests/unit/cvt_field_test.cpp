@@ -142,6 +142,34 @@ TEST_F(GetValue, AsksTheFormatFirst) {
   cvtFreeMessage(pt);
 }
 
+TEST_F(GetValue, TakesTheFormatsNullForAnAnswer) {
+  InnerMessage *const pt = order();
+  pt->ptMsgInfo->fGetValue = [](Msg *, ValueListInfo *, char *, int *) -> Value * { return nullptr; };
+  EXPECT_EQ(cvtGetNameValue(pt, cs("Id"), &nError), nullptr);  // a name that the definition has
+  EXPECT_EQ(nError, kUntouched);                               // the format's to write
+  EXPECT_TRUE(logTexts(0).empty());
+  cvtFreeMessage(pt);
+}
+
+TEST_F(GetValue, LeavesTheLengthOfNamesToTheFormat) {
+  InnerMessage *const pt = order();
+  pt->ptMsgInfo->fGetValue = ownGet;
+  const std::string sName = std::string(1025, 'L') + ".Code";
+  EXPECT_EQ(cvtGetNameValue(pt, cs(sName.c_str()), &nError), &g_answer);
+  EXPECT_EQ(g_asked.sName, sName);
+  cvtFreeMessage(pt);
+}
+
+TEST_F(GetValue, DoesNotAskTheFormatWithoutANameOrAnError) {
+  InnerMessage *const pt = order();
+  pt->ptMsgInfo->fGetValue = throwingGet;
+  EXPECT_EQ(cvtGetNameValue(pt, nullptr, &nError), nullptr);
+  EXPECT_EQ(cvtGetNameValue(pt, cs("Id"), nullptr), nullptr);
+  EXPECT_EQ(nError, kUntouched);
+  EXPECT_EQ(logTexts(), (std::vector<std::string>{"[psValueName] is NULL", "[pnError] is NULL"}));
+  cvtFreeMessage(pt);
+}
+
 TEST_F(GetValue, StopsAnExceptionOfTheFormat) {
   InnerMessage *const pt = order();
   pt->ptMsgInfo->fGetValue = throwingGet;
@@ -171,6 +199,15 @@ TEST_F(SetValue, CopiesTheBytesIntoTheHandlesOwnMemory) {
   std::memset(sValue, '#', sizeof sValue);
   EXPECT_EQ(get(pt, "City"), "Paris");
   EXPECT_TRUE(logTexts().empty());
+  cvtFreeMessage(pt);
+}
+
+TEST_F(SetValue, TakesJustTheBytesOfTheValue) {
+  InnerMessage *const pt = order();
+  const MemNode *const ptNode = pt->tValueListInfo.ptMemNode;
+  const int nBefore = ptNode->ptNowBlock->nLeft;
+  EXPECT_EQ(cvtSetNameValue(pt, cs("City"), cs("sixteen bytes ##"), 16), 0);
+  EXPECT_EQ(nBefore - ptNode->ptNowBlock->nLeft, 16);  // no terminator
   cvtFreeMessage(pt);
 }
 
@@ -234,6 +271,29 @@ TEST_F(SetValue, AsksTheFormatFirst) {
   EXPECT_EQ(g_asked.ptInfo, &pt->tValueListInfo);
   EXPECT_EQ(g_asked.sName, "Any.Name");
   EXPECT_EQ(g_asked.sValue, "byte");
+  cvtFreeMessage(pt);
+}
+
+TEST_F(SetValue, LeavesNamesAndLengthsToTheFormat) {
+  InnerMessage *const pt = order();
+  static int nLength;
+  pt->ptMsgInfo->fSetValue = [](Msg *, ValueListInfo *, char *, char *, int nLen) {
+    nLength = nLen;
+    return 8;
+  };
+  EXPECT_EQ(cvtSetNameValue(pt, cs("Nothing"), cs("x"), -1), 8);
+  EXPECT_EQ(nLength, -1);
+  EXPECT_EQ(cvtSetNameValue(pt, cs((std::string(1025, 'L') + ".Code").c_str()), cs("x"), 1), 8);
+  EXPECT_TRUE(logTexts(0).empty());
+  cvtFreeMessage(pt);
+}
+
+TEST_F(SetValue, DoesNotAskTheFormatWithoutANameOrAValue) {
+  InnerMessage *const pt = order();
+  pt->ptMsgInfo->fSetValue = throwingSet;
+  EXPECT_EQ(cvtSetNameValue(pt, nullptr, cs("8"), 1), -1);
+  EXPECT_EQ(cvtSetNameValue(pt, cs("Id"), nullptr, 1), -1);
+  EXPECT_EQ(logTexts(), (std::vector<std::string>{"[psValueName] is NULL", "[psValue] is NULL"}));
   cvtFreeMessage(pt);
 }
 
