@@ -2,8 +2,11 @@
 // definition that cannot be numbered keeps.
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include "definition_xml.h"
 #include "log_capture.h"
+#include "trail.h"
 
 using namespace test;
 using namespace test::model;
@@ -34,6 +37,12 @@ class Definition : public ::testing::Test {
     return node;
   }
 
+  // The index of a definition that can be numbered.
+  static Message **indexed(Msg *ptMsg) {
+    EXPECT_EQ(cvtGenMessageInfo(ptMsg), 0);
+    return ptMsg->pptMessageIdx;
+  }
+
   static Message **indexOf(const char *psMsg) { return cvtGetMsg(cs(psMsg))->pptMessageIdx; }
 
   // The lines behind those of the failing file msg/NAME.xml.
@@ -49,6 +58,8 @@ class Definition : public ::testing::Test {
 };
 
 using Numbering = Definition;
+using Naming = Definition;
+using Referring = Definition;
 using FailedNumbering = Definition;
 using FailedReference = Definition;
 
@@ -99,6 +110,68 @@ TEST_F(Numbering, OfPartOfATreeBeginsAtItsNodeAndRaisesTheCapacity) {
   EXPECT_EQ(ptMsg->nFieldNum, -1);
 }
 
+TEST_F(Numbering, AnyNumberButMinusOneIsKept) {
+  Msg *const ptMsg = read({field("A"), group("G", {field("Child")})});
+  ptMsg->ptHead->nIndex = -2;
+  nodeNamed(indexed(ptMsg), "Child")->nIndex = -3;
+  nodeNamed(indexed(ptMsg), "G")->nIndex = -1;
+  EXPECT_EQ(numbers(indexed(ptMsg)), (Numbers{-2, 2, -3}));
+}
+
+// --- Names -----------------------------------------------------------------------------------------------
+
+TEST_F(Naming, OfANodeIsThatWhichItHasNow) {
+  Message **const pptIdx = indexed(read({field("A"), field("B"), loop("L", "", {field("X")})}));
+  Message **const pptBody = cvtLoopGetIdx(nodeNamed(pptIdx, "L"));
+  cvtIdxNode(pptIdx, 1)->psNodeName = cs("Fresh");
+  cvtIdxNode(pptBody, 0)->psNodeName = cs("A");
+  EXPECT_EQ(cvtGetNodeIdx(pptIdx, cs("fresh")), 1);
+  EXPECT_EQ(cvtGetNodeIdx(pptIdx, cs("B")), -1);
+  EXPECT_EQ(cvtGetNodeIdx(pptIdx, cs("A")), 0);
+  EXPECT_EQ(cvtGetNodeIdx(pptBody, cs("a")), 0);
+  EXPECT_EQ(cvtGetNodeIdx(pptBody, cs("X")), -1);
+  EXPECT_TRUE(logLines().empty());
+}
+
+TEST_F(Naming, OfAFieldThatLostItsNameGoesToTheNextOfThatName) {
+  Message **const pptIdx = indexed(read({field("A"), field("B"), field("b")}));
+  cvtIdxNode(pptIdx, 1)->psNodeName = nullptr;
+  EXPECT_EQ(cvtGetNodeIdx(pptIdx, cs("B")), 2);
+}
+
+TEST_F(Naming, FollowsTheEntriesOfTheIndex) {
+  Message **const pptIdx = indexed(read({field("A"), field("B"), field("C")}));
+  Message *const ptLast = cvtIdxNode(pptIdx, 2);
+  std::memcpy(static_cast<void *>(pptIdx), &ptLast, sizeof ptLast);
+  std::memset(static_cast<void *>(pptIdx + 2), 0, sizeof ptLast);
+  EXPECT_EQ(cvtGetNodeIdx(pptIdx, cs("C")), 0);
+  EXPECT_EQ(cvtGetNodeIdx(pptIdx, cs("A")), -1);
+  EXPECT_EQ(cvtGetNodeIdx(pptIdx, cs("B")), 1);
+}
+
+TEST_F(Naming, ByTheFormatsInitialiserIsKnownToItsCountFields) {
+  Definitions::format("flat", [](Msg *ptMsg) {
+    cvtIdxNode(ptMsg->pptMessageIdx, 0)->psNodeName = cs("Count");
+    return cvtLoopSetLoopNumIndex(ptMsg->pptMessageIdx);
+  });
+  m_definitions.add("Order", {field("N"), loop("L", "Count", {field("X")})});
+  EXPECT_NE(m_definitions.load(), nullptr);
+  EXPECT_TRUE(logTexts().empty());
+}
+
+// --- References ------------------------------------------------------------------------------------------
+
+TEST_F(Referring, ReadsFromTheBasePathOfTheRegistryWhereThereIsOne) {
+  m_definitions.file("here/msg/Head.xml", definition("Head", {field("Here")}));
+  m_definitions.file("msg/Head.xml", definition("Head", {field("There")}));
+  std::string sBase = m_definitions.path("here");
+  gptFmtGlobalInfo->psBasePath = sBase.data();
+  gptFmtGlobalInfo->psCurrentPath = cs("msg");
+  const Message *const pt = cvtNewMessageByType(cs("Head"), -1, nullptr, nullptr);
+  ASSERT_NE(pt, nullptr);
+  EXPECT_STREQ(pt->psNodeName, "Here");
+}
+
 // --- Failures of numbering -------------------------------------------------------------------------------
 
 TEST_F(FailedNumbering, LeavesTheCountTheCapacityAndTheNumbersGivenSoFar) {
@@ -142,6 +215,39 @@ TEST_F(FailedNumbering, ComesBeforeTheFormatsInitialiser) {
       sectionTrail({kNoLoopType, "Create Message index err: Message[L] create Loop index err!!",
                     "Create Message[Order] Idx err!!", "Init Xml struct[Order] : cvtGenMessageInfo err!!"},
                    "Order"));
+}
+
+TEST_F(FailedNumbering, IsToldByEveryFunctionThatItPasses) {
+  m_definitions.add("Order", {field("A"), loop("L", "", {bareLoop("K")})});
+  EXPECT_EQ(m_definitions.load(), nullptr);
+  const std::string sFile = m_definitions.path("msg/Order.xml");
+  EXPECT_EQ(trail(),
+            (Texts{"cvt_struct_loop.cpp cvtLoopCreateIndex: " + std::string(kNoLoopType),
+                   "stt_cvt_message.cpp cvtCreateMessageIdx: Create Message index err: Message[K] create "
+                   "Loop index err!!",
+                   "cvt_struct_loop.cpp cvtLoopCreateIndex: Message[L] Loop index create err!!",
+                   "stt_cvt_message.cpp cvtCreateMessageIdx: Create Message index err: Message[L] create "
+                   "Loop index err!!",
+                   "stt_cvt_message.cpp cvtGenMessageInfo: Create Message[Order] Idx err!!",
+                   "stt_cvt_message.cpp cvtSttInitMessage: Init Xml struct[Order] : cvtGenMessageInfo err!!",
+                   "cvt_message.cpp FmtMsgInit: File[" + sFile + "] Parse Err!!",
+                   "cvt_init.cpp cvtIniParseFileXml: Parse File[" + sFile + "] Err!!",
+                   "cvt_init.cpp locParseDirXmlLimit: Init[Order.xml] err !!",
+                   "cvt_message.cpp FmtParseMessage: Message Parse Dir[msg] err!!",
+                   "cvt_message.cpp cvtFmtInit: cvt Message Parse Err!!"}));
+}
+
+TEST_F(FailedNumbering, OfNothingIsToldByTheFunctionThatWasCalled) {
+  int nNum = 0;
+  cvtGenMessageInfo(nullptr);
+  cvtCreateMessageIdx(nullptr, &nNum);
+  cvtGetNodeIdx(nullptr, cs("A"));
+  cvtSttInitMessage(cs("a.xml"), cs("flat"), nullptr);
+  EXPECT_EQ(trail(),
+            (Texts{"stt_cvt_message.cpp cvtGenMessageInfo: [ptMsg] is NULL",
+                   "stt_cvt_message.cpp cvtCreateMessageIdx: [ptMessage] is NULL",
+                   "stt_cvt_message.cpp cvtGetNodeIdx: [pIdx] is NULL",
+                   "stt_cvt_message.cpp cvtSttInitMessage: Init Xml struct : Load file[a.xml] err!!"}));
 }
 
 // --- Failures of references ------------------------------------------------------------------------------
@@ -188,6 +294,38 @@ TEST_F(FailedReference, ToItsOwnDefinition) {
                           "File[" + sFile + "] Line[2] Element[Message]", kHeadFails,
                           "Init Xml struct : Load file[" + sFile + "] err!!"},
                          "A"));
+}
+
+TEST_F(FailedReference, IsToldByTheFunctionThatMakesNodes) {
+  const auto refer = [](const char *psName) { cvtNewMessageByType(cs(psName), -1, nullptr, nullptr); };
+  m_definitions.file("msg/Named.xml", definition("Other", {field("H")}));
+  refer("Named");
+  gptFmtGlobalInfo->psCurrentPath = cs("msg");
+  refer("Named");
+  EXPECT_EQ(trail(),
+            (Texts{"stt_cvt_message.cpp cvtNewMessageByType: CurrentPath is NULL!!",
+                   "stt_cvt_message.cpp cvtNewMessageByType: Message Get [Named][msg/Named.xml] err!!"}));
+  clearLog();
+  refer("Gone");
+  EXPECT_EQ(trail().back(),
+            "stt_cvt_message.cpp cvtNewMessageByType: Message Parse [Gone] From[msg/Gone.xml] err!!");
+}
+
+// The file's base name is known, so it is not read; but nothing is known by the name of the reference.
+TEST_F(FailedReference, ToAKnownFileByAnotherPath) {
+  m_definitions.file("one/Head.xml", definition("Head", {field("H")}));
+  m_definitions.file("two/A.xml", definition("A", {reference("../one/Head")}));
+  EXPECT_EQ(m_definitions.load({"one", "two"}), nullptr);
+  EXPECT_EQ(logTexts().at(0), "Message Get [../one/Head][two/../one/Head.xml] err!!");
+  EXPECT_EQ(logTexts(5), (Names{"Enter [one] ... ", "Load File [Head.xml] ok", "Enter [two] ... "}));
+}
+
+TEST_F(FailedReference, ToANameThatIsTooLongCutsItsFile) {
+  gptFmtGlobalInfo->psCurrentPath = cs("msg");
+  const std::string sName(3000, 'x');
+  EXPECT_EQ(cvtNewMessageByType(cs(sName.c_str()), -1, nullptr, nullptr), nullptr);
+  EXPECT_EQ(logTexts().back(),
+            "Message Parse [" + sName + "] From[msg/" + std::string(2047, 'x') + "] err!!");
 }
 
 TEST_F(FailedReference, InTheLetterCaseOfAnotherName) {

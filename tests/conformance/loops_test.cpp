@@ -3,11 +3,10 @@
 
 #include "definition_xml.h"
 #include "log_capture.h"
+#include "trail.h"
 
 using namespace test;
 using namespace test::model;
-using Texts = std::vector<std::string>;
-
 namespace {
 
 const char *const kNoLoopType = "[ptLoopType = (LoopType *)ptMessage->ptStructAttr->pInfo] is NULL";
@@ -99,6 +98,28 @@ TEST_F(Loops, BodyThatCannotBeNumberedLeavesItsCountAndNoIndex) {
                                "Message[L] Loop index create err!!"}));
   EXPECT_EQ(ptType->pptMessageIdx, nullptr);
   EXPECT_EQ(ptType->nFieldNum, 3);
+}
+
+TEST_F(Loops, WhatIsWrongIsToldByTheFunctionThatWasCalled) {
+  Message *const pt =
+      sttNewMessage(cs("L"), 0, nullptr, sttNewStructAttr(1, nullptr, nullptr, nullptr, nullptr, nullptr));
+  ValueListInfo tInfo{};
+  cvtLoopGetIdx(pt);
+  cvtLoopGetStruct(pt);
+  cvtLoopCreateIndex(pt);
+  cvtLoopGetFieldNum(pt);
+  cvtSetLoopCurrentTime(pt, 1);
+  cvtGetLoopCurrentTime(pt);
+  cvtLoopGetLoopNumValue(&tInfo, pt);
+  cvtLoopSetLoopNumIndex(nullptr);
+  const std::string sUnit = "cvt_struct_loop.cpp ";
+  const std::string sNoType = std::string(": ") + kNoLoopType;
+  EXPECT_EQ(trail(),
+            (Texts{sUnit + "cvtLoopGetIdx: Message[L] Get Loop Type Err!!",
+                   sUnit + "cvtLoopGetStruct" + sNoType, sUnit + "cvtLoopCreateIndex" + sNoType,
+                   sUnit + "cvtLoopGetFieldNum" + sNoType, sUnit + "cvtSetLoopCurrentTime" + sNoType,
+                   sUnit + "cvtGetLoopCurrentTime" + sNoType, sUnit + "cvtLoopGetLoopNumValue" + sNoType,
+                   sUnit + "cvtLoopSetLoopNumIndex: [pptIdx] is NULL"}));
 }
 
 TEST_F(Loops, CursorIsOneForEveryMessageOfTheDefinition) {

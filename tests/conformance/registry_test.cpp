@@ -2,6 +2,7 @@
 // trail of a start that ends at a definition.
 #include "convert_fixture.h"
 #include "definition_xml.h"
+#include "trail.h"
 
 namespace {
 
@@ -74,6 +75,40 @@ TEST_F(Formats, AreFoundNewestFirst) {
   for (const StringList *pt = gptFmtGlobalInfo->ptInitList; pt != nullptr; pt = pt->ptNext)
     names.emplace_back(pt->psString);
   EXPECT_EQ(names, (Texts{"one", "two", "one"}));
+}
+
+TEST_F(Formats, WithoutANameEmptyTheListOfInitialisers) {
+  Definitions::format("flat", [](Msg *) { return -1; });
+  EXPECT_EQ(cvtFmtAddPlug(nullptr, Definitions::noRecord, Definitions::noWriter, Definitions::accept), 0);
+  EXPECT_EQ(gptFmtGlobalInfo->ptInitList, nullptr);
+  m_definitions.add("Order", {field("A")});
+  EXPECT_NE(m_definitions.load(), nullptr);  // nobody refuses it any more
+}
+
+TEST_F(Formats, ADefinitionThatIsRefusedIsNotRegisteredAndThoseItRefersToAre) {
+  Definitions::format("flat", [](Msg *ptMsg) { return std::string(ptMsg->psMsgName) == "A" ? 1 : 0; });
+  m_definitions.file("one/A.xml", test::model::definition("A", {test::model::reference("../two/Head")}));
+  m_definitions.file("two/Head.xml", test::model::definition("../two/Head", {field("X")}));
+  EXPECT_EQ(m_definitions.load({"one"}), nullptr);
+  EXPECT_EQ(cvtGetMsg(cs("A")), nullptr);
+  EXPECT_NE(cvtGetMsg(cs("../two/Head")), nullptr);
+}
+
+TEST_F(Formats, WhatIsWrongIsToldByTheFunctionThatFoundIt) {
+  EXPECT_EQ(cvtGetMsg(cs("Order")), nullptr);
+  Definitions::format("flat", [](Msg *) { return -1; });
+  m_definitions.file("one/Nameless.xml",
+                     "<flat><Msg>" + test::model::chainXml("ptHead", {field("A")}) + "</Msg></flat>");
+  m_definitions.load({"one"});
+  const Texts all = test::trail();
+  ASSERT_GT(all.size(), 2U);
+  EXPECT_EQ(all[0], "cvt_message.cpp cvtGetMsg: [gptFmtGlobalInfo] is NULL");
+  EXPECT_EQ(all[1], "stt_cvt_message.cpp cvtSttInitMessage: Format [flat] Init Err!!");
+  test::clearLog();
+  Definitions::format("flat");
+  ASSERT_NE(m_definitions.load({"one"}), nullptr);
+  EXPECT_EQ(test::trail().back(),
+            "cvt_message.cpp FmtAddMsg: Init Ipc Struct[(null)]: Add Msg to global define Err!!");
 }
 
 TEST_F(Formats, AFailedSectionLeavesReferencesToItsLastDirectory) {

@@ -4,11 +4,10 @@
 
 #include "definition_xml.h"
 #include "log_capture.h"
+#include "trail.h"
 
 using namespace test;
 using namespace test::model;
-using Texts = std::vector<std::string>;
-
 namespace {
 
 // Lists of capacity 4, loops of 999.
@@ -93,6 +92,54 @@ TEST_F(Values, ChecksOfALoopComeInOrder) {
   EXPECT_EQ(cvtGetLoopValueList(m_ptList, 1, 77), nullptr);
   EXPECT_EQ(logTexts(), (Texts{"[ptValueList] is NULL", "Value Index[3] < 0 or >= max [3] err!!",
                                "value Index[2] is not LoopValueList", "Value Index[1]: Loop is not init!!"}));
+}
+
+TEST_F(Values, WhatIsWrongIsToldByTheFunctionThatWasCalled) {
+  m_ptList->ptValue[2].nLen = 5;
+  const std::string sUnit = "cvt_message.cpp ";
+  const std::string sNoSlot = ": Value Index[3] < 0 or >= max [3] err!!";
+  const std::string sNoLoop = ": value Index[2] is not LoopValueList";
+  cvtGetListValue(nullptr, 0);
+  cvtGetListValue(m_ptList, 3);
+  cvtDumpValue(nullptr, nullptr, 0, nullptr);
+  EXPECT_EQ(trail(), (Texts{sUnit + "cvtGetListValue: [ptValueList] is NULL",
+                            sUnit + "cvtGetListValue" + sNoSlot, sUnit + "cvtDumpValue: [ptValue] is NULL"}));
+  clearLog();
+  for (const int nPos : {3, 2}) {
+    cvtNewLoopValueList(m_ptList, nPos, 1);
+    cvtGetLoopValueListNum(m_ptList, nPos);
+    cvtGetLoopValueList(m_ptList, nPos, 0);
+  }
+  EXPECT_EQ(trail(),
+            (Texts{sUnit + "cvtNewLoopValueList" + sNoSlot, sUnit + "cvtGetLoopValueListNum" + sNoSlot,
+                   sUnit + "cvtGetLoopValueList" + sNoSlot, sUnit + "cvtNewLoopValueList" + sNoLoop,
+                   sUnit + "cvtGetLoopValueListNum" + sNoLoop, sUnit + "cvtGetLoopValueList" + sNoLoop}));
+}
+
+// Of the lengths below 0 only -1 is ever stored, but all mean the same.
+TEST_F(Values, ASlotOfAnyNegativeLengthIsALoop) {
+  ValueList *const ptFirst = cvtNewLoopValueList(m_ptList, 0, 1);
+  m_ptList->ptValue[0].nLen = -2;
+  EXPECT_EQ(cvtGetLoopValueListNum(m_ptList, 0), 1);
+  EXPECT_EQ(cvtGetLoopValueList(m_ptList, 0, 0), ptFirst);
+  EXPECT_NE(cvtNewLoopValueList(m_ptList, 0, 1), nullptr);
+  EXPECT_EQ(cvtGetLoopValueListNum(m_ptList, 0), 2);
+  EXPECT_EQ(m_ptList->ptValue[0].nLen, -2);
+}
+
+TEST_F(Values, SlotsThatAreNotInUseAreNotCleared) {
+  m_ptList->ptValue[1].nLen = 7;
+  m_ptList->ptValue[2].nLen = 8;
+  m_ptList->nNow = 2;
+  cvtFreeValue(m_ptList);
+  EXPECT_EQ(m_ptList->ptValue[1].nLen, 0);
+  EXPECT_EQ(m_ptList->ptValue[2].nLen, 8);
+}
+
+TEST_F(Values, ALargerDefinitionMakesFreshListsLargerAndLeavesThoseThatAreReady) {
+  gnMaxValueNum = 9;
+  while (gptFreeValue != nullptr) EXPECT_EQ(cvtGetValueList(-1)->nMax, 4);
+  EXPECT_EQ(cvtGetValueList(-1)->nMax, 9);
 }
 
 TEST_F(Values, ARefusedRepetitionTakesNoList) {

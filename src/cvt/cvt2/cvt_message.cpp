@@ -272,29 +272,31 @@ void SwitchToLoopList(ValueList *ptList, int nMaxLoop) {
   }
 }
 
-// A list may have been asked for more slots than it has room for: those beyond its capacity do not exist.
-bool noSlot(int nIndex, int nSlots) {
-  CVT_ERR("Value Index[%d] < 0 or >= max [%d] err!!", nIndex, nSlots);
+bool noSlot(const char *psFunction, int nIndex, int nSlots) {
+  CVT_ERR_OF(psFunction, "Value Index[%d] < 0 or >= max [%d] err!!", nIndex, nSlots);
   return false;
 }
-inline bool isSlot(const ValueList *ptValueList, int nIndex) {
+// A list may have been asked for more slots than it has room for: those beyond its capacity do not exist.
+inline bool isSlot(const char *psFunction, const ValueList *ptValueList, int nIndex) {
   const int nSlots = std::min(static_cast<int>(ptValueList->nNow), static_cast<int>(ptValueList->nMax));
-  return (nIndex >= 0 && nIndex < nSlots) || noSlot(nIndex, nSlots);
+  return (nIndex >= 0 && nIndex < nSlots) || noSlot(psFunction, nIndex, nSlots);
 }
 
-bool holdsValue(int nIndex) {
-  CVT_ERR("value Index[%d] is not LoopValueList", nIndex);
+bool holdsValue(const char *psFunction, int nIndex) {
+  CVT_ERR_OF(psFunction, "value Index[%d] is not LoopValueList", nIndex);
   return false;
 }
-inline bool holdsNoValue(const ValueList *ptValueList, int nIndex) {
-  return ptValueList->ptValue[nIndex].nLen <= 0 || holdsValue(nIndex);
+// Whether a slot is there and holds a loop, or nothing yet.
+inline bool mayLoop(const char *psFunction, const ValueList *ptValueList, int nIndex) {
+  return isSlot(psFunction, ptValueList, nIndex) &&
+         (ptValueList->ptValue[nIndex].nLen <= 0 || holdsValue(psFunction, nIndex));
 }
 
 }  // namespace
 
 Value *cvtGetListValue(ValueList *ptValueList, int nIdx) {
   CVT_NOT_NULL(ptValueList, nullptr);
-  return isSlot(ptValueList, nIdx) ? &ptValueList->ptValue[nIdx] : nullptr;
+  return isSlot(__func__, ptValueList, nIdx) ? &ptValueList->ptValue[nIdx] : nullptr;
 }
 
 int cvtDumpValue(Value *ptValue, char *psBuf, int nLen, MemPort ptMemNode) {
@@ -318,7 +320,7 @@ struct ValueList *cvtGetValueList(int nNum) {
 
 struct ValueList *cvtNewLoopValueList(ValueList *ptValueList, int nIndex, int nFieldNum) {
   CVT_NOT_NULL(ptValueList, nullptr);
-  if (!isSlot(ptValueList, nIndex) || !holdsNoValue(ptValueList, nIndex)) return nullptr;
+  if (!mayLoop(__func__, ptValueList, nIndex)) return nullptr;
   Value *const ptSlot = &ptValueList->ptValue[nIndex];
   if (ptSlot->nLen == 0) startLoop(ptValueList, ptSlot);
   void *ptLoopList = nullptr;
@@ -337,7 +339,7 @@ struct ValueList *cvtNewLoopValueList(ValueList *ptValueList, int nIndex, int nF
 
 int cvtGetLoopValueListNum(ValueList *ptValueList, int nIndex) {
   CVT_NOT_NULL(ptValueList, -1);
-  if (!isSlot(ptValueList, nIndex) || !holdsNoValue(ptValueList, nIndex)) return -1;
+  if (!mayLoop(__func__, ptValueList, nIndex)) return -1;
   if (ptValueList->ptValue[nIndex].nLen == 0) return 0;
   void *ptLoopList = nullptr;
   CVT_NOT_NULL(ptLoopList = (void *)ptValueList->ptValue[nIndex].psValue, -1);
@@ -346,7 +348,7 @@ int cvtGetLoopValueListNum(ValueList *ptValueList, int nIndex) {
 
 struct ValueList *cvtGetLoopValueList(ValueList *ptValueList, int nIndex, int nLoopIndex) {
   CVT_NOT_NULL(ptValueList, nullptr);
-  if (!isSlot(ptValueList, nIndex) || !holdsNoValue(ptValueList, nIndex)) return nullptr;
+  if (!mayLoop(__func__, ptValueList, nIndex)) return nullptr;
   if (ptValueList->ptValue[nIndex].nLen == 0) {
     CVT_ERR("Value Index[%d]: Loop is not init!!", nIndex);
     return nullptr;

@@ -61,32 +61,38 @@ int cvtLoopCreateIndex(Message *ptMessage) {
 
 namespace {
 
+LoopType *missing(const char *psFunction, const char *psWhat) {
+  CVT_ERR_OF(psFunction, "[%s] is NULL", psWhat);
+  return nullptr;
+}
+
 // The LoopType of a kind-1 node; null for other kinds (not logged) and without one (logged).
-LoopType *loopTypeOf(Message *ptMessage) {
-  CVT_NOT_NULL(ptMessage, nullptr);
-  CVT_NOT_NULL(ptMessage->ptStructAttr, nullptr);
+LoopType *loopTypeOf(const char *psFunction, const Message *ptMessage) {
+  if (ptMessage == nullptr) return missing(psFunction, "ptMessage");
+  if (ptMessage->ptStructAttr == nullptr) return missing(psFunction, "ptMessage->ptStructAttr");
   if (!isLoop(ptMessage)) return nullptr;
-  LoopType *ptLoopType = nullptr;
-  CVT_NOT_NULL(ptLoopType = (LoopType *)ptMessage->ptStructAttr->pInfo, nullptr);
+  auto *const ptLoopType = static_cast<LoopType *>(ptMessage->ptStructAttr->pInfo);
+  if (ptLoopType == nullptr)
+    return missing(psFunction, "ptLoopType = (LoopType *)ptMessage->ptStructAttr->pInfo");
   return ptLoopType;
 }
 
 }  // namespace
 
 int cvtLoopGetFieldNum(Message *ptMessage) {
-  const LoopType *const ptLoopType = loopTypeOf(ptMessage);
+  const LoopType *const ptLoopType = loopTypeOf(__func__, ptMessage);
   return ptLoopType == nullptr ? -1 : ptLoopType->nFieldNum;
 }
 
 int cvtSetLoopCurrentTime(Message *ptMessage, int nTime) {
-  LoopType *const ptLoopType = loopTypeOf(ptMessage);
+  LoopType *const ptLoopType = loopTypeOf(__func__, ptMessage);
   if (ptLoopType == nullptr) return -1;
   ptLoopType->nCurrentTime = nTime;
   return 0;
 }
 
 int cvtGetLoopCurrentTime(Message *ptMessage) {
-  const LoopType *const ptLoopType = loopTypeOf(ptMessage);
+  const LoopType *const ptLoopType = loopTypeOf(__func__, ptMessage);
   return ptLoopType == nullptr ? -1 : ptLoopType->nCurrentTime;
 }
 

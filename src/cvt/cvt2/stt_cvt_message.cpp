@@ -129,6 +129,17 @@ void rememberPositions(Message **pptIdx) {
   f_positions.insert_or_assign(pptIdx, std::move(positions));
 }
 
+// Where the index had a node of that name when it was made. A format may have given the node another name since, or
+// its place to another node: -1 then.
+int positionKept(Message **pptIdx, const char *psName) {
+  const auto known = f_positions.find(pptIdx);
+  if (known == f_positions.end()) return -1;
+  const auto it = known->second.find(psName);
+  if (it == known->second.end()) return -1;
+  const Message *const ptNode = cvtIdxNode(pptIdx, it->second);
+  return ptNode != nullptr && ptNode->psNodeName == it->first.data() ? it->second : -1;
+}
+
 int walkForName(Message **pptIdx, const char *psName) {
   for (int i = 0; Message *const ptNode = cvtIdxNode(pptIdx, i); ++i) {
     if (ptNode->psNodeName != nullptr && NameEqual{}(ptNode->psNodeName, psName)) return i;
@@ -178,10 +189,8 @@ Message **cvtCreateMessageIdx(Message *ptMessage, int *pnNum) {
 int cvtGetNodeIdx(Message **pIdx, char *psName) {
   CVT_NOT_NULL(pIdx, -1);
   CVT_NOT_NULL(psName, -1);
-  const auto known = f_positions.find(pIdx);
-  if (known == f_positions.end()) return walkForName(pIdx, psName);
-  const auto it = known->second.find(psName);
-  return it == known->second.end() ? -1 : it->second;
+  const int nPos = positionKept(pIdx, psName);
+  return nPos >= 0 ? nPos : walkForName(pIdx, psName);
 }
 
 int cvtGenMessageInfo(Msg *ptMsg) {
@@ -201,20 +210,20 @@ int cvtGenMessageInfo(Msg *ptMsg) {
 namespace {
 
 // Loads the definition from the directory being read. Null when that fails.
-Msg *loadReferenced(char *psName) {
+Msg *loadReferenced(const char *psFunction, char *psName) {
   char *const psCurrentPath = gptFmtGlobalInfo == nullptr ? nullptr : gptFmtGlobalInfo->psCurrentPath;
   if (psCurrentPath == nullptr) {
-    CVT_ERR("CurrentPath is NULL!!");
+    CVT_ERR_OF(psFunction, "CurrentPath is NULL!!");
     return nullptr;
   }
   char sFile[2048];
   snprintf(sFile, sizeof sFile, "%s.xml", psName);
   if (cvtIniParseFileXml(gptFmtGlobalInfo->psBasePath, psCurrentPath, sFile, cvt::FmtMsgInit) != 0) {
-    CVT_ERR("Message Parse [%s] From[%s/%s] err!!", psName, psCurrentPath, sFile);
+    CVT_ERR_OF(psFunction, "Message Parse [%s] From[%s/%s] err!!", psName, psCurrentPath, sFile);
     return nullptr;
   }
   Msg *const ptMsg = cvtGetMsg(psName);
-  if (ptMsg == nullptr) CVT_ERR("Message Get [%s][%s/%s] err!!", psName, psCurrentPath, sFile);
+  if (ptMsg == nullptr) CVT_ERR_OF(psFunction, "Message Get [%s][%s/%s] err!!", psName, psCurrentPath, sFile);
   return ptMsg;
 }
 
@@ -228,7 +237,7 @@ Message *cvtNewMessageByType(char *psNodeName, int nType, FormatAttr *ptFormAttr
     return nullptr;
   }
   Msg *ptMsg = cvtGetMsg(psNodeName);
-  if (ptMsg == nullptr) ptMsg = loadReferenced(psNodeName);
+  if (ptMsg == nullptr) ptMsg = loadReferenced(__func__, psNodeName);
   if (ptMsg == nullptr) {
     nGRet = -1;
     return nullptr;
