@@ -181,6 +181,50 @@ TEST_F(ConverterFile, NameThatIsMissingIsReportedBeforeAKindThatIsNone) {
                                      "p->nIdx = GetNodeIdx(nType, psName) is Err!!"}));
 }
 
+struct Refused {
+  const char *psName;
+  ArgXml rule;
+  Texts functions;  // of the first lines
+};
+class RefusedRule : public ConverterFile, public testing::WithParamInterface<Refused> {};
+
+// The functions that the first failures come from.
+Texts functions(size_t nFirst) {
+  Texts all;
+  for (const test::LogLine &line : test::logLines())
+    if (line.nLevel == 1 && all.size() < nFirst) all.push_back(line.sFunction);
+  return all;
+}
+
+TEST_P(RefusedRule, SaysWhoRefusedIt) {
+  convert("C", {GetParam().rule});
+  EXPECT_EQ(start(), -1);
+  EXPECT_EQ(functions(GetParam().functions.size()), GetParam().functions);
+}
+
+const ArgXml kNoName{0, "<Node __ID='pInfo'/>"};
+
+INSTANTIATE_TEST_SUITE_P(
+    Kinds, RefusedRule,
+    testing::Values(Refused{"Name", src("Nope"), {"GetNodeIdx", "sttMakeNode"}},
+                    Refused{"NoName", kNoName, {"GetMsgFieldIdx", "GetNodeIdx", "sttMakeNode"}},
+                    Refused{"Kind", node(0, 3, "Id"), {"GetMsgFieldIdx", "GetNodeIdx", "sttMakeNode"}},
+                    Refused{"Function", func("unknown"), {"MakeFunction", "sttMakeFunction"}},
+                    Refused{"NoLoop",
+                            loopRule(src("Id"), dst("Rows"), {}),
+                            {"cvtLoopGetIdx", "SetMsgInfoByLoop", "ParseArgLoop", "sttParseXmlLoop"}},
+                    Refused{
+                        "NoSide",
+                        loopRule(value("v"), dst("Rows"), {}),
+                        {"GetNodeValueIndex", "GetLoopMessageIndex", "SetMsgInfoByLoop", "ParseArgLoop"}}),
+    [](const auto &p) { return std::string(p.param.psName); });
+
+TEST_F(ConverterFile, UnknownDefinitionSaysWhoMissedIt) {
+  convert("C", {}, "In", "Nowhere");
+  EXPECT_EQ(start(), -1);
+  EXPECT_EQ(functions(3), (Texts{"SetMsgInfoByName", "ParseArg", "sttParseXmlConverter"}));
+}
+
 // The pair stays as it was where the new one cannot be had whole.
 class PairOfIndexes : public ConverterFile {
  protected:

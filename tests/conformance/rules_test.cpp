@@ -58,6 +58,14 @@ class Rule : public test::ConvertTest {
     return pt;
   }
 
+  // The functions that the lines come from, those of value lists left out.
+  static Texts functions() {
+    Texts all;
+    for (const test::LogLine &line : test::logLines())
+      if (line.sFile != "cvt_message.cpp") all.push_back(line.sFunction);
+    return all;
+  }
+
   static Texts trail(Texts inner) {
     inner.push_back("Do Convert Rule [1] err!!");
     inner.push_back("Convert [C] From struct[In] tp Struct[Out] err!!");
@@ -211,6 +219,58 @@ TEST_F(Nesting, EveryLineIsOfLevelOneAndOfTheLibrary) {
     EXPECT_NE(line.sFunction, "") << line.sText;
   }
 }
+
+// The walker of the rules, the rule, and what looks for its values: each line is of the one that failed.
+TEST_F(Nesting, EveryLineSaysWhoFailed) {
+  const Args broken = {mapping({src("Code")}, {tagged(value("a"), {copy(level(), dst("Name"))})})};
+  load({cases({otherwise({loopRule(src("Items"), dst("Rows"), broken)})})});
+  from.add("Items").set("Code", "a");
+  EXPECT_EQ(runC(), -1);
+  EXPECT_EQ(functions(), (Texts{"GetValue", "CvtCopy", "StructConvert", "StructConvert", "CvtMapping",
+                                "StructConvert", "StructConvert", "CvtLoop", "StructConvert", "StructConvert",
+                                "StructConvert", "StructConvert", "cvtConvert"}));
+}
+
+struct Failing {
+  const char *psName;
+  ArgXml rule;
+  Texts functions;  // of the first lines
+};
+class FailingRule : public Rule, public testing::WithParamInterface<Failing> {};
+
+TEST_P(FailingRule, SaysWhoFailed) {
+  load({GetParam().rule});
+  from.set("Items", "no loop");
+  from.ptList->nNow = 2;
+  to.ptList->nNow = 1;
+  g_nCalls = 1;
+  EXPECT_EQ(runC(), -1);
+  Texts expected = GetParam().functions;
+  expected.insert(expected.end(), {"StructConvert", "StructConvert", "cvtConvert"});
+  EXPECT_EQ(functions(), expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Kinds, FailingRule,
+    testing::Values(
+        Failing{"Destination", copy(src("Id"), dst("Rows")), {"GetValue", "CvtCopy"}},
+        Failing{"Source", copy(src("Parts"), dst("Key")), {"GetValue", "CvtCopy"}},
+        Failing{"Function", copy(func("second"), dst("Key")), {"DoFunc", "CvtCopy"}},
+        Failing{"Count", copy(loopNum(src("Items")), dst("Key")), {"InnerGetLoopNum", "CvtCopy"}},
+        Failing{"CountOfNoNode",
+                copy(loopNum(level()), dst("Key")),
+                {"GetNodeValueIndex", "InnerGetLoopNum", "CvtCopy"}},
+        Failing{"JudgesDestination", cases({when({equal(src("Id"), level())}, {})}), {"GetValue", "CvtCase"}},
+        Failing{"JudgesSource", cases({when({equal(level(), src("Id"))}, {})}), {"GetValue", "CvtCase"}},
+        Failing{"MappingsValue", mapping({level()}, {}), {"GetValue", "CvtMapping"}},
+        Failing{"MappingsTag", mapping({src("Id")}, {untagged({})}), {"GetValue", "CvtMapping"}},
+        Failing{"LoopsSource", loopRule(src("Items"), level(), {}), {"CvtLoop"}},
+        Failing{"LoopsDestination", loopRule(level("Set"), dst("Rows"), {}), {"CvtLoop"}},
+        Failing{"NewRepetition", loopRule(level(), dst("Rows"), {}), {"StructConvert", "CvtLoop"}},
+        Failing{"Piece",
+                {9, "<Sql __ID='pInfo'>" + args("ptSqlList", {level()}) + "</Sql>"},
+                {"GetValue", "CvtSql"}}),
+    [](const auto &p) { return std::string(p.param.psName); });
 
 TEST_F(Nesting, RulesRunAgainAfterAFailure) {
   load({copy(func("second"), dst("Key")), copy(src("Id"), dst("Key"))});

@@ -21,19 +21,15 @@ int ReSetMsgInfo(Message **pptSrcIdx, Message **pptDstIdx, MsgInfo *ptMsgInfo) {
   return 0;
 }
 
-Msg *definitionOf(char *psName) {
-  Msg *const ptMsg = cvtGetMsg(psName);
-  if (ptMsg == nullptr) CVT_ERR("Get Msg[%s] define info err!!", psName);
-  return ptMsg;
-}
-
 int SetMsgInfoByName(char *psSrcName, char *psDstName, MsgInfo *ptMsgInfo) {
   CVT_NOT_NULL(ptMsgInfo, -1);
   CVT_NOT_NULL(gptCvtGlobalInfo, -1);
-  const Msg *const ptSrc = definitionOf(psSrcName);
-  if (ptSrc == nullptr) return -1;
-  const Msg *const ptDst = definitionOf(psDstName);
-  if (ptDst == nullptr) return -1;
+  const Msg *const ptSrc = cvtGetMsg(psSrcName);
+  const Msg *const ptDst = ptSrc == nullptr ? nullptr : cvtGetMsg(psDstName);
+  if (ptDst == nullptr) {
+    CVT_ERR("Get Msg[%s] define info err!!", ptSrc == nullptr ? psSrcName : psDstName);
+    return -1;
+  }
   return ReSetMsgInfo(ptSrc->pptMessageIdx, ptDst->pptMessageIdx, ptMsgInfo);
 }
 
@@ -45,9 +41,10 @@ Message *nodeAt(Message **pptIndex, int nPos) {
 }
 
 // What the other kinds keep in pInfo is a record of their format, and no LoopType.
-bool hasLoopType(const Message *ptNode) {
+bool hasOtherRecord(const Message *ptNode) {
   const StructAttr *const pt = ptNode->ptStructAttr;
-  return pt != nullptr && (pt->nType == CVT_STRUCT_LOOP || pt->nType == CVT_STRUCT_COUNTED);
+  return pt != nullptr && pt->pInfo != nullptr && pt->nType != CVT_STRUCT_LOOP &&
+         pt->nType != CVT_STRUCT_COUNTED;
 }
 
 }  // namespace
@@ -62,7 +59,7 @@ Message **GetLoopMessageIndex(Arg *ptArgs, Message **pptIndex) {
   }
   CVT_NOT_NULL(pptIndex, nullptr);
   Message *const ptNode = nodeAt(pptIndex, nIndex);
-  if (ptNode != nullptr && !hasLoopType(ptNode)) {
+  if (ptNode != nullptr && hasOtherRecord(ptNode)) {
     CVT_ERR("Message[%s] Get Loop Type Err!!", ptNode->psNodeName);
     return nullptr;
   }

@@ -30,9 +30,11 @@ bool isMisfit(const Arg *ptArgs);
 int GetNodeValueIndex(Arg *ptArgs);
 
 // The value of an argument, one step after the other; null (logged) when there is none.
-Value *resolve(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Arg *ptArgs, MemPort ptMemNode);
+namespace stepwise {
+Value *GetValue(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Arg *ptArgs, MemPort ptMemNode);
+}
 
-// The slot that an argument names, when nothing is wrong with it; else null, and resolve says what is.
+// The slot that an argument names, when nothing is wrong with it; else null, and the steps say what is.
 inline Value *slotOf(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, const Arg *ptArgs) {
   if (ptArgs == nullptr || ptArgs->pInfo == nullptr || bind::g_bMisfits) return nullptr;
   const int nType = ptArgs->nType;
@@ -47,7 +49,7 @@ inline Value *slotOf(ValueListPort ptSrcValueList, ValueListPort ptDstValueList,
 inline Value *GetValue(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Arg *ptArgs,
                        MemPort ptMemNode) {
   Value *const ptSlot = slotOf(ptSrcValueList, ptDstValueList, ptArgs);
-  return ptSlot != nullptr ? ptSlot : resolve(ptSrcValueList, ptDstValueList, ptArgs, ptMemNode);
+  return ptSlot != nullptr ? ptSlot : stepwise::GetValue(ptSrcValueList, ptDstValueList, ptArgs, ptMemNode);
 }
 
 // --- Temporary values ------------------------------------------------------------------------------------

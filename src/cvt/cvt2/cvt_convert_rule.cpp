@@ -10,8 +10,8 @@ namespace {
 
 int StructConvert(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, const Arg *ptArgs,
                   MemPort ptMemNode);
-int runList(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, const Arg *ptArgs,
-            const Steps *ptPlan, MemPort ptMemNode);
+int StructConvert(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, const Arg *ptArgs,
+                  const Steps *ptPlan, MemPort ptMemNode);
 
 // Equal lengths and equal bytes. A slot that holds a loop equals nothing: its length is no size. Nor does a
 // constant whose length was given without bytes.
@@ -39,27 +39,20 @@ int CvtCopy(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Copy *pt
   return 0;
 }
 
-// Whether one judge of the list holds: 1, 0, or -1 when an operand cannot be resolved.
-int judge(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Judge *ptJudge, MemPort ptMemNode) {
-  for (; ptJudge != nullptr; ptJudge = ptJudge->ptNext) {
-    const Value *ptDst = nullptr;
-    const Value *ptSrc = nullptr;
-    CVT_NOT_NULL(ptDst = GetValue(ptSrcValueList, ptDstValueList, ptJudge->ptDstArgs, ptMemNode), -1);
-    CVT_NOT_NULL(ptSrc = GetValue(ptSrcValueList, ptDstValueList, ptJudge->ptSrcArgs, ptMemNode), -1);
-    if (sameBytes(ptDst, ptSrc)) return 1;
-    PushTempValue(nullptr);
-  }
-  return 0;
-}
-
 // The first case without judges, or with a judge that holds, runs; none is not an error.
 int CvtCase(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Case *ptCase, MemPort ptMemNode) {
   CVT_NOT_NULL(ptCase, -1);
   for (; ptCase != nullptr; ptCase = ptCase->ptNext) {
-    const int nHolds =
-        ptCase->ptJudge == nullptr ? 1 : judge(ptSrcValueList, ptDstValueList, ptCase->ptJudge, ptMemNode);
-    if (nHolds < 0) return -1;
-    if (nHolds == 1) return StructConvert(ptSrcValueList, ptDstValueList, ptCase->ptArgs, ptMemNode);
+    bool bHolds = ptCase->ptJudge == nullptr;
+    for (const Judge *ptJudge = ptCase->ptJudge; ptJudge != nullptr && !bHolds; ptJudge = ptJudge->ptNext) {
+      const Value *ptDst = nullptr;
+      const Value *ptSrc = nullptr;
+      CVT_NOT_NULL(ptDst = GetValue(ptSrcValueList, ptDstValueList, ptJudge->ptDstArgs, ptMemNode), -1);
+      CVT_NOT_NULL(ptSrc = GetValue(ptSrcValueList, ptDstValueList, ptJudge->ptSrcArgs, ptMemNode), -1);
+      bHolds = sameBytes(ptDst, ptSrc);
+      if (!bHolds) PushTempValue(nullptr);
+    }
+    if (bHolds) return StructConvert(ptSrcValueList, ptDstValueList, ptCase->ptArgs, ptMemNode);
   }
   return 0;
 }
@@ -83,7 +76,7 @@ const char *CvtGetName(Arg *ptArg) {
 
 int repetitions(ValueListPort ptValueList, int nSlot) {
   const int nCount = cvtGetLoopValueListNum(ptValueList, nSlot);
-  if (nCount < 0) CVT_ERR("cvtGetLoopValueListNum err, Index[%d]", nSlot);
+  if (nCount < 0) CVT_ERR_OF("CvtLoop", "cvtGetLoopValueListNum err, Index[%d]", nSlot);
   return nCount;
 }
 
@@ -107,7 +100,7 @@ int CvtLoop(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Loop *pt
     ValueListPort ptDst = bSameDst ? ptDstValueList
                           : bSet   ? cvtGetLoopValueList(ptDstValueList, nDstSlot, i)
                                    : cvtNewLoopValueList(ptDstValueList, nDstSlot, -1);
-    if (runList(ptSrc, ptDst, ptLoop->ptArgs, ptPlan, ptMemNode) != 0) {
+    if (StructConvert(ptSrc, ptDst, ptLoop->ptArgs, ptPlan, ptMemNode) != 0) {
       CVT_ERR("Convert Loop[%d/%d] From[%s] to [%s]  convert err!!", i, nCount, CvtGetName(ptLoop->ptSrcArgs),
               CvtGetName(ptLoop->ptDstArgs));
       return -1;
@@ -165,8 +158,8 @@ int runRule(ValueListPort ptSrc, ValueListPort ptDst, const Arg *ptArg, int i, M
   const Done done = convertByRule(ptSrc, ptDst, ptArg, ptMemNode);
   PushTempValue(nullptr);
   if (done.nRet == 0) return 0;
-  CVT_ERR("%s", done.psFailed);
-  CVT_ERR("Do Convert Rule [%d] err!!", i);
+  CVT_ERR_OF("StructConvert", "%s", done.psFailed);
+  CVT_ERR_OF("StructConvert", "Do Convert Rule [%d] err!!", i);
   return -1;
 }
 
@@ -205,8 +198,8 @@ int runSteps(ValueListPort ptSrc, ValueListPort ptDst, const Steps &steps, MemPo
 }
 
 // A list of rules, by its plan when it has one.
-int runList(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, const Arg *ptArgs,
-            const Steps *ptPlan, MemPort ptMemNode) {
+int StructConvert(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, const Arg *ptArgs,
+                  const Steps *ptPlan, MemPort ptMemNode) {
   CVT_NOT_NULL(ptSrcValueList, -1);
   CVT_NOT_NULL(ptDstValueList, -1);
   if (ptPlan != nullptr) return runSteps(ptSrcValueList, ptDstValueList, *ptPlan, ptMemNode);
@@ -219,7 +212,7 @@ int runList(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, const Ar
 
 int StructConvert(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, const Arg *ptArgs,
                   MemPort ptMemNode) {
-  return runList(ptSrcValueList, ptDstValueList, ptArgs, planOf(ptArgs), ptMemNode);
+  return StructConvert(ptSrcValueList, ptDstValueList, ptArgs, planOf(ptArgs), ptMemNode);
 }
 
 }  // namespace

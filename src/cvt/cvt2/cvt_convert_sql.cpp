@@ -9,23 +9,6 @@ namespace cvt::convert {
 
 namespace {
 
-// Joins the pieces with nothing between them: quotes, blanks and commas are part of the pieces.
-int AssembleSql(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Arg *ptSqlList, MemPort ptMemNode,
-                SqlText &sql) {
-  int i = 0;
-  for (Arg *ptArgs = ptSqlList; ptArgs != nullptr; ptArgs = ptArgs->ptNext) {
-    const Value *ptValue = nullptr;
-    CVT_NOT_NULL(ptValue = GetValue(ptSrcValueList, ptDstValueList, ptArgs, ptMemNode), -1);
-    ++i;
-    if (ptValue->nLen < 0 || (ptValue->nLen > 0 && ptValue->psValue == nullptr)) {
-      CVT_ERR("Sql piece [%d] has no text: name a field that is no loop, or a constant with psValue", i);
-      return -1;
-    }
-    sql.append(ptValue->psValue, static_cast<size_t>(ptValue->nLen));
-  }
-  return 0;
-}
-
 int CvtOraExecSql(char *psSql) {
   if (dbsExecute(psSql) == 0) return 0;
   CVT_ERR("CvtOraExecSql[%s] err!! sqlcode[%d:%s]", psSql, dbsSqlCode(), dbsErrStr());
@@ -91,7 +74,18 @@ int CvtOraInq(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, char *
 int CvtSql(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Sql *ptLoop, MemPort ptMemNode) {
   CVT_NOT_NULL(ptLoop, -1);
   SqlText sql;
-  if (AssembleSql(ptSrcValueList, ptDstValueList, ptLoop->ptSqlList, ptMemNode, sql) != 0) return -1;
+  int i = 0;
+  // The pieces are joined with nothing between them: quotes, blanks and commas are part of the pieces.
+  for (Arg *ptArgs = ptLoop->ptSqlList; ptArgs != nullptr; ptArgs = ptArgs->ptNext) {
+    const Value *ptValue = nullptr;
+    CVT_NOT_NULL(ptValue = GetValue(ptSrcValueList, ptDstValueList, ptArgs, ptMemNode), -1);
+    ++i;
+    if (ptValue->nLen < 0 || (ptValue->nLen > 0 && ptValue->psValue == nullptr)) {
+      CVT_ERR("Sql piece [%d] has no text: name a field that is no loop, or a constant with psValue", i);
+      return -1;
+    }
+    sql.append(ptValue->psValue, static_cast<size_t>(ptValue->nLen));
+  }
   if (ptLoop->ptFieldList == nullptr) return CvtOraExecSql(sql.text());
   return CvtOraInq(ptSrcValueList, ptDstValueList, sql.text(), ptLoop->ptFieldList, ptMemNode);
 }

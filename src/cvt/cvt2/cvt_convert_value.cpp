@@ -149,7 +149,8 @@ Value *InnerGetLoopNum(ValueListPort ptSrcValueList, LoopGetNum *ptLoopGetNum, M
 
 }  // namespace
 
-Value *resolve(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Arg *ptArgs, MemPort ptMemNode) {
+Value *stepwise::GetValue(ValueListPort ptSrcValueList, ValueListPort ptDstValueList, Arg *ptArgs,
+                          MemPort ptMemNode) {
   CVT_NOT_NULL(ptArgs, nullptr);
   if (isMisfit(ptArgs)) return nullptr;
   switch (ptArgs->nType) {
