@@ -95,6 +95,21 @@ TEST_F(Manager, MayAnnounceItsExitBeforeTheTableIsUsedForTheLastTime) {
   EXPECT_EQ(gptAllInfo, nullptr);
 }
 
+// What a filled table cannot tell: that nothing else fills it.
+TEST_F(Manager, HasTheTableFilledByTheFirstEventAlone) {
+  load();
+  deliver(1);
+  auto &table = *static_cast<cvtInterface *>(g_pTable);
+  const cvtInterface empty = {};
+  table = empty;
+  EXPECT_EQ(load(), 0);
+  for (const int iEventId : {0, 2, 3, 4, 5, -1}) EXPECT_EQ(deliver(iEventId), 0) << iEventId;
+  EXPECT_EQ(std::memcmp(&table, &empty, sizeof empty), 0);
+  EXPECT_EQ(deliver(1), 0);
+  EXPECT_EQ(std::memcmp(&table, &g_atRegistration, sizeof table), 0);
+  EXPECT_EQ(table.FncCvtAddLoopTime, &cvtAddLoopTime);
+}
+
 TEST_F(Manager, LogsNothingByItself) {
   test::clearLog();
   load();

@@ -105,11 +105,37 @@ TEST_F(Refusal, WithoutAFile) {
                     "libcvt_plug_none.so: cannot open shared object file: No such file or directory!!"));
 }
 
+TEST_F(Refusal, OfAnEmptyNameIsThatOfTheFileWithThatName) {
+  EXPECT_EQ(start({"psName=\"\""}), -1);
+  EXPECT_EQ(trail(), refusal("dlopen Err:" + kBase +
+                             "libcvt_plug_.so: cannot open shared object file: No such file or directory!!"));
+}
+
+TEST_F(Refusal, CutsTheFileOfALongName) {
+  const std::string sName(5000, 'n');
+  EXPECT_EQ(start({"psName=\"" + sName + "\""}), -1);
+  const std::string sFile = (kBase + "libcvt_plug_" + sName).substr(0, 2047);
+  EXPECT_EQ(trail(),
+            refusal("dlopen Err:" + sFile + ": cannot open shared object file: File name too long!!"));
+}
+
+TEST_F(Refusal, IsToldByTheLibraryAlone) {
+  EXPECT_EQ(start({"psName=\"none\""}), -1);
+  EXPECT_EQ(test::modules(), Texts{"$cvt2"});
+}
+
 TEST_F(Refusal, WithoutAnInitialiser) {
   EXPECT_EQ(start({"psName=\"first\" psFunction=\"nothing\""}), -1);
   EXPECT_EQ(trail(), refusal("Function [nothing] Not Find in [" + kFirst + "]!![" + kFirst +
                              ": undefined symbol: nothing]"));
   EXPECT_EQ(probes(), (Texts{"first opened", "first closed"}));
+}
+
+TEST_F(Refusal, CutsNoFunctionThatIsGiven) {
+  const std::string sFunction(5000, 'f');
+  EXPECT_EQ(start({"psName=\"first\" psFunction=\"" + sFunction + "\""}), -1);
+  EXPECT_EQ(trail(), refusal("Function [" + sFunction + "] Not Find in [" + kFirst + "]!![" + kFirst +
+                             ": undefined symbol: " + sFunction + "]"));
 }
 
 TEST_F(Refusal, ByItsOwnInitialiser) {
@@ -185,6 +211,13 @@ TEST_F(Opening, OfOnePlugInTwiceRunsItsInitialiserTwice) {
   EXPECT_EQ(probes(), Texts{"first closed"});
 }
 
+TEST_F(Opening, CutsNoPathThatIsGiven) {
+  std::string sPath = kBase;
+  while (sPath.size() < 3000) sPath += "./";
+  ASSERT_EQ(start({"psName=\"first\" psPath=\"" + sPath + "libcvt_plug_first.so\""}), 0);
+  EXPECT_EQ(probes(), (Texts{"first opened", "first initialised"}));
+}
+
 TEST_F(Opening, ReadsTheBasePathBeforeThePlugInsWhereverItStands) {
   config.root = {};
   config.file("All/root.xml", "<AllInfo><AllInfo><Plug __ID=\"ptPlug\" other=\"x\" psBasePlugPath=\"" +
@@ -244,6 +277,36 @@ TEST_F(Closing, LeavesTheRecordsReadable) {
   EXPECT_EQ(cvtPlugEnd(), 0);
   EXPECT_EQ(gptPlugInfo, nullptr);
   EXPECT_STREQ(ptInfo->ptPlugs->psName, "first");
+}
+
+// A definition with a type that nobody knows: every dispatcher that is registered is asked for it.
+std::string oddDefinition() {
+  return "<toy><Msg psMsgName=\"Odd\"><Unknown __ID=\"pInfo\"/><Message __ID=\"ptHead\" psNodeName=\"A\">"
+         "<StructAttr __ID=\"ptStructAttr\"/></Message></Msg></toy>";
+}
+
+TEST_F(Closing, AfterAFailedInitialiserLeavesWhatItHadRegisteredCallable) {
+  EXPECT_EQ(start({"psName=\"bad\""}), -1);
+  test::ToyConfig good;
+  good.file("msg/Odd.xml", oddDefinition());
+  test::clearLog();
+  EXPECT_EQ(good.start(), 0);
+  EXPECT_EQ(trail(), Texts{"stt.cpp sttParseVoid: Type[Unknown] Not Define"});
+}
+
+TEST_F(Closing, AfterAStartThatFailedLaterLeavesWhatWasRegisteredCallable) {
+  config.root = {};
+  config.root.sPlug = test::plugSection({"psName=\"bad\" psFunction=\"noFunctionsInit\""});
+  config.root.sId = "<Id __ID=\"ptId\" psIdPath=\"id\"/>";
+  config.file("id/pipelines.xml", "<broken");
+  config.writeRoot();
+  EXPECT_EQ(config.start(), -1);
+  EXPECT_NE(gptPlugInfo, nullptr);
+  test::ToyConfig good;
+  good.file("msg/Odd.xml", oddDefinition());
+  test::clearLog();
+  EXPECT_EQ(good.start(), 0);
+  EXPECT_EQ(trail(), Texts{"stt.cpp sttParseVoid: Type[Unknown] Not Define"});
 }
 
 TEST_F(Closing, ComesBeforeAnythingOfTheNextStartIsRead) {
