@@ -201,6 +201,12 @@ TEST_F(Files, NameTheConverterAsTheRegistryDoes) {
   EXPECT_EQ(nGRet, -1);
 }
 
+TEST_F(Files, TakeAMessagesPairsAwayByALaterEntryWithoutAny) {
+  ASSERT_EQ(start({{"Order", {{"01", "bill"}}}, {"Order", {}}}), 0);
+  EXPECT_EQ(cvtGetMsg(cs("Order"))->pIdInfo, nullptr);
+  EXPECT_EQ(converted("01"), "-1");
+}
+
 TEST_F(Files, MayNameAMessageWithoutPairs) {
   ASSERT_EQ(start({{"Order", {}}}), 0);
   EXPECT_EQ(cvtGetMsg(cs("Order"))->pIdInfo, nullptr);

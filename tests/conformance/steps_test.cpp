@@ -179,6 +179,16 @@ TEST_F(Names, MayBeThoseOfABuiltInStepInAnotherLetterCase) {
   EXPECT_EQ(sttNewIdFunc(cs("pubParse"), nullptr, nullptr)->fIdFunction, &pubParse);
 }
 
+TEST_F(Names, AreResolvedWhenThePipelineIsReadAndNotAgain) {
+  cvtIdAddFunction(cs("later"), nothing);
+  started({{"f", {{"later"}}, {}}});
+  cvtIdAddFunction(cs("later"), nameOrder);
+  EXPECT_EQ(fucParse(cs("f"), &first, nullptr), 0);
+  EXPECT_STREQ(first.sMsgName, "");
+  EXPECT_EQ(cvtIdAddFunction(cs("none"), nullptr), 0);  // empties the registry
+  EXPECT_EQ(fucParse(cs("f"), &first, nullptr), 0);
+}
+
 // --- Format ids -----------------------------------------------------------------------------------------
 
 TEST_F(FormatIds, AreTakenWholeWhereTheHandleHoldsThemCut) {
