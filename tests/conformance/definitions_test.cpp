@@ -6,6 +6,7 @@
 
 #include "definition_xml.h"
 #include "log_capture.h"
+#include "pool_use.h"
 #include "trail.h"
 
 using namespace test;
@@ -116,6 +117,14 @@ TEST_F(Numbering, AnyNumberButMinusOneIsKept) {
   nodeNamed(indexed(ptMsg), "Child")->nIndex = -3;
   nodeNamed(indexed(ptMsg), "G")->nIndex = -1;
   EXPECT_EQ(numbers(indexed(ptMsg)), (Numbers{-2, 2, -3}));
+}
+
+TEST_F(Numbering, TakesAPointerForEachNodeOfAnIndexAndOneMore) {
+  NEEDS_PACKED_POOL();
+  Msg *const ptMsg = read({field("A"), loop("L", "", {field("X"), field("Y")}), loop("M", "", {})});
+  const int nBefore = handedOut();
+  ASSERT_EQ(cvtGenMessageInfo(ptMsg), 0);
+  EXPECT_EQ(handedOut() - nBefore, static_cast<int>(sizeof(Message *)) * ((5 + 1) + (2 + 1) + (1 + 1)));
 }
 
 // --- Names -----------------------------------------------------------------------------------------------

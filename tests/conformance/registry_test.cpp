@@ -94,6 +94,34 @@ TEST_F(Formats, ADefinitionThatIsRefusedIsNotRegisteredAndThoseItRefersToAre) {
   EXPECT_NE(cvtGetMsg(cs("../two/Head")), nullptr);
 }
 
+// A definition without a name has emptied the registry: what stands in front of it is forgotten, and read again.
+TEST_F(Formats, ADefinitionThatWasForgottenIsReadAgain) {
+  Definitions::format("flat");
+  m_definitions.file("one/A.xml", test::model::definition("A", {field("X")}));
+  m_definitions.file("two/Nameless.xml",
+                     "<flat><Msg>" + test::model::chainXml("ptHead", {field("X")}) + "</Msg></flat>");
+  m_definitions.file("three/B.xml", test::model::definition("B", {field("X")}));
+  ASSERT_NE(m_definitions.load({"one", "two", "three"}), nullptr);
+  EXPECT_EQ(cvtGetMsg(cs("A")), nullptr);
+  EXPECT_NE(cvtGetMsg(cs("B")), nullptr);
+  ASSERT_NE(m_definitions.load({"one", "three"}), nullptr);
+  EXPECT_NE(cvtGetMsg(cs("A")), nullptr);
+  EXPECT_STREQ(gptFmtGlobalInfo->ptMsgList->psString, "A");
+  EXPECT_STREQ(gptFmtGlobalInfo->ptMsgList->ptNext->psString, "B");
+  EXPECT_EQ(gptFmtGlobalInfo->ptMsgList->ptNext->ptNext, nullptr);
+}
+
+TEST_F(Formats, ADirectoryWithoutANameFailsTheSection) {
+  Definitions::format("flat");
+  const test::model::Element section(
+      "<Message><PathList __ID='ptMsgList'/><PathList __ID='ptNext' psPath='msg'/></Message>");
+  m_definitions.add("Order", {field("A")});
+  EXPECT_EQ(cvtFmtInit(section.get(), cs("Message")), nullptr);
+  EXPECT_EQ(test::logTexts(),
+            (Texts{"[psDirName] is NULL", "Message Parse Dir[(null)] err!!", "cvt Message Parse Err!!"}));
+  EXPECT_EQ(cvtGetMsg(cs("Order")), nullptr);
+}
+
 TEST_F(Formats, WhatIsWrongIsToldByTheFunctionThatFoundIt) {
   EXPECT_EQ(cvtGetMsg(cs("Order")), nullptr);
   Definitions::format("flat", [](Msg *) { return -1; });

@@ -4,6 +4,7 @@
 
 #include "definition_xml.h"
 #include "log_capture.h"
+#include "pool_use.h"
 #include "trail.h"
 
 using namespace test;
@@ -74,6 +75,22 @@ TEST_F(Values, OnlyTheUpperBoundOfARepetitionIsTested) {
   m_ptList->ptValue[0].nLen = -1;
   EXPECT_EQ(cvtGetLoopValueList(m_ptList, 0, -1), &tBefore);
   EXPECT_TRUE(logLines().empty());
+}
+
+TEST_F(Values, ListsLieInTheConfigurationsMemoryAndNothingIsTakenForThoseThatComeBack) {
+  NEEDS_PACKED_POOL();
+  while (gptFreeValue != nullptr) cvtGetValueList(0);
+  const auto bytes = [](int nSlots) { return static_cast<int>(sizeof(ValueList) + nSlots * sizeof(Value)); };
+  int nBefore = handedOut();
+  ValueList *const ptList = cvtGetValueList(1);
+  EXPECT_EQ(handedOut() - nBefore, bytes(4));
+  nBefore = handedOut();
+  cvtNewLoopValueList(ptList, 0, 1);
+  EXPECT_EQ(handedOut() - nBefore, bytes(999) + bytes(4));
+  nBefore = handedOut();
+  cvtFreeValue(ptList);
+  cvtNewLoopValueList(cvtGetValueList(1), 0, 1);
+  EXPECT_EQ(handedOut(), nBefore);
 }
 
 TEST_F(Values, BytesLieInTheNodeGiven) {
