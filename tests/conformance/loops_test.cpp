@@ -100,6 +100,13 @@ TEST_F(Loops, BodyThatCannotBeNumberedLeavesItsCountAndNoIndex) {
   EXPECT_EQ(ptType->nFieldNum, 3);
 }
 
+TEST_F(Loops, BodyIndexThatWasNotMadeIsNullAndNobodySaysSo) {
+  Msg *const ptMsg = index({field("N"), counted("C", "N")});
+  EXPECT_EQ(cvtLoopGetIdx(nodeNamed(ptMsg->pptMessageIdx, "C")), nullptr);
+  EXPECT_EQ(cvtLoopGetStruct(nodeNamed(ptMsg->pptMessageIdx, "C")), nullptr);
+  EXPECT_TRUE(logLines().empty());
+}
+
 TEST_F(Loops, WhatIsWrongIsToldByTheFunctionThatWasCalled) {
   Message *const pt =
       sttNewMessage(cs("L"), 0, nullptr, sttNewStructAttr(1, nullptr, nullptr, nullptr, nullptr, nullptr));

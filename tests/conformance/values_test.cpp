@@ -66,6 +66,30 @@ TEST_F(Values, ALoopListWithoutRoomIsAttachedBeforeTheRepetitionIsRefused) {
   EXPECT_EQ(cvtGetLoopValueListNum(m_ptList, 0), 0);
 }
 
+// As an ordinary list may be that was filed as a loop list. The line names the limit of the configuration still.
+TEST_F(Values, ALoopListWithMoreRoomHoldsMoreRepetitions) {
+  std::vector<Value> slots(1001);
+  ValueList tLarge{0, 1001, slots.data(), nullptr};
+  gptLoopValue = &tLarge;
+  ASSERT_NE(cvtNewLoopValueList(m_ptList, 0, 1), nullptr);
+  tLarge.nNow = 1000;
+  EXPECT_NE(cvtNewLoopValueList(m_ptList, 0, 1), nullptr);
+  EXPECT_EQ(cvtGetLoopValueListNum(m_ptList, 0), 1001);
+  EXPECT_EQ(cvtNewLoopValueList(m_ptList, 0, 1), nullptr);
+  EXPECT_EQ(logTexts(), Texts{"Loop Num is Max then Define[999]"});
+}
+
+TEST_F(Values, AListOfLessRoomThanAConfiguredLoopIsOrdinary) {
+  ASSERT_NE(m_definitions.load({}, "gnMaxValue='1499' gnMaxLoop='1500'"), nullptr);
+  m_ptList = cvtGetValueList(1);
+  ValueList *const ptBody = cvtNewLoopValueList(m_ptList, 0, 1);
+  ValueList *const ptLoop = loopListOf(m_ptList, 0);
+  cvtFreeValue(m_ptList);
+  EXPECT_EQ(gptLoopValue, ptLoop);
+  EXPECT_EQ(ptLoop->ptNext, nullptr);
+  EXPECT_EQ(gptFreeValue->ptNext, ptBody);
+}
+
 TEST_F(Values, OnlyTheUpperBoundOfARepetitionIsTested) {
   ValueList tBefore{};
   Value aSlots[2] = {};
