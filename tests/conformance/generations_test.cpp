@@ -51,6 +51,7 @@ class Generations : public testing::Test {
 };
 
 using Memory = Generations;
+using Names = Generations;
 using Reload = Generations;
 using FailedStart = Generations;
 
@@ -81,6 +82,24 @@ TEST_F(Memory, OfMessagesIsReleasedByTheEnd) {
   start();
   useMessages(1);
   EXPECT_EQ(messageNodes(), 1);
+}
+
+TEST_F(Names, AreInternedAfreshByEachStartAlsoWhenNothingWasReleased) {
+  const char *const psBefore = cvtStrDup(cs("Order"));
+  config.file("id/pipelines.xml", "<broken");
+  EXPECT_EQ(config.start(), -1);
+  const char *const psFailed = cvtStrDup(cs("Order"));
+  EXPECT_NE(psFailed, psBefore);
+  EXPECT_EQ(config.start(), -1);
+  EXPECT_NE(cvtStrDup(cs("Order")), psFailed);
+  EXPECT_STREQ(psBefore, "Order");
+  EXPECT_STREQ(psFailed, "Order");
+}
+
+TEST_F(Names, MayBeInternedBehindAStartWithoutARootFile) {
+  EXPECT_EQ(cvtInit(config.arg("msg")), 0);
+  EXPECT_EQ(gptAllInfo, nullptr);
+  EXPECT_NE(gptDict, nullptr);
 }
 
 // --- Reload -------------------------------------------------------------------------------------------

@@ -129,6 +129,14 @@ TEST_F(Directory, HandsOverEntriesWithoutALookAtWhatTheyAre) {
   EXPECT_EQ(g_given, (Texts{config.path("files/folder.xml"), config.path("files/link.xml")}));
 }
 
+TEST_F(Directory, ThatCannotBeOpenedIsNotEntered) {
+  ASSERT_EQ(config.start(), 0);
+  test::clearLog();
+  EXPECT_EQ(cvtIniParseDirXml(nullptr, cs("none"), take), 0);
+  EXPECT_EQ(test::logTexts(0),
+            Texts{"Open Dir [" + config.path("none") + "] err:[No such file or directory]!!"});
+}
+
 TEST_F(Directory, WhoseFilesNeedNothingIsLoadedWithoutALine) {
   config.file("files/a.xml", "").file("files/b.xml", "");
   ASSERT_EQ(config.start(), 0);
