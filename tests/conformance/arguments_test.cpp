@@ -74,6 +74,30 @@ TEST_F(Argument, RawWithoutARecordIsANullArgumentSilently) {
   EXPECT_TRUE(test::logLines().empty());
 }
 
+TEST_F(Argument, RawMayBeAText) {
+  const ArgXml text{5, "<String __ID='pInfo' psValue='as it is'/>"};
+  EXPECT_EQ(runRules({copy(func("note", {text}), dst("X"))}), 0);
+  ASSERT_EQ(g_calls.at(0).args.size(), 1U);
+  EXPECT_STREQ(reinterpret_cast<const char *>(g_calls[0].args[0]), "as it is");
+  EXPECT_TRUE(test::logLines().empty());
+}
+
+int g_nOwnRecord = 0;
+void *readOwn(void *, char *psType) {
+  return std::string(psType) == "Own" ? &g_nOwnRecord : nullptr;
+}
+void *writeOwn(void *, void *, char *, char *) {
+  return nullptr;
+}
+
+TEST_F(Argument, RawMayBeARecordOfTheHostsOwn) {
+  sttAddFuncVoid(readOwn, writeOwn);
+  EXPECT_EQ(runRules({copy(func("note", {src("A"), {5, "<Own __ID='pInfo'/>"}}), dst("X"))}), 0);
+  EXPECT_EQ(g_calls.at(0).args,
+            (std::vector<Value *>{from.slot("A"), reinterpret_cast<Value *>(&g_nOwnRecord)}));
+  EXPECT_TRUE(test::logLines().empty());
+}
+
 TEST_F(Argument, FunctionThatSetsNothingGivesAnEmptyValue) {
   EXPECT_EQ(runRules({copy(src("A"), dst("X")), copy(func("note"), dst("X"))}), 0);
   EXPECT_EQ(g_calls.at(0).nArgs, 0);
@@ -125,6 +149,12 @@ TEST_F(Argument, ValueAndTagOfAMappingAreTakenUntilTheFirstRuleOfItsEntryIsDone)
   const Args rules(2, copy(func("note"), dst("X")));
   EXPECT_EQ(runRules({mapping({func("note")}, {tagged(func("note"), rules)})}), 0);
   EXPECT_EQ(taken(), (std::vector<int>{1, 2, 3, 1}));
+}
+
+TEST_F(Argument, ValueOfAMappingIsGivenBackByTheFirstCopyOfItsEntry) {
+  const Args rules = {copy(src("A"), dst("X")), copy(func("note"), dst("Y"))};
+  EXPECT_EQ(runRules({mapping({func("note")}, {tagged(value(""), rules)})}), 0);
+  EXPECT_EQ(taken(), (std::vector<int>{1, 1}));
 }
 
 TEST_F(Argument, DestinationOfACopyIsTakenFirst) {

@@ -177,6 +177,28 @@ TEST_F(LoopSide, CopyOfALoopSharesItsRepetitions) {
   EXPECT_EQ(to.count("Rows"), 1);
 }
 
+TEST_F(Rule, CopyThatLacksItsSlotIsCountedAmongAllRules) {
+  load({dst("Key"), copy(src("Id"), dst("Key")), copy(src("Id"), dst("Name")), copy(src("Code"), dst("Key")),
+        copy(src("Id"), dst("Cells"))});
+  from.ptList->nNow = 1;
+  EXPECT_EQ(runC(), -1);
+  EXPECT_EQ(test::logTexts(),
+            (Texts{"Value Index[2] < 0 or >= max [1] err!!", "Src Msg Get Filed By Id[Code)2] err!!",
+                   kCopyFails, "CvtCopy Err!!", "Do Convert Rule [4] err!!",
+                   "Convert [C] From struct[In] tp Struct[Out] err!!"}));
+  EXPECT_EQ(to.get("Key"), "7");
+  EXPECT_EQ(to.get("Name"), "7");
+  EXPECT_EQ(to.get("Cells"), "");
+}
+
+TEST_F(Rule, CodeSaysWhoseSlotAndNodeWhichOne) {
+  load({copy(node(0, 1, "Name"), node(1, 0, "Id"))});
+  from.set("Code", "c");  // stands where Name stands in Out, as Id where Key does
+  EXPECT_EQ(runC(), 0);
+  EXPECT_EQ(to.get("Key"), "c");
+  EXPECT_EQ(from.get("Id"), "7");
+}
+
 TEST_F(Rule, CopyMayGoToAValueThatIsComputed) {
   load({copy(src("Id"), loopNum(src("Items"))), copy(loopNum(src("Items")), dst("Key"))});
   EXPECT_EQ(runC(), 0);
