@@ -1,0 +1,159 @@
+// Fields that find no room on the heap for their part of the document: the flag is raised, the line is told, and
+// the document stays as it was.
+#include <gtest/gtest.h>
+#include <libxml/xmlmemory.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "config_tree.h"
+#include "cvt.h"
+#include "log_capture.h"
+#include "xml_layer.h"
+#include "xml_text.h"
+
+namespace {
+
+using test::cs;
+using test::logTexts;
+using test::Xml;
+using Texts = std::vector<std::string>;
+
+// How many more pieces libxml2 is given; negative: as many as it wants.
+long f_nLeft = -1;
+
+bool isEmpty() {
+  if (f_nLeft == 0) return true;
+  if (f_nLeft > 0) --f_nLeft;
+  return false;
+}
+void *give(size_t nSize) {
+  return isEmpty() ? nullptr : std::malloc(nSize);
+}
+void *giveMore(void *p, size_t nSize) {
+  return isEmpty() ? nullptr : std::realloc(p, nSize);
+}
+char *giveCopy(const char *ps) {
+  return isEmpty() ? nullptr : strdup(ps);
+}
+
+// Before libxml2 has taken anything.
+const int f_nSetUp = xmlMemSetup(std::free, give, giveMore, giveCopy);
+
+char f_record[] = "record";
+
+void *writeRecord(void *ptStruct, void *ptNode, char *, char *) {
+  sttGenerateXmlString(ptNode, static_cast<char *>(ptStruct), cs("psName"));
+  return ptNode;
+}
+void *readRecord(void *, char *) {
+  return f_record;
+}
+void *writeNothing(void *, void *ptNode, char *, char *) {
+  return ptNode;
+}
+
+template <class F>
+void *untyped(F *f) {
+  return reinterpret_cast<void *>(f);
+}
+
+const char kEmpty[] = "<r><T/></r>";
+
+class NoHeap : public testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_EQ(f_nSetUp, 0);
+    nGRet = 0;
+    test::clearLog();
+    sttAddFuncVoid(readRecord, writeNothing);
+    sttSetVoidType(f_record, cs("T"));
+  }
+  void TearDown() override { sttEnd(); }
+
+  // Writes into the T of kEmpty with no piece, with one, and so on, until nothing is missing: the document is
+  // whole, or the flag is raised and the document left as it was. The first line of each failure, without
+  // repetitions.
+  static Texts failures(const std::function<void(void *ptNode)> &write, const std::string &sLeft,
+                        const std::string &sWhole) {
+    Texts lines;
+    for (long n = 0; n < 100; ++n) {
+      SCOPED_TRACE(n);
+      const Xml xml(kEmpty);
+      test::clearLog();
+      nGRet = 0;
+      f_nLeft = n;
+      write(xml.child());
+      const bool bEnough = f_nLeft > 0;
+      f_nLeft = -1;
+      EXPECT_EQ(xml.text(), nGRet == 0 ? sWhole : sLeft);
+      if (bEnough) {
+        EXPECT_EQ(nGRet, 0);
+        return lines;
+      }
+      const std::string sLine = logTexts(0).empty() ? "" : logTexts(0).front();
+      if (nGRet != 0 && (lines.empty() || lines.back() != sLine)) lines.push_back(sLine);
+    }
+    ADD_FAILURE() << "never enough";
+    return lines;
+  }
+};
+
+TEST_F(NoHeap, ForAnAttributeDropsTheElementSilently) {
+  EXPECT_EQ(
+      failures([](void *pt) { sttGenerateXmlString(pt, cs("v"), cs("n")); }, "<r/>", "<r><T n=\"v\"/></r>"),
+      Texts{""});
+  EXPECT_EQ(failures([](void *pt) { sttGenerateXmlInt(pt, 7, cs("n")); }, "<r/>", "<r><T n=\"7\"/></r>"),
+            Texts{""});
+}
+
+TEST_F(NoHeap, ForARecordsElementLeavesTheDocumentSilently) {
+  const auto asStruct = [](void *pt) {
+    sttGenerateXmlStruct(pt, f_record, cs("p"), cs("U"), untyped(writeNothing));
+  };
+  EXPECT_EQ(failures(asStruct, kEmpty, "<r><T><U __ID=\"p\"/></T></r>"), Texts{""});
+  const auto asNext = [](void *pt) {
+    sttGenerateXmlNext(pt, f_record, cs("p"), cs("T"), untyped(writeNothing));
+  };
+  EXPECT_EQ(failures(asNext, kEmpty, "<r><T/><T __ID=\"p\"/></r>"), Texts{""});
+}
+
+TEST_F(NoHeap, ForAnElementOfAnyTypeIsToldStepByStep) {
+  EXPECT_EQ(failures([](void *pt) { sttGenerateXmlVoid(pt, f_record, cs("p")); }, kEmpty,
+                     "<r><T><T __ID=\"p\"/></T></r>"),
+            (Texts{"xmlMadeNode Err!!", "xmlPutNodeAttr Err!!"}));
+}
+
+TEST_F(NoHeap, ForWhatARecordWritesKeepsItsFieldFailed) {
+  const auto write = [](void *pt) {
+    sttGenerateXmlStruct(pt, f_record, cs("p"), cs("U"), untyped(writeRecord));
+  };
+  EXPECT_EQ(failures(write, kEmpty, "<r><T><U __ID=\"p\" psName=\"record\"/></T></r>"), Texts{""});
+}
+
+TEST_F(NoHeap, ForABaseStringIsToldAndMakesNoElement) {
+  sttEnd();
+  for (long n = 0; n < 3; ++n) {
+    test::clearLog();
+    f_nLeft = n;
+    EXPECT_EQ(sttGenVoid(f_record, nullptr, cs("p"), cs("String")), nullptr);
+    f_nLeft = -1;
+    EXPECT_EQ(logTexts(0), Texts{"psValue Generate Xml Node err!"}) << n;
+  }
+}
+
+TEST_F(NoHeap, ForAFileLeavesNoneAndTheOldOne) {
+  test::ConfigTree tree;
+  tree.file("a.xml", "<old/>");
+  f_nLeft = 0;
+  EXPECT_EQ(sttGenXmlFile(tree.arg("a.xml"), f_record, cs("R"), cs("T"), untyped(writeNothing)), -1);
+  f_nLeft = -1;
+  EXPECT_EQ(logTexts(0), Texts{"Make [R)" + tree.path("a.xml") + "] Xml err!"});
+  const test::Doc doc(xmlFileParse(tree.arg("a.xml")));
+  EXPECT_EQ(test::textOf(doc.get()), "<old/>");
+}
+
+}  // namespace
