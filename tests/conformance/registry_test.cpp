@@ -2,6 +2,7 @@
 // trail of a start that ends at a definition.
 #include "convert_fixture.h"
 #include "definition_xml.h"
+#include "pool_use.h"
 #include "trail.h"
 
 namespace {
@@ -148,6 +149,28 @@ TEST_F(Formats, AFailedSectionLeavesReferencesToItsLastDirectory) {
   const Message *const pt = cvtNewMessageByType(cs("C"), -1, nullptr, nullptr);
   ASSERT_NE(cvtGetMsg(cs("C")), nullptr);
   EXPECT_EQ(pt, cvtGetMsg(cs("C"))->ptHead);
+}
+
+TEST_F(Formats, TheEndOfTheRegistryFreesNothing) {
+  Definitions::format("flat");
+  m_definitions.add("Order", {field("A"), field("B")});
+  ASSERT_NE(m_definitions.load(), nullptr);
+  const Msg *const pt = cvtGetMsg(cs("Order"));
+  const int nBefore = test::handedOut();
+  EXPECT_EQ(cvtFmtEnd(), 0);
+  EXPECT_EQ(test::handedOut(), nBefore);
+  EXPECT_STREQ(pt->psMsgName, "Order");
+  EXPECT_STREQ(cvtIdxNode(pt->pptMessageIdx, 1)->psNodeName, "B");
+}
+
+TEST_F(Formats, TheLargestCapacityOutlivesTheLibrarysEnd) {
+  ASSERT_NE(m_definitions.load({}, "gnMaxValue='7'"), nullptr);
+  cvtEnd();
+  Definitions::format("flat");
+  m_definitions.add("Order", {field("A")});
+  ASSERT_NE(m_definitions.load({"msg"}, "gnMaxValue='2'"), nullptr);
+  EXPECT_EQ(gnMaxValueNum, 7);
+  EXPECT_EQ(cvtGetValueList(-1)->nNow, 7);
 }
 
 using Start = test::ConvertTest;
