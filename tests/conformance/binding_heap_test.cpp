@@ -1,5 +1,5 @@
-// Fields that find no room on the heap for their part of the document: the flag is raised, the line is told, and
-// the document stays as it was.
+// Fields that find no room on the heap for their part of the document: the flag is raised, the line is told, the
+// document stays as it was, and what had been made for it is given back.
 #include <gtest/gtest.h>
 #include <libxml/xmlmemory.h>
 
@@ -25,23 +25,42 @@ using Texts = std::vector<std::string>;
 // How many more pieces libxml2 is given; negative: as many as it wants.
 long f_nLeft = -1;
 
+// How many it holds.
+long f_nHeld = 0;
+
 bool isEmpty() {
   if (f_nLeft == 0) return true;
   if (f_nLeft > 0) --f_nLeft;
   return false;
 }
+template <class T>
+T *counted(T *p) {
+  f_nHeld += p != nullptr;
+  return p;
+}
 void *give(size_t nSize) {
-  return isEmpty() ? nullptr : std::malloc(nSize);
+  return isEmpty() ? nullptr : counted(std::malloc(nSize));
 }
 void *giveMore(void *p, size_t nSize) {
+  if (p == nullptr) return give(nSize);
   return isEmpty() ? nullptr : std::realloc(p, nSize);
 }
 char *giveCopy(const char *ps) {
-  return isEmpty() ? nullptr : strdup(ps);
+  return isEmpty() ? nullptr : counted(strdup(ps));
+}
+void takeBack(void *p) {
+  f_nHeld -= p != nullptr;
+  std::free(p);
+}
+
+// How many pieces of the documents it holds; what it keeps of an error is none.
+long held() {
+  xmlResetLastError();
+  return f_nHeld;
 }
 
 // Before libxml2 has taken anything.
-const int f_nSetUp = xmlMemSetup(std::free, give, giveMore, giveCopy);
+const int f_nSetUp = xmlMemSetup(takeBack, give, giveMore, giveCopy);
 
 char f_record[] = "record";
 
@@ -71,6 +90,9 @@ class NoHeap : public testing::Test {
     test::clearLog();
     sttAddFuncVoid(readRecord, writeNothing);
     sttSetVoidType(f_record, cs("T"));
+    // What libxml2 makes once and keeps.
+    const Xml xml(kEmpty);
+    ASSERT_EQ(xml.text(), kEmpty);
   }
   void TearDown() override { sttEnd(); }
 
@@ -82,14 +104,9 @@ class NoHeap : public testing::Test {
     Texts lines;
     for (long n = 0; n < 100; ++n) {
       SCOPED_TRACE(n);
-      const Xml xml(kEmpty);
-      test::clearLog();
-      nGRet = 0;
-      f_nLeft = n;
-      write(xml.child());
-      const bool bEnough = f_nLeft > 0;
-      f_nLeft = -1;
-      EXPECT_EQ(xml.text(), nGRet == 0 ? sWhole : sLeft);
+      const long nBefore = held();
+      const bool bEnough = attempt(n, write, sLeft, sWhole);
+      EXPECT_EQ(held(), nBefore);
       if (bEnough) {
         EXPECT_EQ(nGRet, 0);
         return lines;
@@ -99,6 +116,21 @@ class NoHeap : public testing::Test {
     }
     ADD_FAILURE() << "never enough";
     return lines;
+  }
+
+ private:
+  // Writes with that many pieces; whether there were more than enough.
+  static bool attempt(long nPieces, const std::function<void(void *ptNode)> &write, const std::string &sLeft,
+                      const std::string &sWhole) {
+    const Xml xml(kEmpty);
+    test::clearLog();
+    nGRet = 0;
+    f_nLeft = nPieces;
+    write(xml.child());
+    const bool bEnough = f_nLeft > 0;
+    f_nLeft = -1;
+    EXPECT_EQ(xml.text(), nGRet == 0 ? sWhole : sLeft);
+    return bEnough;
   }
 };
 
@@ -138,9 +170,11 @@ TEST_F(NoHeap, ForABaseStringIsToldAndMakesNoElement) {
   sttEnd();
   for (long n = 0; n < 3; ++n) {
     test::clearLog();
+    const long nBefore = held();
     f_nLeft = n;
     EXPECT_EQ(sttGenVoid(f_record, nullptr, cs("p"), cs("String")), nullptr);
     f_nLeft = -1;
+    EXPECT_EQ(held(), nBefore) << n;
     EXPECT_EQ(logTexts(0), Texts{"psValue Generate Xml Node err!"}) << n;
   }
 }

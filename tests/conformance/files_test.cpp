@@ -1,6 +1,8 @@
 // Files of records that are cut, broken, too large, or in another character set: read as what they say or
 // refused with a trail that says where.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <string>
 #include <vector>
@@ -34,6 +36,7 @@ class Files : public test::BoundRecords {
   std::string m_sFile;
 };
 
+using AnyFile = Files;
 using CutFile = Files;
 using BrokenFile = Files;
 using CharacterSet = Files;
@@ -93,6 +96,19 @@ TEST_F(BrokenFile, MayHaveAnyName) {
   m_sFile = sFile;
   EXPECT_EQ(logTexts().at(0), refused("").at(0));
   EXPECT_EQ(logTexts().at(1).rfind("File[" + sFile + "] ", 0), 0U);
+}
+
+// As a server does that has closed its standard input.
+TEST_F(AnyFile, MayBeReadAsDescriptorZero) {
+  const int nSaved = dup(STDIN_FILENO);
+  close(STDIN_FILENO);
+  EXPECT_NE(read(kGood), nullptr);
+  EXPECT_EQ(logTexts(), Texts{});
+  EXPECT_EQ(fcntl(STDIN_FILENO, F_GETFD), -1) << "the file is closed again";
+  if (nSaved >= 0) {
+    dup2(nSaved, STDIN_FILENO);
+    close(nSaved);
+  }
 }
 
 // --- Character sets ----------------------------------------------------------------------------------------

@@ -197,7 +197,11 @@ TEST_F(MessageSection, TheNewestDefinitionOfANameIsFound) {
 TEST_F(MessageSection, EndForgetsTheRegistryAndBothFreeListsButNotTheLargestSize) {
   m_definitions.add("Order", {field("A"), field("B")});
   ASSERT_NE(m_definitions.load(), nullptr);
+  ValueList *const ptList = cvtGetValueList(2);
+  ASSERT_NE(cvtNewLoopValueList(ptList, 0, 1), nullptr);
+  EXPECT_EQ(cvtFreeValue(ptList), 0);
   ASSERT_NE(gptFreeValue, nullptr);
+  ASSERT_NE(gptLoopValue, nullptr);
   EXPECT_EQ(cvtFmtEnd(), 0);
   EXPECT_EQ(gptFmtGlobalInfo, nullptr);
   EXPECT_EQ(gptFreeValue, nullptr);
@@ -349,6 +353,7 @@ TEST_F(MessageSection, RefusesACapacityThatNoListCanHave) {
                                "number",
                                "cvt Message Get Args Err!!"}));
   EXPECT_EQ(m_definitions.load({}, "gnMaxLoop='134217728'"), nullptr);
+  EXPECT_NE(m_definitions.load({}, "gnMaxLoop='134217727'"), nullptr);
 }
 
 // --- The section's records

@@ -503,6 +503,18 @@ TEST_F(Sizing, AnOrdinaryListIsNotMadeOfASmallerLoopList) {
   EXPECT_EQ(gptLoopValue->nMax, 999);
 }
 
+TEST_F(Sizing, AnOrdinaryListThatWasFiledComesAlone) {
+  m_definitions.load({}, "gnMaxValue='999'");
+  ValueList *const ptList = cvtGetValueList(2);
+  cvtNewLoopValueList(ptList, 0, 1);
+  cvtNewLoopValueList(ptList, 0, 1);
+  cvtFreeValue(ptList);
+  EXPECT_EQ(count(gptLoopValue), 3);
+  while (gptFreeValue != nullptr) cvtGetValueList(1);
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(cvtGetValueList(1)->ptNext, nullptr);
+  EXPECT_EQ(gptLoopValue, nullptr);
+}
+
 TEST_F(Sizing, WithoutASectionALoopStillHoldsNineHundredNinetyNine) {
   gnMaxValueNum = 2;
   ValueList *const ptList = cvtGetValueList(2);
