@@ -282,6 +282,10 @@ TEST_F(Limits, ANumberEndsAtItsLengthAlsoInsideASign) {
   EXPECT_EQ(std::memcmp(zero, "1\0002", 4), 0);
 }
 
+TEST_F(Limits, ANumberOfNoLengthIsNotWrittenTo) {
+  EXPECT_EQ(cvtStrAntoi(cs("9"), 0), 0);  // these bytes are read-only
+}
+
 TEST_F(Limits, AKeyOfAMegabyteIsAKey) {
   const std::string key(1 << 20, 'k');
   const std::string other = key.substr(1);
