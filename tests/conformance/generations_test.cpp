@@ -140,6 +140,20 @@ TEST_F(Reload, WithoutTheRootPathItselfStaysAsideUntilItIsBack) {
   EXPECT_STREQ(cvtGetBasePath(), "new");
 }
 
+// Its name is taken for a directory then, where no root file is.
+TEST_F(Reload, LosesARootFileWhoseNameGoesOnBehindXml) {
+  config.root.sAttributes = "nReload=\"1\"";
+  config.writeRoot();
+  const std::string sFile = root() + "x";
+  std::filesystem::rename(root(), sFile);
+  ASSERT_EQ(config.start(), 0);
+  EXPECT_NE(gptAllInfo, nullptr);
+  std::filesystem::last_write_time(sFile,
+                                   std::filesystem::file_time_type::clock::now() + std::chrono::seconds(10));
+  EXPECT_EQ(cvtInitReload(), 0);
+  EXPECT_EQ(gptAllInfo, nullptr);
+}
+
 // --- A start that fails -------------------------------------------------------------------------------
 
 TEST_F(FailedStart, KeepsNameAndTimeOfTheRootFileThatWasLoadedLast) {

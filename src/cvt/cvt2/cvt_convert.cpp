@@ -15,11 +15,10 @@ using StringIndex = cvt::ListIndex<StringList, &StringList::psString>;
 StringIndex f_funcIndex;
 StringIndex f_cvtIndex;
 
-int NewCvtGlobalInfo() {
+void NewCvtGlobalInfo() {
   if (gptCvtGlobalInfo == nullptr) {
     gptCvtGlobalInfo = static_cast<CvtGlobalInfo *>(cvtMemMalloc(sizeof(CvtGlobalInfo)));
   }
-  return 0;
 }
 
 }  // namespace
