@@ -79,8 +79,9 @@ char *cvtStrDupMem(char *psStr, MemPort ptMemNode);
 /* Decodes base64 (RFC 4648 alphabet) of nInBufLen bytes. Line ends are skipped between groups of four only; a
  * group that nInBufLen cuts is read whole, so sInBuf must be readable up to its end.
  *   pnOutBufLen  in: capacity of sOutBuf in bytes, one at least; out: decoded length
- * Returns 0, or -1 with nothing touched when the capacity is below (nInBufLen / 4) * 3, or when a cut group does
- * not fit. The output is not zero-terminated; characters outside the alphabet are not reported. */
+ * Returns 0, or -1: with nothing touched when the capacity is below (nInBufLen / 4) * 3, with the groups before it
+ * when a cut group does not fit. The output is not zero-terminated; characters outside the alphabet are not
+ * reported. */
 int cvtStrDecodeBase64(char *sInBuf, int nInBufLen, char *sOutBuf, int *pnOutBufLen);
 
 /* Converts nInLen bytes between character sets by one iconv call.
