@@ -104,7 +104,9 @@ TEST_F(Values, OnlyTheUpperBoundOfARepetitionIsTested) {
 TEST_F(Values, ListsLieInTheConfigurationsMemoryAndNothingIsTakenForThoseThatComeBack) {
   NEEDS_PACKED_POOL();
   while (gptFreeValue != nullptr) cvtGetValueList(0);
-  const auto bytes = [](int nSlots) { return static_cast<int>(sizeof(ValueList) + nSlots * sizeof(Value)); };
+  const auto bytes = [](size_t nSlots) {
+    return static_cast<int>(sizeof(ValueList) + nSlots * sizeof(Value));
+  };
   int nBefore = handedOut();
   ValueList *const ptList = cvtGetValueList(1);
   EXPECT_EQ(handedOut() - nBefore, bytes(4));

@@ -19,8 +19,8 @@ class RecordOfAnotherType : public ConvertTest {
 
   struct Rule {
     ArgXml rule;
-    std::string sElement;  // that does not belong there
-    std::string sWanted;
+    const char *psElement;  // that does not belong there
+    const char *psWanted;
   };
 
   // Each rule, a converter's only one, loads and is told of; running it fails.
@@ -29,8 +29,8 @@ class RecordOfAnotherType : public ConvertTest {
     ASSERT_EQ(start(), 0) << testing::PrintToString(logTexts());
     EXPECT_EQ(logTexts().size(), rules.size());
     for (size_t i = 0; i < rules.size(); ++i) {
-      EXPECT_TRUE(logged(1, place("C" + std::to_string(i), rules[i].sElement) +
-                                ": it is not used: expected <" + rules[i].sWanted + "> as pInfo of <Arg>"))
+      EXPECT_TRUE(logged(1, place("C" + std::to_string(i), rules[i].psElement) +
+                                ": it is not used: expected <" + rules[i].psWanted + "> as pInfo of <Arg>"))
           << i << testing::PrintToString(logTexts());
     }
     const Level from = newMessage("In");
