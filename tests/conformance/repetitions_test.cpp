@@ -22,6 +22,8 @@ class Repetitions : public testing::Test {
     const test::Node pallets = test::loop("Pallets", {test::field("Pallet"), boxes});
     const test::Node trucks = test::loop("Trucks", {test::field("Truck"), pallets});
     config.file("msg/Freight.xml", test::definition("toy", "Freight", {test::field("Id"), trucks}));
+    const test::Node parts = test::loop("Parts", {test::field("Part")});
+    config.file("msg/Queue.xml", test::definition("toy", "Queue", {test::loop("Jobs", {parts})}));
     config.root.sAttributes = "nReload=\"1\"";
     config.writeRoot();
     ASSERT_EQ(config.start(), 0);
@@ -32,8 +34,8 @@ class Repetitions : public testing::Test {
     cvtEnd();
   }
 
-  InnerMessage *create() {
-    InnerMessage *const pt = cvtNewMessage(cs("Freight"), cs("02"), &nError);
+  InnerMessage *create(const char *psName = "Freight") {
+    InnerMessage *const pt = cvtNewMessage(cs(psName), cs("02"), &nError);
     EXPECT_NE(pt, nullptr);
     test::clearLog();
     return pt;
@@ -284,6 +286,18 @@ TEST_F(Name, OfALoopMayHaveMoreOrEmptyPartsInFrontAndAnyLetterCase) {
   EXPECT_EQ(set("any.Trucks.Pallets", 0), 0);
   EXPECT_EQ(cvtGetLoopCurrentTime(node("Pallets")), 0);
   EXPECT_TRUE(trail().empty());
+}
+
+TEST_F(Name, OfALoopMayBeTheFirstOfAMessageAndOfABody) {
+  EXPECT_EQ(cvtFreeMessage(ptMsg), 0);
+  ptMsg = create("Queue");
+  EXPECT_EQ(add("Jobs"), 0);
+  EXPECT_EQ(add("Jobs.Parts"), 0);
+  EXPECT_EQ(put("Parts.Part", "p"), 0);
+  EXPECT_EQ(set("Jobs", 0), 0);
+  EXPECT_EQ(set("Jobs.Parts", 0), 0);
+  EXPECT_EQ(count("Jobs.Parts"), 1);
+  EXPECT_EQ(bytes(), "[[p;];]");
 }
 
 TEST_F(Count, OfAnEmptyFieldIsZeroWhateverItIs) {
