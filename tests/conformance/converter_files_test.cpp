@@ -53,9 +53,8 @@ TEST_F(ConverterFile, NamesInAMappingInALoopAreTheBodys) {
 }
 
 TEST_F(ConverterFile, NamesInFunctionsCountsAndStatementsInALoopAreTheBodys) {
-  const ArgXml sql{9, "<Sql __ID='pInfo'>" + args("ptSqlList", {func("known", {src("Code")}), src("Parts")}) +
-                          args("ptFieldList", {dst("Name")}) + "</Sql>"};
-  convert("C", {loopRule(src("Items"), dst("Rows"), {sql, loopNum(src("Parts"))})});
+  const ArgXml lookUp = sql({func("known", {src("Code")}), src("Parts")}, {dst("Name")});
+  convert("C", {loopRule(src("Items"), dst("Rows"), {lookUp, loopNum(src("Parts"))})});
   ASSERT_EQ(start(), 0);
   const ::Arg *const ptRules = record<::Loop>(rules())->ptArgs;
   const auto *const ptSql = record<Sql>(ptRules);

@@ -293,8 +293,7 @@ class Maker {
       made.rule.to.push_back(to.op);
       fields.push_back(to.file);
     }
-    made.file = {9, "<Sql __ID='pInfo'>" + xml::args("ptSqlList", pieces) + xml::args("ptFieldList", fields) +
-                        "</Sql>"};
+    made.file = xml::sql(pieces, fields);
     return made;
   }
 

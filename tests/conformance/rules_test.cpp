@@ -289,9 +289,7 @@ INSTANTIATE_TEST_SUITE_P(
         Failing{"LoopsSource", loopRule(src("Items"), level(), {}), {"CvtLoop"}},
         Failing{"LoopsDestination", loopRule(level("Set"), dst("Rows"), {}), {"CvtLoop"}},
         Failing{"NewRepetition", loopRule(level(), dst("Rows"), {}), {"StructConvert", "CvtLoop"}},
-        Failing{"Piece",
-                {9, "<Sql __ID='pInfo'>" + args("ptSqlList", {level()}) + "</Sql>"},
-                {"GetValue", "CvtSql"}}),
+        Failing{"Piece", sql({level()}), {"GetValue", "CvtSql"}}),
     [](const auto &p) { return std::string(p.param.psName); });
 
 TEST_F(Nesting, RulesRunAgainAfterAFailure) {

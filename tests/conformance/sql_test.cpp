@@ -74,10 +74,6 @@ using test::cs;
 using test::Level;
 using test::newMessage;
 
-ArgXml sql(const Args &pieces, const Args &fields = {}) {
-  return {9, "<Sql __ID='pInfo'>" + args("ptSqlList", pieces) + args("ptFieldList", fields) + "</Sql>"};
-}
-
 bool liesIn(const char *ps, const MemNode *ptNode) {
   const MemBlock *const ptBlock = ptNode->ptHeadBlock;
   return ps >= ptBlock->psBuf && ps < ptBlock->psBuf + ptBlock->nMaxSize;

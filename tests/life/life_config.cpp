@@ -56,14 +56,10 @@ std::string invoiceDefinition() {
 // What the order's kind means is looked up, and what the order is worth is kept.
 test::xml::Args statements() {
   using namespace test::xml;
-  const auto sql = [](const Args &pieces, const Args &fields) -> ArgXml {
-    return {9, "<Sql __ID='pInfo'>" + args("ptSqlList", pieces) + args("ptFieldList", fields) + "</Sql>"};
-  };
   return {
       sql({value("select terms from kinds where kind = "), func("sqlQuote", {src("Kind")})}, {dst("Terms")}),
       sql({value("update audit set orders = orders + 1, cents = cents + cast(round(100 * "),
-           func("sqlNumber", {src("Total")}), value(") as integer)")},
-          {})};
+           func("sqlNumber", {src("Total")}), value(") as integer)")})};
 }
 
 std::string converter(int nGeneration) {

@@ -89,6 +89,9 @@ inline ArgXml loopRule(const ArgXml &from, const ArgXml &to, const Args &rules) 
   return {8, "<Loop __ID='pInfo'>" + args("ptSrcArgs", {from}) + args("ptDstArgs", {to}) +
                  args("ptArgs", rules) + "</Loop>"};
 }
+inline ArgXml sql(const Args &pieces, const Args &fields = {}) {
+  return {9, "<Sql __ID='pInfo'>" + args("ptSqlList", pieces) + args("ptFieldList", fields) + "</Sql>"};
+}
 inline ArgXml loopNum(const ArgXml &loop) {
   return {10, "<LoopGetNum __ID='pInfo'>" + args("ptLoop", {loop}) + "</LoopGetNum>"};
 }

@@ -473,9 +473,7 @@ TEST_F(ConverterRecords, EntriesOfAMappingAreAList) {
 }
 
 TEST_F(ConverterRecords, SqlAndLoopCountHoldTheirArguments) {
-  load({{9, "<Sql __ID='pInfo'>" + args("ptSqlList", {value("select "), src("City")}) +
-                args("ptFieldList", {dst("Key")}) + "</Sql>"},
-        loopNum(src("Items"))});
+  load({sql({value("select "), src("City")}, {dst("Key")}), loopNum(src("Items"))});
   EXPECT_EQ(position(record<Sql>(rule(1))->ptSqlList->ptNext), 2);
   EXPECT_EQ(position(record<Sql>(rule(1))->ptFieldList), 0);
   EXPECT_EQ(position(record<LoopGetNum>(rule(2))->ptLoop), 3);

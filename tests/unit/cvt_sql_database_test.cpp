@@ -29,10 +29,6 @@ int quote(Value *ptResult, int, Value **pptArgs, MemPort ptMemNode) {
   return cvtDumpValue(ptResult, s.data(), static_cast<int>(s.size()), ptMemNode);
 }
 
-ArgXml sql(const Args &pieces, const Args &fields = {}) {
-  return {9, "<Sql __ID='pInfo'>" + args("ptSqlList", pieces) + args("ptFieldList", fields) + "</Sql>"};
-}
-
 // Looks a customer up by name, and keeps that it did.
 class LookUp : public test::ConvertTest {
  protected:

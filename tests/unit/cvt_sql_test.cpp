@@ -92,10 +92,6 @@ class SqlRule : public test::ConvertTest {
     define("Out", {field("X"), field("Y"), field("Z"), loop("Rows", {field("Name")})});
   }
 
-  static ArgXml sql(const Args &pieces, const Args &fields = {}) {
-    return {9, "<Sql __ID='pInfo'>" + args("ptSqlList", pieces) + args("ptFieldList", fields) + "</Sql>"};
-  }
-
   // Converts one message by these rules; the log begins behind the start.
   int runRules(const Args &rules) {
     convert("C", rules);

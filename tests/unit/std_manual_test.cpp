@@ -46,10 +46,6 @@ class Joining : public test::StdTest {
     }
   }
 
-  static ArgXml sql(const Args &pieces, const Args &fields = {}) {
-    return {9, "<Sql __ID='pInfo'>" + args("ptSqlList", pieces) + args("ptFieldList", fields) + "</Sql>"};
-  }
-
   // Runs the rule; which statement that was is seen in the trace, and stands in the manual.
   std::string lookUp(const Args &pieces, const std::string &sCustomer) {
     load({sql(pieces, {dst("X")})});
