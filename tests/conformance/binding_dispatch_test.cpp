@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "binding_fixture.h"
 #include "config_tree.h"
 #include "cvt.h"
 #include "log_capture.h"
@@ -19,6 +20,7 @@ namespace {
 using test::ConfigTree;
 using test::cs;
 using test::logTexts;
+using test::untyped;
 using test::Xml;
 using Texts = std::vector<std::string>;
 
@@ -54,20 +56,8 @@ void *writesAndRaisesOne(void *, void *ptNode, char *, char *) {
   return ptNode;
 }
 
-template <class F>
-void *untyped(F *f) {
-  return reinterpret_cast<void *>(f);
-}
-
-class Binding : public testing::Test {
+class Binding : public test::EmptyBinding {
  protected:
-  void SetUp() override {
-    sttEnd();
-    nGRet = 0;
-    test::clearLog();
-  }
-  void TearDown() override { sttEnd(); }
-
   ConfigTree m_tree;
 };
 

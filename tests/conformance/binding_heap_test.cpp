@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "binding_fixture.h"
 #include "config_tree.h"
 #include "cvt.h"
 #include "log_capture.h"
@@ -19,6 +20,7 @@ namespace {
 
 using test::cs;
 using test::logTexts;
+using test::untyped;
 using test::Xml;
 using Texts = std::vector<std::string>;
 
@@ -73,11 +75,6 @@ void *readRecord(void *, char *) {
 }
 void *writeNothing(void *, void *ptNode, char *, char *) {
   return ptNode;
-}
-
-template <class F>
-void *untyped(F *f) {
-  return reinterpret_cast<void *>(f);
 }
 
 const char kEmpty[] = "<r><T/></r>";

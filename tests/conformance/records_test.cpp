@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "../unit/bound_records_config.h"
+#include "binding_fixture.h"
 #include "log_capture.h"
 #include "xml_text.h"
 
@@ -16,13 +17,9 @@ namespace {
 
 using test::cs;
 using test::logTexts;
+using test::untyped;
 using test::Xml;
 using Texts = std::vector<std::string>;
-
-template <class F>
-void *untyped(F *f) {
-  return reinterpret_cast<void *>(f);
-}
 
 using Make = test::BoundRecords;
 using Reading = test::BoundRecords;

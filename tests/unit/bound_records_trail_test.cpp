@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "binding_fixture.h"
 #include "bound_records_config.h"
 #include "log_capture.h"
 #include "xml_text.h"
@@ -13,13 +14,9 @@ namespace {
 
 using test::cs;
 using test::logTexts;
+using test::untyped;
 using test::Xml;
 using Texts = std::vector<std::string>;
-
-template <class F>
-void *untyped(F *f) {
-  return reinterpret_cast<void *>(f);
-}
 
 // --- Make steps --------------------------------------------------------------------------------------------
 

@@ -17,11 +17,7 @@
 
 #include "heap_use.h"
 #include "log_capture.h"
-#ifdef CVT2_ALIGN_POOL
-#define NEEDS_PACKED_POOL() GTEST_SKIP() << "this pool rounds its sizes: CVT2_ALIGN_POOL is set"
-#else
-#define NEEDS_PACKED_POOL() static_cast<void>(0)
-#endif
+#include "pool_use.h"
 
 namespace {
 

@@ -8,6 +8,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "binding_fixture.h"
 #include "config_tree.h"
 #include "log_capture.h"
 #include "stt.h"
@@ -18,28 +19,14 @@ namespace {
 using test::cs;
 using test::logTexts;
 using test::taken;
+using test::untyped;
 using test::Xml;
 using Texts = std::vector<std::string>;
 
-class SttField : public testing::Test {
- protected:
-  void SetUp() override {
-    sttEnd();
-    nGRet = 0;
-    test::clearLog();
-  }
-  void TearDown() override { sttEnd(); }
-};
-
-using SttAttribute = SttField;
-using SttStruct = SttField;
-using SttNext = SttField;
-using SttVoid = SttField;
-
-template <class F>
-void *untyped(F *f) {
-  return reinterpret_cast<void *>(f);
-}
+using SttAttribute = test::EmptyBinding;
+using SttStruct = test::EmptyBinding;
+using SttNext = test::EmptyBinding;
+using SttVoid = test::EmptyBinding;
 
 // --- Attributes --------------------------------------------------------------------------------------------
 

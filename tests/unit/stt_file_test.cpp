@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "binding_fixture.h"
 #include "config_tree.h"
 #include "log_capture.h"
 #include "stt.h"
@@ -18,6 +19,7 @@ namespace {
 using test::ConfigTree;
 using test::cs;
 using test::logTexts;
+using test::untyped;
 using Texts = std::vector<std::string>;
 
 // What a parse function was called with.
@@ -57,20 +59,12 @@ void *parseBadly(void *, char *) {
   return &f_record;
 }
 
-template <class F>
-void *untyped(F *f) {
-  return reinterpret_cast<void *>(f);
-}
-
-class SttFile : public testing::Test {
+class SttFile : public test::EmptyBinding {
  protected:
   void SetUp() override {
-    sttEnd();
-    nGRet = 0;
+    test::EmptyBinding::SetUp();
     f_calls.clear();
-    test::clearLog();
   }
-  void TearDown() override { sttEnd(); }
 
   ConfigTree m_tree;
 };

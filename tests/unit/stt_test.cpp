@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "binding_fixture.h"
 #include "config_tree.h"
 #include "log_capture.h"
 #include "stt.h"
@@ -74,15 +75,12 @@ void *parseFile2(char *, char *, void *) {
   return nullptr;
 }
 
-class Stt : public testing::Test {
+class Stt : public test::EmptyBinding {
  protected:
   void SetUp() override {
-    sttEnd();
-    nGRet = 0;
+    test::EmptyBinding::SetUp();
     f_calls.clear();
-    test::clearLog();
   }
-  void TearDown() override { sttEnd(); }
 };
 
 using SttRegistry = Stt;
