@@ -4,12 +4,12 @@
 #include "velutil.h"
 
 // Levels: 1 errors (and some progress lines), 5 trace.
-#define CVT_LOG(nLevel, ...) \
-  logInfo(nLevel, "$cvt2", __FILE_NAME__, __LINE__, static_cast<const char *>(__func__), __VA_ARGS__)
-#define CVT_ERR(...) CVT_LOG(1, __VA_ARGS__)
+#define CVT_LOG(nLevel, psFunction, ...) \
+  logInfo(nLevel, "$cvt2", __FILE_NAME__, __LINE__, psFunction, __VA_ARGS__)
 // An error that a helper found: the line is that of the function that was called.
-#define CVT_ERR_OF(psFunction, ...) logInfo(1, "$cvt2", __FILE_NAME__, __LINE__, psFunction, __VA_ARGS__)
-#define CVT_TRACE(...) CVT_LOG(5, __VA_ARGS__)
+#define CVT_ERR_OF(psFunction, ...) CVT_LOG(1, psFunction, __VA_ARGS__)
+#define CVT_ERR(...) CVT_ERR_OF(static_cast<const char *>(__func__), __VA_ARGS__)
+#define CVT_TRACE(...) CVT_LOG(5, static_cast<const char *>(__func__), __VA_ARGS__)
 
 // Leaves the function with `result` when the expression, or the assignment, yields null. What is logged is
 // the text of the expression itself: "[ptMsg] is NULL".
