@@ -9,7 +9,7 @@ cd "$(dirname "$0")/.."
 
 least_lines=95
 least_branches=90
-options=(--root . --object-directory "$build/src/cvt/cvt2" --filter 'src/cvt/cvt2/' --exclude-throw-branches
+options=(--root . --object-directory "$build" --filter 'src/cvt/cvt2/' --exclude-throw-branches
   --exclude-unreachable-branches)
 
 if [ "${2:-}" = --list ]; then
