@@ -93,6 +93,15 @@ TEST_F(LoopSide, DestinationIsLookedAtEvenWithoutRepetitions) {
   EXPECT_EQ(test::logTexts(), Texts{"Arg Type [3] err!!"});
 }
 
+TEST_F(LoopSide, ThatHasNoNameAsksForNoSetMode) {
+  load({});
+  EXPECT_EQ(runLoop(side(2, sttNewNode(2, nullptr)), side(3)), -1);
+  EXPECT_EQ(
+      test::logTexts(),
+      trail({"Arg Type [3] err!!", "Value Index[-1] < 0 or >= max [5] err!!", "[ptDstValueList] is NULL",
+             "Convert Loop[0/1] From[(null)] to [(null)]  convert err!!", "CVT_TYPE_LOOP Err!!"}));
+}
+
 TEST_F(LoopSide, DestinationThatIsNoNodeFailsSetMode) {
   load({});
   EXPECT_EQ(runLoop(setSide(), side(3)), -1);

@@ -154,6 +154,9 @@ TEST_F(Write, AFileHasTheNameThatWasGivenWhateverItLooksLike) {
 TEST_F(Write, AFileThatHasNoRoomGivesANegativeValue) {
   const Doc doc = parsed("<a/>");
   EXPECT_LT(xmlFileGenerate(cs("/dev/full"), doc.get()), 0);
+  const Doc large =
+      parsed("<a>" + std::string(1 << 16, 'x') + "</a>");  // more than is held back until the end
+  EXPECT_LT(xmlFileGenerate(cs("/dev/full"), large.get()), 0);
 }
 
 TEST_F(Write, ADocumentThatCannotBeWrittenLeavesTheOldFile) {

@@ -383,6 +383,19 @@ TEST_F(CopyRule, FailsAtTheFirstSlotThatTheSourceLacks) {
   EXPECT_TRUE(test::logged(1, "Src Msg Get Filed By Id[B)1] err!!"));
 }
 
+TEST_F(CopyRule, FailsWhereAListIsLongerThanItsRoom) {
+  runOnly({copy(src("A"), dst("X")), copy(src("B"), dst("Y"))});
+  ValueList *const ptCramped = cvtGetValueList(2);
+  const auto nRoom = ptCramped->nMax;
+  ptCramped->nMax = 1;
+  test::clearLog();
+  EXPECT_EQ(run("C", from, {ptCramped, nullptr, to.ptNode}), -1);
+  EXPECT_TRUE(test::logged(1, "Dst Msg Get Filed By Id[Y)1] err!!"));
+  EXPECT_EQ(run("C", {ptCramped, nullptr, nullptr}, to), -1);
+  EXPECT_TRUE(test::logged(1, "Src Msg Get Filed By Id[B)1] err!!"));
+  ptCramped->nMax = nRoom;
+}
+
 TEST_F(CopyRule, WithoutArgumentsFails) {
   EXPECT_EQ(runOnly({{6, "<Copy __ID='pInfo'/>"}}), -1);
   EXPECT_EQ(test::logTexts(1),
@@ -492,7 +505,10 @@ TEST_F(CaseRule, SlotThatHoldsALoopEqualsNothing) {
 
 TEST_F(CaseRule, ConstantWithALengthButNoBytesEqualsNothing) {
   const ArgXml broken{3, "<Value __ID='pInfo' nLen='1'/>"};
-  EXPECT_EQ(runOnly({cases({when({equal(src("A"), broken), equal(broken, broken)}, mark("equal"))})}), 0);
+  EXPECT_EQ(runOnly({cases({when({equal(src("A"), broken), equal(broken, broken), equal(broken, value("v")),
+                                  equal(value("v"), broken)},
+                                 mark("equal"))})}),
+            0);
   EXPECT_EQ(to.slot("X")->psValue, nullptr);
 }
 

@@ -495,7 +495,9 @@ TEST_F(Chain, ExceptionOfAStepEndsAtTheLibrary) {
 }
 
 TEST_F(Chain, OfPipelinesThatWereHungThereByHandRuns) {
-  gptFormatInfo = sttNewFormatInfo(cs("hand"), sttNewIdFunc(cs("one"), nullptr, nullptr), nullptr, nullptr);
+  FormatInfo *const ptHand =
+      sttNewFormatInfo(cs("hand"), sttNewIdFunc(cs("one"), nullptr, nullptr), nullptr, nullptr);
+  gptFormatInfo = sttNewFormatInfo(nullptr, nullptr, nullptr, ptHand);  // one without a name is passed over
   EXPECT_EQ(fucParse(cs("hand"), &a, nullptr), 0);
   EXPECT_EQ(called(), "1");
   EXPECT_EQ(fucParse(cs("other"), &a, nullptr), -1);

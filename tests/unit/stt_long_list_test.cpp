@@ -2,10 +2,13 @@
 // refused.
 #include <gtest/gtest.h>
 #include <pthread.h>
+#include <ucontext.h>
 
 #include <algorithm>
 #include <functional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "config_tree.h"
 #include "cvt.h"
@@ -39,6 +42,48 @@ void onSmallStack(std::function<void()> work) {
   ASSERT_EQ(pthread_create(&thread, &attributes, call, &work), 0);
   pthread_join(thread, nullptr);
   pthread_attr_destroy(&attributes);
+}
+
+// Runs it where hardly more than half of what is kept in reserve is left.
+void onShortStack(const std::function<void()> &work) {
+  onSmallStack([&] {
+    auto *const psUsed = static_cast<volatile char *>(__builtin_alloca(kSmallStack - 128 * 1024));
+    *psUsed = 0;
+    work();
+  });
+}
+
+std::function<void()> g_onOwnStack;
+
+// Runs it on a stack that the program has made for itself, as coroutines do.
+void onOwnStack(std::function<void()> work) {
+  g_onOwnStack = std::move(work);
+  std::vector<char> stack(kSmallStack);
+  ucontext_t own;
+  ucontext_t back;
+  ASSERT_EQ(getcontext(&own), 0);
+  own.uc_stack.ss_sp = stack.data();
+  own.uc_stack.ss_size = stack.size();
+  own.uc_link = &back;
+  makecontext(
+      &own, [] { g_onOwnStack(); }, 0);
+  ASSERT_EQ(swapcontext(&back, &own), 0);
+}
+
+// The element of a text; belongs to the document.
+struct Element {
+  explicit Element(const std::string &sText)
+      : ptDoc(xmlParse(cs(sText.c_str()), static_cast<int>(sText.size()))) {}
+  ~Element() { xmlDocFree(ptDoc); }
+  Element(const Element &) = delete;
+  Element &operator=(const Element &) = delete;
+  void *get() const { return xmlGetHeadNode(ptDoc); }
+
+  void *ptDoc;
+};
+
+std::string tooDeep(const std::string &sRecord) {
+  return "Record[" + sRecord + "]: the list or the nesting is too long for the stack: make it shorter";
 }
 
 template <class T>
@@ -136,7 +181,35 @@ TEST(SttLongList, OfReadersThatDescendThemselvesIsRefusedBeforeTheStackEnds) {
   });
   EXPECT_EQ(nGRet, -1);
   ASSERT_GT(test::logTexts().size(), 1U);
-  EXPECT_EQ(test::logTexts().front(),
-            "Record[PathList]: the list or the nesting is too long for the stack: make it shorter");
+  EXPECT_EQ(test::logTexts().front(), tooDeep("PathList"));
   EXPECT_EQ(test::logTexts()[1].rfind("File[" + tree.path("a.xml") + "] Line[", 0), 0U);
+}
+
+TEST(SttNesting, OfAFieldOfAnyTypeIsRefusedBeforeTheStackEnds) {
+  sttAddFuncVoid(sttParseVoidcvt_convert, sttGenVoidcvt_convert);
+  const Element arg("<Arg><Case __ID='pInfo'/></Arg>");
+  EXPECT_NE(sttParseXmlVoid(arg.get(), cs("pInfo")), nullptr);
+  test::clearLog();
+  nGRet = 0;
+  onShortStack([&] { EXPECT_EQ(sttParseXmlVoid(arg.get(), cs("pInfo")), nullptr); });
+  EXPECT_EQ(nGRet, -1);
+  EXPECT_EQ(test::logTexts(), std::vector<std::string>{tooDeep("Case")});
+  sttEnd();
+}
+
+TEST(SttNesting, OfARecordInARecordIsRefusedBeforeTheStackEnds) {
+  const Element list("<Case><Judge __ID='ptJudge'/></Case>");
+  EXPECT_NE(sttParseXmlCase(list.get(), cs("Case")), nullptr);
+  test::clearLog();
+  onShortStack([&] { EXPECT_EQ(sttParseXmlCase(list.get(), cs("Case")), nullptr); });
+  EXPECT_EQ(nGRet, -1);
+  ASSERT_FALSE(test::logTexts().empty());
+  EXPECT_EQ(test::logTexts().front(), tooDeep("Judge"));
+}
+
+TEST(SttNesting, OnAStackOfTheProgramsOwnIsRead) {
+  const Element list("<Case><Judge __ID='ptJudge'/></Case>");
+  test::clearLog();
+  onOwnStack([&] { EXPECT_NE(sttParseXmlCase(list.get(), cs("Case")), nullptr); });
+  EXPECT_TRUE(test::logTexts().empty());
 }
