@@ -8,7 +8,7 @@ namespace formats {
 class Heap : public FormatTest {
  protected:
   void SetUp() override {
-    if (HEAP_COUNT_WORKS == 0) GTEST_SKIP() << "the sanitizer's allocator stands before the counting one";
+    REQUIRE_HEAP_COUNT();
     FormatTest::SetUp();
   }
 

@@ -48,7 +48,7 @@ using PathHeap = Matrix;
 }  // namespace
 
 TEST_F(PathHeap, IsLeftAloneByASecondMessageLikeTheFirst) {
-  if (HEAP_COUNT_WORKS == 0) GTEST_SKIP() << "the sanitizer's allocator stands before the counting one";
+  REQUIRE_HEAP_COUNT();
   for (const Format *from : allFormats()) {
     for (const Format *to : allFormats()) {
       Path path(*from, *to);

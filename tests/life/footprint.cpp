@@ -1,6 +1,5 @@
 #include "footprint.h"
 
-#include <cstdlib>
 #include <filesystem>
 
 #include "heap_use.h"
@@ -8,11 +7,6 @@
 namespace life {
 
 namespace {
-
-// Under valgrind, which says so, the heap is its own.
-bool isWatched() {
-  return std::getenv("CVT2_LIFE_WATCHED") != nullptr;
-}
 
 // The descriptor of the listing itself does not count.
 int descriptors() {
@@ -28,10 +22,10 @@ long heapBound() {
 }
 
 bool measuresHeap() {
-  return !isWatched();
+  return test::heapIsMeasured();
 }
 bool measuresResident() {
-  return !isWatched() && TEST_SANITIZED == 0;
+  return !test::isWatched() && TEST_SANITIZED == 0;
 }
 
 Footprint footprint() {

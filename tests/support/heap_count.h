@@ -4,16 +4,7 @@
 
 #include <cstddef>
 
-#if defined(__has_feature)
-#define HEAP_COUNT_HAS_FEATURE(feature) __has_feature(feature)
-#else
-#define HEAP_COUNT_HAS_FEATURE(feature) 0
-#endif
-#if defined(__SANITIZE_ADDRESS__) || HEAP_COUNT_HAS_FEATURE(address_sanitizer)
-#define HEAP_COUNT_WORKS 0  // the sanitizer's allocator stands in the same place
-#else
-#define HEAP_COUNT_WORKS 1
-#endif
+#include "allocator.h"
 
 namespace test {
 inline long g_nAllocations = 0;
@@ -25,7 +16,7 @@ inline void countAllocation(size_t nSize) {
 }
 }  // namespace test
 
-#if HEAP_COUNT_WORKS
+#if !TEST_SANITIZED
 extern "C" {
 void *__libc_malloc(size_t);
 void *__libc_calloc(size_t, size_t);
@@ -47,7 +38,15 @@ __attribute__((visibility("default"))) void *realloc(void *p, size_t nSize) {
 
 namespace test {
 
-// Allocations while `work` runs. REQUIRES: HEAP_COUNT_WORKS.
+// Whether allocations arrive at the functions above; those of a sanitizer and of valgrind take their place.
+inline bool heapCountWorks() {
+  return TEST_SANITIZED == 0 && !isWatched();
+}
+// In a test or a fixture's SetUp that needs it.
+#define REQUIRE_HEAP_COUNT() \
+  if (!test::heapCountWorks()) GTEST_SKIP() << "another allocator stands before the counting one"
+
+// Allocations while `work` runs. REQUIRES: heapCountWorks().
 template <class Work>
 long allocations(Work work) {
   const long nBefore = g_nAllocations;
@@ -55,7 +54,7 @@ long allocations(Work work) {
   return g_nAllocations - nBefore;
 }
 
-// Bytes of the largest allocation while `work` runs. REQUIRES: HEAP_COUNT_WORKS.
+// Bytes of the largest allocation while `work` runs. REQUIRES: heapCountWorks().
 template <class Work>
 size_t largestAllocation(Work work) {
   g_nLargest = 0;

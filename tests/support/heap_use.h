@@ -6,21 +6,20 @@
 
 #include <fstream>
 
-#if defined(__has_feature)
-#define TEST_HAS_FEATURE(feature) __has_feature(feature)
-#else
-#define TEST_HAS_FEATURE(feature) 0
-#endif
-#if defined(__SANITIZE_ADDRESS__) || TEST_HAS_FEATURE(address_sanitizer)
-#define TEST_SANITIZED 1
+#include "allocator.h"
+
+#if TEST_SANITIZED
 extern "C" size_t __sanitizer_get_current_allocated_bytes();  // gcc has no header for it
-#else
-#define TEST_SANITIZED 0
 #endif
 
 namespace test {
 
-// In bytes, both.
+// Valgrind's allocator does not say what it has given out.
+inline bool heapIsMeasured() {
+  return !isWatched();
+}
+
+// In bytes, both. heapInUse REQUIRES: heapIsMeasured().
 inline long heapInUse() {
 #if TEST_SANITIZED
   return static_cast<long>(__sanitizer_get_current_allocated_bytes());

@@ -20,7 +20,7 @@ int last(Value *ptResult, int nArgs, Value **pptArgs, MemPort ptNode) {
 class HeapSilence : public test::ConvertTest {
  protected:
   void SetUp() override {
-    if (!HEAP_COUNT_WORKS) GTEST_SKIP() << "the sanitizer's allocator stands before the counting one";
+    REQUIRE_HEAP_COUNT();
     ConvertTest::SetUp();
     cvtConvertAddFunction(cs("last"), last);
     define("In", {field("A"), field("B"), loop("Items", {field("Code"), loop("Parts", {field("Part")})})});

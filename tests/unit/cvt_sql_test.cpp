@@ -168,7 +168,7 @@ INSTANTIATE_TEST_SUITE_P(AroundTheSteps, LongStatement,
                          testing::Values(998, 999, 1000, 1001, 1999, 2000, 2001, 2500, 3000, 30'000));
 
 TEST_F(Statement, BufferGrowsByThousandsWithRoomForTheZeroByte) {
-  if (!HEAP_COUNT_WORKS) GTEST_SKIP() << "the sanitizer's allocator stands before the counting one";
+  REQUIRE_HEAP_COUNT();
   for (const auto &[nLen, nBuffer] : {std::pair<size_t, size_t>(2500, 3000), {2999, 3000}, {3000, 4000}}) {
     const std::string sText(nLen, 'q');
     convert("C", {sql({value(sText)})});

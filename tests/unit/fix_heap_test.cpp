@@ -38,7 +38,7 @@ long allocationsOf(const char *psName, std::string sBytes) {
 }  // namespace
 
 TEST(FixHeap, IsSilentOnceWarm) {
-  if (!HEAP_COUNT_WORKS) GTEST_SKIP() << "the sanitizer's allocator stands before the counting one";
+  REQUIRE_HEAP_COUNT();
   FixConfig config;
   for (const char *psName : {"Order", "Accounts", "Groups"}) {
     config.file(std::string("msg/") + psName + ".xml", contentOf(kSamples + "Message/" + psName + ".xml"));

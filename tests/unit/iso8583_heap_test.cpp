@@ -37,7 +37,7 @@ long allocationsOf(const char *psName, const char *psFile) {
 }
 
 TEST(IsoHeap, IsSilentOnceWarm) {
-  if (!HEAP_COUNT_WORKS) GTEST_SKIP() << "the sanitizer's allocator stands before the counting one";
+  REQUIRE_HEAP_COUNT();
   IsoConfig config;
   for (const char *psName : {"Host", "Card", "CardTags", "Terminal", "Iso1987", "NetworkBcd"}) {
     config.file(std::string("msg/") + psName + ".xml",

@@ -13,7 +13,7 @@ using namespace test::json;
 class JsonHeap : public testing::Test {
  protected:
   void SetUp() override {
-    if (HEAP_COUNT_WORKS == 0) GTEST_SKIP() << "the sanitizer's allocator stands before the counting one";
+    REQUIRE_HEAP_COUNT();
     const std::vector<FormatNode> nodes = {
         field("Id", "psType=\"number\""),
         loop("Items", "", "",

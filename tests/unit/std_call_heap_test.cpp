@@ -24,7 +24,7 @@ class StdCallHeap : public testing::TestWithParam<const kit::Topic *> {
 };
 
 TEST_P(StdCallHeap, IsLeftAlone) {
-  if (!HEAP_COUNT_WORKS) GTEST_SKIP() << "the sanitizer's allocator stands before the counting one";
+  REQUIRE_HEAP_COUNT();
   functions::configure(nullptr);
   const kit::Topic &topic = *GetParam();
   for (size_t i = 0; i < topic.functions.size(); ++i) {

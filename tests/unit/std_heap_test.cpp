@@ -12,7 +12,7 @@ using test::cs;
 class StdHeap : public test::StdTest {
  protected:
   void SetUp() override {
-    if (!HEAP_COUNT_WORKS) GTEST_SKIP() << "the sanitizer's allocator stands before the counting one";
+    REQUIRE_HEAP_COUNT();
     StdTest::SetUp();
   }
 

@@ -13,7 +13,7 @@ using namespace test::xmldoc;
 class XmlHeap : public testing::Test {
  protected:
   void SetUp() override {
-    if (HEAP_COUNT_WORKS == 0) GTEST_SKIP() << "the sanitizer's allocator stands before the counting one";
+    REQUIRE_HEAP_COUNT();
     const std::vector<FormatNode> nodes = {
         field("Id", "psKind=\"attribute\""),
         loop("Items", "psName=\"item\"", "psWrapper=\"items\"",
