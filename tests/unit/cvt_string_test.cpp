@@ -95,7 +95,9 @@ TEST_F(Base64, AFillCharacterInTheThirdPlaceAloneShortensByOne) {
 }
 
 TEST_F(Base64, LineEndsInsideAGroupAreNotSkipped) {
-  EXPECT_EQ(decoded("QU\nJDREVG").size(), 9U);  // "QU\nJ", "DREV", and what stands at "G"
+  const Decoded result = decode("QU\nJDREVG...", 9, 9);  // "QU\nJ", "DREV", and what stands at "G"
+  EXPECT_EQ(result.nResult, 0);
+  EXPECT_EQ(result.nLen, 9);
 }
 
 TEST_F(Base64, APartialGroupIsDecodedFromTheFourBytesThatStandThere) {
