@@ -14,11 +14,13 @@
 #include "cvt.h"
 #include "log_capture.h"
 #include "seen.h"
+#include "xml_text.h"
 
 namespace {
 
 using test::ConfigTree;
 using test::cs;
+using test::Xml;
 
 constexpr int kRecords = 20000;
 constexpr size_t kSmallStack = 384 * 1024;  // hardly more than what is kept in reserve
@@ -70,18 +72,6 @@ void onOwnStack(std::function<void()> work) {
       &own, [] { g_onOwnStack(); }, 0);
   ASSERT_EQ(swapcontext(&back, &own), 0);
 }
-
-// The element of a text; belongs to the document.
-struct Element {
-  explicit Element(const std::string &sText)
-      : ptDoc(xmlParse(cs(sText.c_str()), static_cast<int>(sText.size()))) {}
-  ~Element() { xmlDocFree(ptDoc); }
-  Element(const Element &) = delete;
-  Element &operator=(const Element &) = delete;
-  void *get() const { return xmlGetHeadNode(ptDoc); }
-
-  void *ptDoc;
-};
 
 std::string tooDeep(const std::string &sRecord) {
   return "Record[" + sRecord + "]: the list or the nesting is too long for the stack: make it shorter";
@@ -188,29 +178,29 @@ TEST(SttLongList, OfReadersThatDescendThemselvesIsRefusedBeforeTheStackEnds) {
 
 TEST(SttNesting, OfAFieldOfAnyTypeIsRefusedBeforeTheStackEnds) {
   sttAddFuncVoid(sttParseVoidcvt_convert, sttGenVoidcvt_convert);
-  const Element arg("<Arg><Case __ID='pInfo'/></Arg>");
-  EXPECT_NE(sttParseXmlVoid(arg.get(), cs("pInfo")), nullptr);
+  const Xml arg("<Arg><Case __ID='pInfo'/></Arg>");
+  EXPECT_NE(sttParseXmlVoid(arg.root(), cs("pInfo")), nullptr);
   test::clearLog();
   nGRet = 0;
-  onShortStack([&] { EXPECT_EQ(sttParseXmlVoid(arg.get(), cs("pInfo")), nullptr); });
+  onShortStack([&] { EXPECT_EQ(sttParseXmlVoid(arg.root(), cs("pInfo")), nullptr); });
   EXPECT_EQ(nGRet, -1);
   EXPECT_EQ(test::logTexts(), std::vector<std::string>{tooDeep("Case")});
   sttEnd();
 }
 
 TEST(SttNesting, OfARecordInARecordIsRefusedBeforeTheStackEnds) {
-  const Element list("<Case><Judge __ID='ptJudge'/></Case>");
-  EXPECT_NE(sttParseXmlCase(list.get(), cs("Case")), nullptr);
+  const Xml list("<Case><Judge __ID='ptJudge'/></Case>");
+  EXPECT_NE(sttParseXmlCase(list.root(), cs("Case")), nullptr);
   test::clearLog();
-  onShortStack([&] { EXPECT_EQ(sttParseXmlCase(list.get(), cs("Case")), nullptr); });
+  onShortStack([&] { EXPECT_EQ(sttParseXmlCase(list.root(), cs("Case")), nullptr); });
   EXPECT_EQ(nGRet, -1);
   ASSERT_FALSE(test::logTexts().empty());
   EXPECT_EQ(test::logTexts().front(), tooDeep("Judge"));
 }
 
 TEST(SttNesting, OnAStackOfTheProgramsOwnIsRead) {
-  const Element list("<Case><Judge __ID='ptJudge'/></Case>");
+  const Xml list("<Case><Judge __ID='ptJudge'/></Case>");
   test::clearLog();
-  onOwnStack([&] { EXPECT_NE(sttParseXmlCase(list.get(), cs("Case")), nullptr); });
+  onOwnStack([&] { EXPECT_NE(sttParseXmlCase(list.root(), cs("Case")), nullptr); });
   EXPECT_TRUE(test::logTexts().empty());
 }
