@@ -1,12 +1,14 @@
 #!/usr/bin/env bash
-# fuzz.sh BUILD [--seconds N | --whole] [--resume] [--keep] [TARGET...]: fuzzes the targets of a build with libFuzzer,
-# all without a name, as many at a time as there are processors.
+# fuzz.sh BUILD [--seconds N | --whole] [--minutes N] [--resume] [--keep] [TARGET...]: fuzzes the targets of a build with
+# libFuzzer, all without a name, as many at a time as there are processors.
 #
 # Without --seconds a target runs until it has had 10 million inputs, or found nothing new for 10 minutes; with --whole
-# it always has 10 million. --resume goes on after an interruption, with what the targets had since they were built; of
-# one that came to its end, only the result is told again. --keep then puts the smallest inputs that cover what was
-# covered into corpus/. Ends with 1 when an input was found that crashes, leaks, takes more than a second or more than
-# 512 MB; such inputs stay in BUILD/fuzz/found.
+# it always has 10 million. --minutes ends all of it after that time; --resume goes on then: of a target that came to
+# its end with these sources, in this build or in the report of the long test, only the result is told again. --keep
+# puts the smallest inputs that cover what was covered into corpus/.
+#
+# Ends with 1 when an input was found that crashes, leaks, takes more than a second or more than 512 MB; such inputs
+# stay in BUILD/fuzz/found. Otherwise with 3 when a target has not come to its end.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 project=$(dirname "$here")
@@ -15,30 +17,43 @@ most_executions=10000000
 most_idle_seconds=600
 kept_bytes=49152 # of each target's corpus
 
+# What the targets are made of.
+sources=(CMakeLists.txt CMakePresets.json cmake src fuzz 'tests/support/config_tree.*' 'tests/support/toy_config.*'
+  ':!fuzz/corpus' ':!fuzz/fuzz.sh' ':!*.md')
+
 fail() {
   echo "fuzz.sh: $*" >&2
   exit 2
 }
 
-build=$(realpath "${1:?usage: fuzz.sh BUILD [--seconds N | --whole] [--resume] [--keep] [TARGET...]}")
+# number OPTION VALUE
+number() { [[ $2 =~ ^[1-9][0-9]*$ ]] || fail "$1: expected a number, found '$2'"; }
+
+build=$(realpath "${1:?usage: fuzz.sh BUILD [--seconds N | --whole] [--minutes N] [--resume] [--keep] [TARGET...]}")
 shift
 [ -f "$build/fuzz/targets.txt" ] || fail "$build holds no fuzz targets; build it with the preset fuzz"
 seconds=0
 whole=false
+deadline=
 keep=false
 resume=false
 names=()
 while [ $# -gt 0 ]; do
   case $1 in
     --seconds)
-      [[ ${2:-} =~ ^[1-9][0-9]*$ ]] || fail "--seconds: expected a number of seconds, found '${2:-}'"
+      number "$1" "${2:-}"
       seconds=$2
+      shift
+      ;;
+    --minutes)
+      number "$1" "${2:-}"
+      deadline=$((SECONDS + 60 * $2))
       shift
       ;;
     --whole) whole=true ;;
     --resume) resume=true ;;
     --keep) keep=true ;;
-    -*) fail "expected --seconds, --whole, --resume, --keep or the name of a target, found '$1'" ;;
+    -*) fail "expected --seconds, --whole, --minutes, --resume, --keep or the name of a target, found '$1'" ;;
     *) names+=("$1") ;;
   esac
   shift
@@ -65,18 +80,42 @@ last_new() { awk '/ cov: / { for (i = 1; i < NF; i++)
   END { print substr(at, 2) + 0 }' "$1"; }
 stat_of() { awk -v name="stat::$1:" '$1 == name { n = $2 } END { print n + 0 }' "$2"; }
 
-# run_once TARGET RUNS SECONDS LENGTH DICTIONARY SEED...: one run of libFuzzer into the log.
+# run_once TARGET RUNS LENGTH DICTIONARY SEED...: one run of libFuzzer into the log.
 run_once() {
-  local target=$1 runs=$2 limit=$3 length=$4 dictionary=$5 seed
-  shift 5
-  local options=(-runs="$runs" -max_total_time="$limit" -max_len="$length" -timeout=1 -rss_limit_mb=512 -print_final_stats=1
+  local target=$1 runs=$2 length=$3 dictionary=$4 seed
+  shift 4
+  local options=(-runs="$runs" -max_len="$length" -timeout=1 -rss_limit_mb=512 -print_final_stats=1
     -artifact_prefix="$found/$target-")
+  [ "$seconds" -eq 0 ] || options+=(-max_total_time="$seconds")
   [ -z "$dictionary" ] || options+=(-dict="$here/dictionaries/$dictionary.dict")
   mkdir -p "$work/$target" "$here/corpus/$target"
   local folders=("$work/$target" "$here/corpus/$target")
   for seed in "$@"; do folders+=("$project/$seed"); done
-  nice "$build/bin/fuzz_$target" "${options[@]}" "${folders[@]}" >"$work/$target.log" 2>&1
+  : >"$work/$target.log"
+  nice "$build/bin/fuzz_$target" "${options[@]}" "${folders[@]}" >"$work/$target.log" 2>&1 &
+  local process=$!
+  watch "$process" "$work/$target.log"
+  wait "$process"
 }
+
+# watch PID LOG: until it ends; asks it to when it found nothing new for long enough, or the time is up. Sets idle, the
+# seconds since it last found something.
+watch() {
+  local now most=0 since=$SECONDS
+  while kill -0 "$1" 2>/dev/null; do
+    sleep 1
+    read -r _ now < <(edges "$2")
+    if [ "$now" -gt "$most" ]; then
+      most=$now
+      since=$SECONDS
+    fi
+    idle=$((SECONDS - since))
+    [ "$most" -gt 0 ] || continue
+    if is_late || is_idle; then kill -USR1 "$1" 2>/dev/null || :; fi
+  done
+}
+is_late() { [ -n "$deadline" ] && [ "$SECONDS" -ge "$deadline" ]; }
+is_idle() { [ "$seconds" -eq 0 ] && ! $whole && [ "$idle" -ge "$most_idle_seconds" ]; }
 
 # only_waited TARGET: whether all that was found are inputs that took long because the machine was busy. These are
 # removed; only an input that takes more than a second again does so by itself.
@@ -89,47 +128,55 @@ only_waited() {
   done
 }
 
-# fresh TARGET ended|so_far: whether it noted that since it was built, and since the library was.
-fresh() {
-  [ -f "$work/$1.$2" ] || return 1
-  [ -z "$(find "$build/bin/fuzz_$1" "$build"/lib/*.so -newer "$work/$1.$2")" ]
+# ended TARGET: its result, if it came to its end with these sources.
+ended() {
+  local line
+  while read -r line; do
+    if has_sources "${line##* }"; then
+      echo "$line"
+      return
+    fi
+  done < <(
+    cat "$work/$1.result" 2>/dev/null
+    sed -n "s/^| \(fuzz\.$1\) | \(.*\) |\$/RESULT \1: \2/p" "$project/tests/results.md"
+  )
+  return 1
+}
+# has_sources COMMIT
+has_sources() {
+  [[ $1 =~ ^[0-9a-f]{7,}$ ]] && git -C "$project" diff --quiet "$1" -- "${sources[@]}" 2>/dev/null
 }
 
 # fuzz TARGET LENGTH DICTIONARY SEED...
 fuzz() {
-  local target=$1 executions=0 passed=0 first=-1 last=0 started code=0 waited before after
+  local target=$1 executions=0 passed=0 first=-1 last=0 started code before after idle outcome
   shift
-  local log=$work/$target.log so_far=$work/$target.so_far
-  if $resume && fresh "$target" so_far; then read -r executions passed first last <"$so_far"; fi
+  local log=$work/$target.log
   while :; do
     started=$SECONDS
-    if [ "$seconds" -gt 0 ]; then
-      run_once "$target" -1 "$seconds" "$@" || code=$?
-    else
-      run_once "$target" $((most_executions - executions)) "$most_idle_seconds" "$@" || code=$?
-    fi
-    waited=false
-    if [ "$code" -ne 0 ] && only_waited "$target"; then
-      waited=true
-      code=0
-    fi
+    code=0
+    run_once "$target" $((most_executions - executions)) "$@" || code=$?
     passed=$((passed + SECONDS - started))
     read -r before after < <(edges "$log")
     [ "$after" -le "$before" ] || last=$((executions + $(last_new "$log")))
     executions=$((executions + $(stat_of number_of_executed_units "$log")))
     [ "$first" -ge 0 ] || first=$before
-    [ "$code" -eq 0 ] && [ "$seconds" -eq 0 ] || break
+    [ "$code" -ne 0 ] && only_waited "$target" || break
+    code=0
     [ "$executions" -lt "$most_executions" ] || break
-    $whole || $waited || [ "$after" -gt "$before" ] || break
-    echo "$executions $passed $first $last" >"$so_far"
   done
-  rm -f "$so_far"
+  if [ "$code" -ne 0 ]; then
+    outcome="FOUND, see $log"
+    code=1
+  elif [ "$executions" -ge "$most_executions" ] || is_idle; then
+    outcome="nothing found at $("$project/tests/commit.sh")"
+  else
+    outcome="nothing found so far"
+    [ "$seconds" -gt 0 ] || code=3
+  fi
   echo "RESULT fuzz.$target: $executions executions in $passed s, edges $first -> $after," \
-    "the last new one at $last, at most $(stat_of slowest_unit_time_sec "$log") s" \
-    "and $(stat_of peak_rss_mb "$log") MB," \
-    "$([ "$code" -eq 0 ] && echo "nothing found" || echo "FOUND, see $log")" >"$work/$target.result"
-  cat "$work/$target.result"
-  if [ "$code" -eq 0 ] && [ "$seconds" -eq 0 ]; then cp "$work/$target.result" "$work/$target.ended"; fi
+    "the last new one at execution $last, $idle s before the end, at most $(stat_of slowest_unit_time_sec "$log") s" \
+    "and $(stat_of peak_rss_mb "$log") MB, $outcome" | tee "$work/$target.result"
   return "$code"
 }
 
@@ -158,16 +205,25 @@ minimise() {
 # run_target TARGET
 run_target() {
   local length dictionary seeds code=0
-  if $resume && fresh "$1" ended; then
-    cat "$work/$1.ended"
-    return
+  if $resume && ended "$1"; then return; fi
+  if is_late; then
+    echo "RESULT fuzz.$1: not begun"
+    return 3
   fi
   IFS='|' read -r _ length dictionary seeds < <(grep "^$1|" "$build/fuzz/targets.txt")
   # shellcheck disable=SC2086 # the seeds are words
-  fuzz "$1" "$length" "$dictionary" $seeds || code=1
+  fuzz "$1" "$length" "$dictionary" $seeds || code=$?
   # shellcheck disable=SC2086
   if $keep; then minimise "$1" "$length" "$dictionary" $seeds; fi
   return $code
+}
+
+# finish: waits for one target. What is found counts more than what is not at its end.
+finish() {
+  local code=0
+  wait -n || code=$?
+  [ "$code" -eq 0 ] || [ "$status" -eq 1 ] || status=$code
+  running=$((running - 1))
 }
 
 for name in "${names[@]}"; do
@@ -177,15 +233,9 @@ done
 status=0
 running=0
 for name in "${names[@]}"; do
-  if [ "$running" -ge "$(nproc)" ]; then
-    wait -n || status=1
-    running=$((running - 1))
-  fi
+  [ "$running" -lt "$(nproc)" ] || finish
   run_target "$name" &
   running=$((running + 1))
 done
-while [ "$running" -gt 0 ]; do
-  wait -n || status=1
-  running=$((running - 1))
-done
+while [ "$running" -gt 0 ]; do finish; done
 exit $status

@@ -1,41 +1,49 @@
 #!/usr/bin/env bash
-# The long test: every stage, or those named, then tests/results.md with what they measured. A stage that fails does
-# not keep the others from running.
+# The long test: every stage, or those named, each told in tests/results.md as soon as it ends. A stage that fails does
+# not keep the others from running. With --minutes fuzzing ends after that time, and goes on in the next run.
 #
-#   long.sh [STAGE...]
+#   long.sh [--minutes N] [STAGE...]
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 stages=(release debug aligned coverage gcc-o3 clang-o0 clang-o2 clang-o3 valgrind lint fuzz mutation)
 results=build/results
+fuzz_options=()
 
-commit() {
-  local changes=
-  [ -z "$(git status --porcelain --untracked-files=no -- . ':!tests/results.md')" ] || changes=' with changes'
-  echo "$(git rev-parse --short HEAD)$changes"
-}
-
-# run_stage NAME: runs it and keeps its output and its figures; 1 when it failed.
+# run_stage NAME: runs it, keeps its output and tells its figures; 1 when it did not pass.
 run_stage() {
-  local outcome=passed begun=$SECONDS at
-  at=$(commit)
-  ./run stage "$1" </dev/null 2>&1 | tee "$results/$1.log" || outcome=FAILED
+  local outcome=passed begun=$SECONDS at code=0 options=()
+  [ "$1" != fuzz ] || options=("${fuzz_options[@]}")
+  at=$(tests/commit.sh)
+  ./run stage "$1" "${options[@]}" </dev/null 2>&1 | tee "$results/$1.log" || code=$?
+  case $code in
+    0) ;;
+    3) outcome=unfinished ;;
+    *) outcome=FAILED ;;
+  esac
   {
     echo "$outcome|$at|$(date '+%Y-%m-%d %H:%M')|$((SECONDS - begun))"
+    echo "RESULT machine: $(tests/machine.sh)"
     grep -a '^RESULT ' "$results/$1.log" || :
   } >"$results/$1.txt"
+  tests/results.sh tests/results.md "$results" "${stages[@]}" >"$results/report.md"
+  mv "$results/report.md" tests/results.md
   [ "$outcome" = passed ]
 }
 
+if [ "${1:-}" = --minutes ]; then
+  fuzz_options=(--minutes "${2:-}")
+  shift "$(($# < 2 ? $# : 2))"
+fi
 mkdir -p "$results"
+rm -f "$results"/*.txt # what earlier runs measured stands in the report
 failed=()
 [ $# -gt 0 ] || set -- "${stages[@]}"
 for stage in "$@"; do
   printf '\n==== %s\n' "$stage"
   run_stage "$stage" || failed+=("$stage")
 done
-tests/results.sh "$results" "${stages[@]}" >tests/results.md
 [ ${#failed[@]} -eq 0 ] || {
-  echo "long.sh: failed: ${failed[*]}; what they wrote is in $results" >&2
+  echo "long.sh: not passed: ${failed[*]}; what they wrote is in $results" >&2
   exit 1
 }

@@ -1,41 +1,46 @@
 #!/usr/bin/env bash
-# Writes the report of the long test from what its stages left.
+# Writes the report of the long test anew: of a stage that the folder has, NAME.txt, what it left there; of another,
+# what the report had.
 #
-#   results.sh RESULTS_FOLDER STAGE...
-set -eu
-results=${1:?usage: results.sh RESULTS_FOLDER STAGE...}
-shift
+#   results.sh REPORT FOLDER STAGE...
+set -euo pipefail
+report=${1:?usage: results.sh REPORT FOLDER STAGE...}
+results=${2:?usage: results.sh REPORT FOLDER STAGE...}
+shift 2
 
-processor=$(sed -n 's/^model name[^:]*: *//p' /proc/cpuinfo | head -n 1)
-memory=$(awk '/^MemTotal/ { printf "%.0f GiB", $2 / 1048576 }' /proc/meminfo)
-system=$(sed -n 's/^PRETTY_NAME="\(.*\)"/\1/p' /etc/os-release)
+# row STAGE: its line of the report's first table.
+row() {
+  if [ -f "$results/$1.txt" ]; then
+    IFS='|' read -r outcome commit ended seconds <"$results/$1.txt"
+    echo "| [$1](#$1) | $outcome | $commit | $ended | $seconds |"
+  else
+    grep -F "| [$1](#$1) |" "$report" || echo "| $1 | not run | | | |"
+  fi
+}
+
+# section STAGE: its figures.
+section() {
+  if [ -f "$results/$1.txt" ]; then
+    printf '\n## %s\n\n' "$1"
+    grep -q '^RESULT ' "$results/$1.txt" || {
+      echo "No figures."
+      return
+    }
+    printf '| | |\n|---|---|\n'
+    sed -n 's/|/\\|/g; s/^RESULT \([^:]*\): *\(.*\)/| \1 | \2 |/p' "$results/$1.txt"
+  else
+    awk -v title="## $1" '/^## / { on = $0 == title; if (on) print "" } on && NF { print; if ($0 == title) print "" }' \
+      "$report"
+  fi
+}
 
 cat <<TXT
 # Test results
 
 Measured and written by \`./run test --long\`. [CONTRIBUTING.md](../CONTRIBUTING.md#grades) says what the stages are.
 
-Written $(date '+%Y-%m-%d %H:%M') on $system, $(uname -sr), $(nproc) x $processor, $memory.
-
 | stage | outcome | commit | ended | seconds |
 |---|---|---|---|---:|
 TXT
-for stage in "$@"; do
-  if [ -f "$results/$stage.txt" ]; then
-    IFS='|' read -r outcome commit ended seconds <"$results/$stage.txt"
-    echo "| [$stage](#$stage) | $outcome | $commit | $ended | $seconds |"
-  else
-    echo "| $stage | not run | | | |"
-  fi
-done
-
-for stage in "$@"; do
-  [ -f "$results/$stage.txt" ] || continue
-  printf '\n## %s\n\n' "$stage"
-  grep -q '^RESULT ' "$results/$stage.txt" || {
-    echo "No figures."
-    continue
-  }
-  printf '| | |\n|---|---|\n'
-  sed -n 's/|/\\|/g; s/^RESULT \([^:]*\): *\(.*\)/| \1 | \2 |/p' "$results/$stage.txt"
-done
+for stage in "$@"; do row "$stage"; done
+for stage in "$@"; do section "$stage"; done
