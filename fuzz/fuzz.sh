@@ -15,6 +15,7 @@ project=$(dirname "$here")
 
 most_executions=10000000
 most_idle_seconds=600
+poll_seconds=1
 kept_bytes=49152 # of each target's corpus
 
 # What the targets are made of.
@@ -63,9 +64,17 @@ done
 found=$build/fuzz/found
 work=$build/fuzz/work
 mkdir -p "$found" "$work"
+# stop: ends what still runs, before what it needs is gone.
+stop() {
+  local running
+  mapfile -t running < <(jobs -p)
+  [ ${#running[@]} -eq 0 ] || kill "${running[@]}" 2>/dev/null || :
+  wait
+  rm -rf "$scratch"
+}
 # Configuration trees are written for each input: in memory where that can be.
 scratch=$(mktemp -d -p "$([ -w /dev/shm ] && echo /dev/shm || echo "${TMPDIR:-/tmp}")" cvt2-fuzz-XXXXXX)
-trap 'rm -rf "$scratch"' EXIT
+trap stop EXIT
 export TMPDIR=$scratch
 export LD_LIBRARY_PATH=$build/lib
 # Short stacks and a small quarantine: a third more inputs a second. An input that is found is looked at without these.
@@ -94,6 +103,7 @@ run_once() {
   : >"$work/$target.log"
   nice "$build/bin/fuzz_$target" "${options[@]}" "${folders[@]}" >"$work/$target.log" 2>&1 &
   local process=$!
+  trap 'kill -KILL "$process"; wait "$process" 2>/dev/null || exit 143' TERM
   watch "$process" "$work/$target.log"
   wait "$process"
 }
@@ -103,7 +113,7 @@ run_once() {
 watch() {
   local now most=0 since=$SECONDS
   while kill -0 "$1" 2>/dev/null; do
-    sleep 1
+    sleep "$poll_seconds"
     read -r _ now < <(edges "$2")
     if [ "$now" -gt "$most" ]; then
       most=$now
@@ -137,7 +147,7 @@ ended() {
       return
     fi
   done < <(
-    cat "$work/$1.result" 2>/dev/null
+    [ ! -f "$work/$1.result" ] || cat "$work/$1.result"
     sed -n "s/^| \(fuzz\.$1\) | \(.*\) |\$/RESULT \1: \2/p" "$project/tests/results.md"
   )
   return 1
@@ -169,7 +179,7 @@ fuzz() {
     outcome="FOUND, see $log"
     code=1
   elif [ "$executions" -ge "$most_executions" ] || is_idle; then
-    outcome="nothing found at $("$project/tests/commit.sh")"
+    outcome="nothing found at $("$project/tests/long/commit.sh")"
   else
     outcome="nothing found so far"
     [ "$seconds" -gt 0 ] || code=3

@@ -4,7 +4,7 @@
 #
 #   long.sh [--minutes N] [STAGE...]
 set -euo pipefail
-cd "$(dirname "$0")/.."
+cd "$(dirname "$0")/../.."
 
 stages=(release debug aligned coverage gcc-o3 clang-o0 clang-o2 clang-o3 valgrind lint fuzz mutation)
 results=build/results
@@ -14,7 +14,7 @@ fuzz_options=()
 run_stage() {
   local outcome=passed begun=$SECONDS at code=0 options=()
   [ "$1" != fuzz ] || options=("${fuzz_options[@]}")
-  at=$(tests/commit.sh)
+  at=$(tests/long/commit.sh)
   ./run stage "$1" "${options[@]}" </dev/null 2>&1 | tee "$results/$1.log" || code=$?
   case $code in
     0) ;;
@@ -23,10 +23,10 @@ run_stage() {
   esac
   {
     echo "$outcome|$at|$(date '+%Y-%m-%d %H:%M')|$((SECONDS - begun))"
-    echo "RESULT machine: $(tests/machine.sh)"
+    echo "RESULT machine: $(tests/long/machine.sh)"
     grep -a '^RESULT ' "$results/$1.log" || :
   } >"$results/$1.txt"
-  tests/results.sh tests/results.md "$results" "${stages[@]}" >"$results/report.md"
+  tests/long/results.sh tests/results.md "$results" "${stages[@]}" >"$results/report.md"
   mv "$results/report.md" tests/results.md
   [ "$outcome" = passed ]
 }
