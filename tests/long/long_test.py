@@ -1,17 +1,10 @@
 #!/usr/bin/env python3
-"""Whether the long test reports what its stages did, in a small repository with stages that are made up.
-
-Exit status 77 without git.
-"""
-import pathlib
+"""Whether the long test reports what its stages did, with stages that are made up. Exit status 77 without git."""
 import re
 import shutil
 import subprocess
-import sys
-import tempfile
-import unittest
 
-SCRIPTS = pathlib.Path(__file__).resolve().parent
+import repository
 
 # Stands where the project's `run` stands: says with what it was called, does what the file of the stage's name says.
 RUN = """#!/usr/bin/env bash
@@ -20,29 +13,16 @@ echo "$*" >>calls
 """
 
 
-class LongTest(unittest.TestCase):
+class LongTest(repository.RepositoryTest):
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.root = pathlib.Path(folder.name)
-        shutil.copytree(SCRIPTS, self.root / "tests/long")
-        (self.root / "run").write_text(RUN, encoding="utf-8")
-        (self.root / "run").chmod(0o755)
-        (self.root / ".gitignore").write_text("build\ncalls\n*.stage\n", encoding="utf-8")
-        self.git("init", "-q")
-        self.commit()
-
-    def git(self, *words):
-        names = ["-c", "user.name=test", "-c", "user.email=test@localhost"]
-        return subprocess.run(["git", *names, *words], cwd=self.root, check=True, capture_output=True, text=True).stdout
-
-    def commit(self):
-        self.git("add", "-A")
-        self.git("commit", "-q", "--allow-empty", "-m", "a state")
-        return self.git("rev-parse", "--short", "HEAD").strip()
+        super().setUp()
+        shutil.copytree(repository.PROJECT / "tests/long", self.root / "tests/long")
+        self.write("run", RUN, 0o755)
+        self.write(".gitignore", "build\ncalls\n__pycache__\n*.stage\n")
+        self.begin()
 
     def stage(self, name, script):
-        (self.root / f"{name}.stage").write_text(script, encoding="utf-8")
+        self.write(f"{name}.stage", script)
 
     def long(self, *words):
         return subprocess.run([self.root / "tests/long/long.sh", *words], check=False, capture_output=True, text=True)
@@ -73,7 +53,7 @@ class LongTest(unittest.TestCase):
 
     def test_changes_that_are_not_committed_are_told(self):
         commit = self.commit()
-        (self.root / "run").write_text(RUN + "true\n", encoding="utf-8")
+        self.write("run", RUN + "true\n", 0o755)
         self.stage("release", "true")
         self.long("release")
         self.assertEqual(self.row("release"), ("passed", f"{commit} with changes"))
@@ -130,7 +110,4 @@ class LongTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    if shutil.which("git") is None:
-        print("skipped: no git")
-        sys.exit(77)
-    unittest.main()
+    repository.main()

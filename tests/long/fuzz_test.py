@@ -4,16 +4,12 @@
 Exit status 77 without git.
 """
 import os
-import pathlib
 import shutil
 import signal
 import subprocess
-import sys
-import tempfile
 import time
-import unittest
 
-FUZZ = pathlib.Path(__file__).resolve().parent
+import repository
 
 # A target: writes what libFuzzer writes, and ends when it is asked to. EDGES are those of its first inputs and of all,
 # COUNT its executions, CODE its exit code, NAP how long it takes, unless it is asked to end.
@@ -34,41 +30,27 @@ exit {code}
 """
 
 
-class FuzzTest(unittest.TestCase):
+class FuzzTest(repository.RepositoryTest):
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.root = pathlib.Path(folder.name)
+        super().setUp()
         self.build = self.root / "build"
-        for name in ("fuzz", "src", "cmake", "tests/long", "build/bin", "build/fuzz", "build/lib"):
-            (self.root / name).mkdir(parents=True)
-        script = (FUZZ / "fuzz.sh").read_text(encoding="utf-8")
+        for folder in ("bin", "fuzz", "lib"):
+            (self.build / folder).mkdir(parents=True)
         # What takes ten minutes takes two seconds here.
-        quick = script
+        script = (repository.PROJECT / "fuzz/fuzz.sh").read_text(encoding="utf-8")
         for name, usual, here in (("most_idle_seconds", 600, 2), ("poll_seconds", 1, 0.1)):
-            self.assertIn(f"\n{name}={usual}\n", quick)
-            quick = quick.replace(f"\n{name}={usual}\n", f"\n{name}={here}\n")
-        (self.root / "fuzz/fuzz.sh").write_text(quick, encoding="utf-8")
-        shutil.copy(FUZZ.parent / "tests/long/commit.sh", self.root / "tests/long")
+            self.assertIn(f"\n{name}={usual}\n", script)
+            script = script.replace(f"\n{name}={usual}\n", f"\n{name}={here}\n")
+        self.write("fuzz/fuzz.sh", script)
+        (self.root / "tests/long").mkdir(parents=True)
+        shutil.copy(repository.PROJECT / "tests/long/commit.sh", self.root / "tests/long")
         for name in ("src/one.cpp", "cmake/x", "CMakeLists.txt", "CMakePresets.json", "tests/results.md"):
-            (self.root / name).write_text("", encoding="utf-8")
-        (self.root / ".gitignore").write_text("build\nfuzz/corpus\n", encoding="utf-8")
-        self.git("init", "-q")
-        self.commit()
-
-    def git(self, *words):
-        names = ["-c", "user.name=test", "-c", "user.email=test@localhost"]
-        return subprocess.run(["git", *names, *words], cwd=self.root, check=True, capture_output=True, text=True).stdout
-
-    def commit(self):
-        self.git("add", "-A")
-        self.git("commit", "-q", "--allow-empty", "-m", "a state")
-        return self.git("rev-parse", "--short", "HEAD").strip()
+            self.write(name, "")
+        self.write(".gitignore", "build\nfuzz/corpus\n")
+        self.begin()
 
     def target(self, name, edges="5 6", count=10000000, code=0, nap=0):
-        file = self.build / "bin" / f"fuzz_{name}"
-        file.write_text(TARGET.format(edges=edges, count=count, code=code, nap=nap), encoding="utf-8")
-        file.chmod(0o755)
+        self.write(f"build/bin/fuzz_{name}", TARGET.format(edges=edges, count=count, code=code, nap=nap), 0o755)
         with open(self.build / "fuzz/targets.txt", "a", encoding="utf-8") as targets:
             targets.write(f"{name}|64||\n")
 
@@ -92,7 +74,7 @@ class FuzzTest(unittest.TestCase):
     def report(self, told):
         """Puts what was told into the report of the long test."""
         name, figures = told.removeprefix("RESULT ").strip().split(": ", 1)
-        (self.root / "tests/results.md").write_text(f"| {name} | {figures} |\n", encoding="utf-8")
+        self.write("tests/results.md", f"| {name} | {figures} |\n")
 
     def test_a_target_that_had_all_its_inputs_is_told_with_the_commit(self):
         commit = self.commit()
@@ -125,7 +107,8 @@ class FuzzTest(unittest.TestCase):
 
     def test_when_the_time_is_up_nothing_is_said_to_be_at_its_end(self):
         script = (self.root / "fuzz/fuzz.sh").read_text(encoding="utf-8")
-        (self.root / "fuzz/fuzz.sh").write_text(script.replace("60 * $2", "$2"), encoding="utf-8")
+        self.assertIn("60 * $2", script)
+        self.write("fuzz/fuzz.sh", script.replace("60 * $2", "$2"))
         for name in ("one", "two", "three", "four", "five"):
             self.target(name, count=12, nap=300)
         code, told, runs = self.fuzz("--minutes", "1")
@@ -169,13 +152,13 @@ class FuzzTest(unittest.TestCase):
     def test_resume_runs_again_what_has_other_sources(self):
         self.target("one")
         self.report(self.fuzz()[1])
-        (self.root / "src/one.cpp").write_text("changed", encoding="utf-8")
+        self.write("src/one.cpp", "changed")
         self.assertEqual(self.fuzz("--resume")[2], 1)
         self.commit()
         self.assertEqual(self.fuzz("--resume")[2], 1)
 
     def test_resume_runs_again_what_no_commit_has(self):
-        (self.root / "src/one.cpp").write_text("changed", encoding="utf-8")
+        self.write("src/one.cpp", "changed")
         self.target("one")
         self.assertIn(" with changes\n", self.fuzz()[1])
         self.assertEqual(self.fuzz("--resume")[2], 1)
@@ -191,7 +174,4 @@ class FuzzTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    if shutil.which("git") is None:
-        print("skipped: no git")
-        sys.exit(77)
-    unittest.main()
+    repository.main()
