@@ -174,7 +174,7 @@ TEST_F(GlobalNode, WhatACleanUpHasLeftIsHandedOutOnceEach) {
 }
 
 TEST_F(MessageNode, ACleanUpGivesAllOfTheHeapBack) {
-  if (!test::heapIsMeasured()) GTEST_SKIP() << "valgrind's allocator does not say what is in use";
+  REQUIRE_HEAP_USE();
   const auto useOften = [] {
     for (int i = 0; i < 100; ++i) {
       for (int nNode = 0; nNode < 20; ++nNode) cvtMalloc(5000, cvtMemNewNode());

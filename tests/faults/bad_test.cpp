@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "allocator.h"
 #include "child.h"
 #include "cvt.h"
 #include "toy_config.h"
@@ -136,11 +137,7 @@ TEST(BadPlugIns, AreToldByALine) {
 // --- Faults that nobody can stop
 // -------------------------------------------------------------------------------
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool kWatched = true;
-#else
-constexpr bool kWatched = false;
-#endif
+constexpr bool kWatched = TEST_SANITIZED != 0;
 
 TEST(BadPlugIns, EndTheProcessWhereNothingElseIsLeft) {
   struct Kind {

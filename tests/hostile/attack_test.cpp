@@ -10,6 +10,7 @@
 #include <ctime>
 #include <fstream>
 
+#include "allocator.h"
 #include "attack.h"
 #include "opened.h"
 #include "xml_config.h"
@@ -19,7 +20,7 @@ namespace {
 using namespace hostile;
 using namespace test;
 
-#if defined(__SANITIZE_ADDRESS__)
+#if TEST_SANITIZED
 constexpr double kSeconds = 5;
 constexpr bool kMemoryCounts = false;  // the sanitizer keeps what was freed
 #else

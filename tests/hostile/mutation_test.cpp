@@ -2,6 +2,7 @@
 // name of a file, or loads; and then each message is converted or refused with a word.
 #include <gtest/gtest.h>
 
+#include "allocator.h"
 #include "campaign.h"
 #include "trial.h"
 
@@ -26,9 +27,7 @@ Scenario scenario(const std::string &sName) {
 // begin, there are a tenth as many.
 unsigned counted(unsigned nCount) {
   const char *const psTimes = std::getenv("CVT2_HOSTILE_TIMES");
-#if defined(__SANITIZE_ADDRESS__)
-  nCount /= 10;
-#endif
+  if (TEST_SANITIZED != 0) nCount /= 10;
   return psTimes == nullptr ? nCount : nCount * static_cast<unsigned>(std::atoi(psTimes));
 }
 

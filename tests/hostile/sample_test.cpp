@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <memory>
 
+#include "allocator.h"
 #include "cvt.h"
 #include "log_capture.h"
 #include "scenario.h"
@@ -15,11 +16,7 @@ using namespace hostile;
 using test::cs;
 
 // Of so many damages one is done; all with CVT2_HOSTILE_TIMES.
-#if defined(__SANITIZE_ADDRESS__)
-constexpr size_t kStep = 13;
-#else
-constexpr size_t kStep = 5;
-#endif
+constexpr size_t kStep = TEST_SANITIZED != 0 ? 13 : 5;
 constexpr size_t kMostBytes = 2500;  // of a sample, from its beginning and from its end
 constexpr size_t kRoom = 1 << 18;
 

@@ -11,6 +11,7 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "allocator.h"
 #include "cvt.h"
 #include "log_capture.h"
 
@@ -91,7 +92,7 @@ std::string work(Scenario &scenario) {
 [[noreturn]] void child(Scenario &scenario, int nSeconds, int nResult, int nNoise) {
   const rlimit time{static_cast<rlim_t>(nSeconds), static_cast<rlim_t>(nSeconds)};
   setrlimit(RLIMIT_CPU, &time);
-#if !defined(__SANITIZE_ADDRESS__)
+#if !TEST_SANITIZED
   const rlimit memory{rlim_t{4} << 30, rlim_t{4} << 30};
   setrlimit(RLIMIT_AS, &memory);
 #endif

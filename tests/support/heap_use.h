@@ -18,6 +18,9 @@ namespace test {
 inline bool heapIsMeasured() {
   return !isWatched();
 }
+// In a test that needs it.
+#define REQUIRE_HEAP_USE() \
+  if (!test::heapIsMeasured()) GTEST_SKIP() << "valgrind's allocator does not say what is in use"
 
 // In bytes, both. heapInUse REQUIRES: heapIsMeasured().
 inline long heapInUse() {

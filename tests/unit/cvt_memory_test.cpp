@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "allocator.h"
 #include "heap_use.h"
 #include "log_capture.h"
 #include "pool_use.h"
@@ -571,7 +572,7 @@ TEST_F(CleanUp, LongChainsAreReleasedOnASmallStack) {
   pthread_attr_destroy(&attributes);
 }
 
-#if !defined(__SANITIZE_ADDRESS__)
+#if !TEST_SANITIZED
 // Asks for more than the process may have, and shows on standard error what was logged when it aborts.
 void exhaustTheHeap(void *(*allocate)(int)) {
   const rlimit limit{256UL << 20, 256UL << 20};

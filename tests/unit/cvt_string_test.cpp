@@ -229,7 +229,7 @@ TEST_F(CodeConvert, NoInputNeedsNoRoom) {
 }
 
 TEST_F(CodeConvert, LeavesNothingOfTheHeapInUse) {
-  if (!test::heapIsMeasured()) GTEST_SKIP() << "valgrind's allocator does not say what is in use";
+  REQUIRE_HEAP_USE();
   char sOut[8];
   const auto convertOften = [&] {
     for (int i = 0; i < 1000; ++i) {

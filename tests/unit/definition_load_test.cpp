@@ -5,6 +5,7 @@
 
 #include <functional>
 
+#include "allocator.h"
 #include "definition_xml.h"
 #include "log_capture.h"
 
@@ -59,7 +60,7 @@ void onStack(size_t nBytes, std::function<void()> run) {
 }
 
 // Lists are read by recursion, whose frames are larger with the sanitizers' red zones.
-#if defined(__SANITIZE_ADDRESS__) || !defined(__OPTIMIZE__)
+#if TEST_SANITIZED || !defined(__OPTIMIZE__)
 constexpr size_t kUsualStack = size_t{32} << 20;
 #else
 constexpr size_t kUsualStack = size_t{8} << 20;
