@@ -20,19 +20,36 @@ std::optional<std::string_view> attribute(std::string_view tag, const std::strin
   return value.substr(0, end);
 }
 
-// A constant's length is trusted not to exceed its text. Whether the fuzzer has left those of the file that
-// way.
-bool hasLengthsInText(std::string_view file) {
-  if (fuzz::holdsAny(file, {"encoding", std::string_view("\0", 1)})) return false;
-  for (size_t at = file.find("nLen"); at != file.npos; at = file.find("nLen", at + 1)) {
+// Whether every tag of the file in which the attribute stands is one that isGood.
+template <class IsGood>
+bool allTags(std::string_view file, std::string_view attribute, IsGood isGood) {
+  for (size_t at = file.find(attribute); at != file.npos; at = file.find(attribute, at + 1)) {
     const size_t start = std::min(file.rfind('<', at), at);
-    const std::string_view tag = file.substr(start, file.find('>', start) - start);
-    const auto length = attribute(tag, "nLen");
-    const auto value = attribute(tag, "psValue");
-    if (!length || !value) return false;
-    if (std::atol(std::string(*length).c_str()) > static_cast<long>(value->size())) return false;
+    if (!isGood(file.substr(start, file.find('>', start) - start))) return false;
   }
   return true;
+}
+
+long numberOf(std::string_view digits) {
+  return std::atol(std::string(digits).c_str());
+}
+
+bool hasLengthInText(std::string_view tag) {
+  const auto length = attribute(tag, "nLen");
+  const auto value = attribute(tag, "psValue");
+  return length && value && numberOf(*length) <= static_cast<long>(value->size());
+}
+
+bool isEvaluated(std::string_view tag) {
+  const auto code = attribute(tag, "nType");
+  return code && numberOf(*code) != CVT_TYPE_RAW;
+}
+
+// A constant's length is trusted not to exceed its text, and a record that is handed to a function as it is to be
+// one of those that the function takes. Whether the fuzzer has left those of the file that way.
+bool keepsTrust(std::string_view file) {
+  return !fuzz::holdsAny(file, {"encoding", std::string_view("\0", 1)}) &&
+         allTags(file, "nLen", hasLengthInText) && allTags(file, "nType", isEvaluated);
 }
 
 void convert(Converter *converter) {
@@ -56,7 +73,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   fuzz::require(alone, "the converter at hand is the only one");
   const std::string file(fuzz::text(data, size));
   config.file("Convert/input.xml", file);
-  if (config.start() && hasLengthsInText(file)) {
+  if (config.start() && keepsTrust(file)) {
     for (StringList *pt = gptCvtGlobalInfo->ptCvtList; pt != nullptr; pt = pt->ptNext) {
       convert(static_cast<Converter *>(pt->ptInfo));
     }

@@ -18,9 +18,9 @@ most_idle_seconds=600
 poll_seconds=1
 kept_bytes=49152 # of each target's corpus
 
-# What the targets are made of.
-sources=(CMakeLists.txt CMakePresets.json cmake src fuzz 'tests/support/config_tree.*' 'tests/support/toy_config.*'
-  ':!fuzz/corpus' ':!fuzz/fuzz.sh' ':!*.md')
+# What every target is made of, beside its own file.
+sources=(CMakeLists.txt CMakePresets.json cmake src fuzz/CMakeLists.txt fuzz/support fuzz/dictionaries
+  'tests/support/config_tree.*' 'tests/support/toy_config.*' ':!*.md')
 
 fail() {
   echo "fuzz.sh: $*" >&2
@@ -142,7 +142,7 @@ only_waited() {
 ended() {
   local line
   while read -r line; do
-    if has_sources "${line##* }"; then
+    if has_sources "$1" "${line##* }"; then
       echo "$line"
       return
     fi
@@ -152,9 +152,11 @@ ended() {
   )
   return 1
 }
-# has_sources COMMIT
+# has_sources TARGET COMMIT
 has_sources() {
-  [[ $1 =~ ^[0-9a-f]{7,}$ ]] && git -C "$project" diff --quiet "$1" -- "${sources[@]}" 2>/dev/null
+  local own=fuzz/$1.cpp
+  [ -f "$project/$own" ] || own='fuzz/*_definition.cpp'
+  [[ $2 =~ ^[0-9a-f]{7,}$ ]] && git -C "$project" diff --quiet "$2" -- "${sources[@]}" "$own" 2>/dev/null
 }
 
 # fuzz TARGET LENGTH DICTIONARY SEED...

@@ -157,6 +157,16 @@ class FuzzTest(repository.RepositoryTest):
         self.commit()
         self.assertEqual(self.fuzz("--resume")[2], 1)
 
+    def test_resume_runs_again_the_target_whose_own_file_is_another(self):
+        for name in ("one", "two"):
+            self.target(name)
+            self.write(f"fuzz/{name}.cpp", "")
+        self.commit()
+        self.fuzz()
+        self.write("fuzz/two.cpp", "changed")
+        self.assertEqual(self.fuzz("--resume", "one")[2], 0)
+        self.assertEqual(self.fuzz("--resume", "two")[2], 1)
+
     def test_resume_runs_again_what_no_commit_has(self):
         self.write("src/one.cpp", "changed")
         self.target("one")
