@@ -19,8 +19,8 @@ poll_seconds=1
 kept_bytes=49152 # of each target's corpus
 
 # What every target is made of, beside its own file.
-sources=(CMakeLists.txt CMakePresets.json cmake src fuzz/CMakeLists.txt fuzz/support fuzz/dictionaries
-  'tests/support/config_tree.*' 'tests/support/toy_config.*' ':!*.md')
+sources=(CMakeLists.txt CMakePresets.json cmake src examples fuzz/CMakeLists.txt fuzz/support fuzz/dictionaries
+  'tests/support/config_tree.*' 'tests/support/toy_config.*' ':!*.md' ':!*.sh')
 
 fail() {
   echo "fuzz.sh: $*" >&2
@@ -154,9 +154,10 @@ ended() {
 }
 # has_sources TARGET COMMIT
 has_sources() {
-  local own=fuzz/$1.cpp
-  [ -f "$project/$own" ] || own='fuzz/*_definition.cpp'
-  [[ $2 =~ ^[0-9a-f]{7,}$ ]] && git -C "$project" diff --quiet "$2" -- "${sources[@]}" "$own" 2>/dev/null
+  local own=("fuzz/$1.cpp")
+  [ -f "$project/${own[0]}" ] || own=('fuzz/*_definition.cpp')
+  [[ $1 == tool_* ]] || own+=(':!src/cvt/tool')
+  [[ $2 =~ ^[0-9a-f]{7,}$ ]] && git -C "$project" diff --quiet "$2" -- "${sources[@]}" "${own[@]}" 2>/dev/null
 }
 
 # fuzz TARGET LENGTH DICTIONARY SEED...

@@ -44,7 +44,7 @@ class FuzzTest(repository.RepositoryTest):
         self.write("fuzz/fuzz.sh", script)
         (self.root / "tests/long").mkdir(parents=True)
         shutil.copy(repository.PROJECT / "tests/long/commit.sh", self.root / "tests/long")
-        for name in ("src/one.cpp", "cmake/x", "CMakeLists.txt", "CMakePresets.json", "tests/results.md"):
+        for name in ("src/one.cpp", "cmake/x", "examples/x.xml", "CMakeLists.txt", "CMakePresets.json", "tests/results.md"):
             self.write(name, "")
         self.write(".gitignore", "build\nfuzz/corpus\n")
         self.begin()
@@ -166,6 +166,17 @@ class FuzzTest(repository.RepositoryTest):
         self.write("fuzz/two.cpp", "changed")
         self.assertEqual(self.fuzz("--resume", "one")[2], 0)
         self.assertEqual(self.fuzz("--resume", "two")[2], 1)
+
+    def test_resume_runs_the_commands_targets_again_when_the_command_is_another(self):
+        for name in ("one", "tool_one"):
+            self.target(name)
+            self.write(f"fuzz/{name}.cpp", "")
+        self.write("src/cvt/tool/main.cpp", "")
+        self.commit()
+        self.fuzz()
+        self.write("src/cvt/tool/main.cpp", "changed")
+        self.assertEqual(self.fuzz("--resume", "one")[2], 0)
+        self.assertEqual(self.fuzz("--resume", "tool_one")[2], 1)
 
     def test_resume_runs_again_what_no_commit_has(self):
         self.write("src/one.cpp", "changed")

@@ -31,15 +31,29 @@ run_stage() {
   [ "$outcome" = passed ]
 }
 
-if [ "${1:-}" = --minutes ]; then
-  fuzz_options=(--minutes "${2:-}")
-  shift "$(($# < 2 ? $# : 2))"
-fi
+fail() {
+  echo "long.sh: $*" >&2
+  exit 2
+}
+
+chosen=()
+while [ $# -gt 0 ]; do
+  if [ "$1" = --minutes ]; then
+    [[ ${2:-} =~ ^[1-9][0-9]*$ ]] || fail "--minutes: expected a number, found '${2:-}'"
+    fuzz_options=(--minutes "$2")
+    shift
+  else
+    printf '%s\n' "${stages[@]}" | grep -qxF -e "$1" || fail "expected --minutes or one of ${stages[*]}, found '$1'"
+    chosen+=("$1")
+  fi
+  shift
+done
+[ ${#chosen[@]} -gt 0 ] || chosen=("${stages[@]}")
+
 mkdir -p "$results"
 rm -f "$results"/*.txt # what earlier runs measured stands in the report
 failed=()
-[ $# -gt 0 ] || set -- "${stages[@]}"
-for stage in "$@"; do
+for stage in "${chosen[@]}"; do
   printf '\n==== %s\n' "$stage"
   run_stage "$stage" || failed+=("$stage")
 done

@@ -101,12 +101,23 @@ class LongTest(repository.RepositoryTest):
         self.assertEqual(self.long("fuzz").returncode, 1)
         self.assertEqual(self.row("fuzz")[0], "unfinished")
 
-    def test_minutes_are_those_of_fuzzing(self):
+    def test_minutes_are_those_of_fuzzing_wherever_they_stand(self):
         for name in ("lint", "fuzz"):
             self.stage(name, "true")
-        self.long("--minutes", "5", "lint", "fuzz")
-        calls = (self.root / "calls").read_text(encoding="utf-8").splitlines()
-        self.assertEqual(calls, ["stage lint", "stage fuzz --minutes 5"])
+        for words in (("--minutes", "5", "lint", "fuzz"), ("lint", "fuzz", "--minutes", "5")):
+            self.write("calls", "")
+            self.long(*words)
+            calls = (self.root / "calls").read_text(encoding="utf-8").splitlines()
+            self.assertEqual(calls, ["stage lint", "stage fuzz --minutes 5"])
+
+    def test_what_it_cannot_understand_is_refused_before_anything_runs(self):
+        for words, expected in ((("lint", "--minutes"), "--minutes: expected a number, found ''"),
+                                (("--minutes", "0"), "--minutes: expected a number, found '0'"),
+                                (("lint", "tidy"), "found 'tidy'"), (("release debug",), "found 'release debug'")):
+            done = self.long(*words)
+            self.assertEqual(done.returncode, 2)
+            self.assertIn(expected, done.stderr)
+        self.assertFalse((self.root / "calls").exists())
 
 
 if __name__ == "__main__":
