@@ -43,7 +43,7 @@ while [ $# -gt 0 ]; do
     fuzz_options=(--minutes "$2")
     shift
   else
-    printf '%s\n' "${stages[@]}" | grep -qxF -e "$1" || fail "expected --minutes or one of ${stages[*]}, found '$1'"
+    grep -qxF -e "$1" < <(printf '%s\n' "${stages[@]}") || fail "expected --minutes or one of ${stages[*]}, found '$1'"
     chosen+=("$1")
   fi
   shift
