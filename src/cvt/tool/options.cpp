@@ -4,6 +4,7 @@
 #include <charconv>
 #include <climits>
 #include <cstdint>
+#include <cstdlib>
 
 namespace tool {
 namespace {
@@ -73,8 +74,7 @@ struct Raw {
 
 void addConfig(CLI::App &verb, Raw &raw) {
   verb.add_option("-c,--config", raw.options.config,
-                  "Configuration: a directory, or a root file ending in .xml")
-      ->envname("CVT2_CONFIG")
+                  "Configuration: a directory, or a root file ending in .xml [CVT2_CONFIG]")
       ->type_name("DIR|FILE");
 }
 
@@ -213,6 +213,12 @@ Options checked(const CLI::App &app, Raw raw) {
   return options;
 }
 
+// What -c takes the place of. The verbs share it, so none of them may bring it in after the command line is read.
+std::string configOfEnvironment() {
+  const char *const config = std::getenv("CVT2_CONFIG");
+  return config == nullptr ? "" : config;
+}
+
 std::string found(int argc, char **argv) {
   return argc < 2 ? ", found nothing" : std::string(", found '") + argv[1] + "'";
 }
@@ -225,6 +231,7 @@ Options readOptions(int argc, char **argv) {
   app.set_version_flag("--version", "cvt2 " CVT2_VERSION);
   app.require_subcommand(1);
   Raw raw;
+  raw.options.config = configOfEnvironment();
   addVerbs(app, raw);
   try {
     app.parse(argc, argv);
