@@ -17,6 +17,7 @@ cvt_sql_text 0
 cvt_memory 1
 cvt_heap_pool 1
 cvt_string 2
+cvt_xml_blanks 3
 cvt_xml 3
 stt 4
 stt_bind 4

@@ -384,6 +384,29 @@ TEST_F(XmlRead, ABufferKeepsItsBlankNodesOnlyInTheFirstForm) {
   EXPECT_EQ(textOf(dropped.get()), "<a><b/></a>");
 }
 
+// The reader sees a file in pieces: blanks that cross the end of one are not seen with what follows them.
+TEST_F(XmlRead, AFileHasNoBlankNodesHoweverLongTheBlanksAre) {
+  ConfigTree tree;
+  for (const size_t nBlanks : {size_t{1}, size_t{240}, size_t{4000}, size_t{100000}}) {
+    const std::string sBlanks(nBlanks, '\n');
+    tree.file("a.xml", "<a>" + sBlanks + "<b> </b>" + sBlanks + "<!--c-->" + sBlanks + "<d><e/>" + sBlanks +
+                           "</d>" + sBlanks + "</a>");
+    EXPECT_EQ(textOf(Doc(xmlFileParse(tree.arg("a.xml"))).get()), "<a><b> </b><!--c--><d><e/></d></a>")
+        << nBlanks;
+  }
+}
+
+TEST_F(XmlRead, AFileKeepsTheBlanksOfTexts) {
+  ConfigTree tree;
+  const std::string sBlanks(4000, ' ');
+  for (const std::string &sText :
+       {"<a>" + sBlanks + "</a>", "<a>x<b/>" + sBlanks + "<c/></a>",
+        "<a><![CDATA[x]]>" + sBlanks + "<b/></a>", "<a xml:space=\"preserve\">" + sBlanks + "<b/></a>"}) {
+    tree.file("a.xml", sText);
+    EXPECT_EQ(textOf(Doc(xmlFileParse(tree.arg("a.xml"))).get()), sText);
+  }
+}
+
 TEST_F(XmlRead, OnlyTheBytesOfTheLengthAreRead) {
   const std::string sText = "<a/>";
   const auto exact = std::make_unique<char[]>(sText.size());

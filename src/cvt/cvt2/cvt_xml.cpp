@@ -22,6 +22,7 @@
 #include <string_view>
 #include <utility>
 
+#include "cvt_xml_blanks.h"
 #include "stt.h"
 
 namespace {
@@ -152,7 +153,7 @@ class Source {
     m_context->sax->internalSubset = onDoctype;
     const xmlDocPtr pt =
         xmlCtxtReadIO(m_context.get(), onRead, nullptr, this, nullptr, nullptr, XML_PARSE_NOBLANKS);
-    if (!m_bRefused) return pt;
+    if (!m_bRefused) return cvt::withoutBlanks(pt);
     xmlFreeDoc(pt);
     return nullptr;
   }
@@ -392,7 +393,7 @@ void *xmlParse2(char *psBuf, int nLen) {
 
 void *xmlFileParse(char *psFileName) {
   const Quiet quiet;
-  return quiet.whole(xmlReadFile(psFileName, nullptr, XML_PARSE_NOBLANKS), xmlFreeDoc);
+  return quiet.whole(cvt::withoutBlanks(xmlReadFile(psFileName, nullptr, XML_PARSE_NOBLANKS)), xmlFreeDoc);
 }
 
 int xmlDocFree(void *ptXmlDoc) {
