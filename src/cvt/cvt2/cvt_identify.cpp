@@ -233,6 +233,14 @@ bool fallBack(const IdFunc *ptIdFunc, InnerMessage *ptInMsg) {
                       [&] { return fIdFunction(ptInMsg, nullptr, nullptr); }) == 0;
 }
 
+// Gives a message a list of so many values. The one that an earlier step of the chain gave it goes back.
+ValueList *bindList(InnerMessage *ptMsg, int nValueNum) {
+  ValueList *const ptList = cvtGetValueList(nValueNum);
+  cvtFreeValue(ptMsg->tValueListInfo.ptValueList);
+  ptMsg->tValueListInfo.ptValueList = ptList;
+  return ptList;
+}
+
 }  // namespace
 
 int pubNew(InnerMessage *ptInMsg, InnerMessage *, void *ptArgs) {
@@ -248,8 +256,7 @@ int pubNew(InnerMessage *ptInMsg, InnerMessage *, void *ptArgs) {
     CVT_NOT_NULL(ptInMsg->ptMsgInfo, -1);
   }
   const int nValueNum = ptInMsg->ptMsgInfo->nValueNum;
-  ptInMsg->tValueListInfo.ptValueList = cvtGetValueList(nValueNum);
-  if (ptInMsg->tValueListInfo.ptValueList == nullptr) {
+  if (bindList(ptInMsg, nValueNum) == nullptr) {
     CVT_ERR("Msg[%s] get [%d]ValueList err!!", ptInMsg->sMsgName, nValueNum);
     return -1;
   }
@@ -382,8 +389,7 @@ int pubConvert(InnerMessage *ptSrtMsg, InnerMessage *ptDstMsg, void *) {
     return -1;
   }
   const int nValueNum = ptDstMsg->ptMsgInfo->nValueNum;
-  ptDstMsg->tValueListInfo.ptValueList = cvtGetValueList(nValueNum);
-  if (ptDstMsg->tValueListInfo.ptValueList == nullptr) {
+  if (bindList(ptDstMsg, nValueNum) == nullptr) {
     CVT_ERR("Msg [%s] get [%d]ValueList err!!", psDstName, nValueNum);
     return -1;
   }
