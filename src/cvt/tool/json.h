@@ -6,11 +6,11 @@
 // is an object, a loop an array of objects, a loop without members an array of values.
 #pragma once
 
-#include <memory>
-#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "json_tree.h"
 #include "layout.h"
 
 namespace tool {
@@ -24,7 +24,6 @@ class JsonMessage {
  public:
   // Throws DataError when the text is not JSON of this form.
   explicit JsonMessage(std::string_view text);
-  ~JsonMessage();
 
   // The value of "message", empty when there is none.
   const std::string &message() const { return m_message; }
@@ -33,7 +32,7 @@ class JsonMessage {
   void fill(const Fields &fields, const ValueListInfo &info) const;
 
  private:
-  std::unique_ptr<const nlohmann::ordered_json> m_fields;
+  std::vector<Json> m_values;
   std::string m_message;
 };
 

@@ -1,5 +1,3 @@
-#include <nlohmann/json.hpp>
-
 #include "error.h"
 #include "json.h"
 #include "text.h"
@@ -7,14 +5,26 @@
 namespace tool {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 constexpr size_t kNamesInError = 12;
 
 std::string found(const Json &json) {
-  if (json.is_number_float()) return "a number with a fraction or exponent (write it as a string)";
-  if (json.is_boolean()) return "true or false (write it as a string)";
-  return std::string("JSON of type ") + json.type_name();
+  switch (json.kind) {
+    case Json::Kind::fraction:
+      return "a number with a fraction or exponent (write it as a string)";
+    case Json::Kind::boolean:
+      return "true or false (write it as a string)";
+    case Json::Kind::null:
+      return "JSON of type null";
+    case Json::Kind::integer:
+      return "JSON of type number";
+    case Json::Kind::string:
+      return "JSON of type string";
+    case Json::Kind::array:
+      return "JSON of type array";
+    case Json::Kind::object:
+      return "JSON of type object";
+  }
+  return "";
 }
 
 std::string names(const Fields &fields) {
@@ -32,15 +42,15 @@ class Filler {
 
   // done: a member that has been taken already.
   void object(const Json &json, const Fields &fields, ValueList *list, std::string_view done = {}) {
-    if (!json.is_object()) mistyped("an object", json);
+    if (json.kind != Json::Kind::object) mistyped("an object", json);
     size_t hint = 0;
-    for (const auto &[key, item] : json.items()) {
-      if (!done.empty() && key == done) continue;
-      const At at(m_path, "." + key);
-      const Field *const field = findField(fields, key, hint);
+    for (const Json *item = json.begin(); item != json.end(); item = item->end()) {
+      if (!done.empty() && item->key == done) continue;
+      const At at(m_path, "." + item->key);
+      const Field *const field = findField(fields, item->key, hint);
       if (field == nullptr)
         fail("one of the fields " + names(fields), "no field of that name in the definition");
-      if (!item.is_null()) member(item, *field, list);
+      if (item->kind != Json::Kind::null) member(*item, *field, list);
     }
   }
 
@@ -73,8 +83,8 @@ class Filler {
   }
 
   void group(const Json &json, const Field &field, ValueList *list) {
-    const auto own = json.is_object() ? json.find(kOwnValue) : json.end();
-    if (own == json.end()) {
+    const Json *const own = json.kind == Json::Kind::object ? json.find(kOwnValue) : nullptr;
+    if (own == nullptr) {
       object(json, field.members, list);
       return;
     }
@@ -83,32 +93,24 @@ class Filler {
   }
 
   void loop(const Json &json, const Field &field, ValueList *list) {
-    if (!json.is_array()) mistyped("an array", json);
-    for (size_t i = 0; i < json.size(); ++i) {
+    if (json.kind != Json::Kind::array) mistyped("an array", json);
+    size_t i = 0;
+    for (const Json *item = json.begin(); item != json.end(); item = item->end(), ++i) {
       const At at(m_path, "[" + std::to_string(i) + "]");
       ValueList *const repetition = cvtNewLoopValueList(list, field.slot, cvtLoopGetFieldNum(field.node));
       if (repetition == nullptr) {
         fail("at most " + std::to_string(i) + " repetitions", "more; configure a larger gnMaxLoop");
       }
       if (field.kind == Field::Kind::valueLoop) {
-        value(json[i], 0, repetition);
+        value(*item, 0, repetition);
       } else {
-        object(json[i], field.members, repetition);
+        object(*item, field.members, repetition);
       }
     }
   }
 
   void value(const Json &json, int slot, ValueList *list) {
-    std::string bytes;
-    if (json.is_string()) {
-      bytes = json.get_ref<const std::string &>();
-    } else if (json.is_number_integer()) {
-      bytes = json.dump();
-    } else if (json.is_object()) {
-      bytes = binary(json);
-    } else if (!json.is_null()) {
-      mistyped("a string", json);
-    }
+    std::string bytes = bytesOf(json);
     Value *const target = cvtGetListValue(list, slot);
     if (target == nullptr ||
         cvtDumpValue(target, bytes.data(), static_cast<int>(bytes.size()), m_pool) != 0) {
@@ -116,12 +118,25 @@ class Filler {
     }
   }
 
+  std::string bytesOf(const Json &json) {
+    switch (json.kind) {
+      case Json::Kind::null:
+      case Json::Kind::integer:
+      case Json::Kind::string:
+        return json.text;
+      case Json::Kind::object:
+        return binary(json);
+      default:
+        mistyped("a string", json);
+    }
+  }
+
   std::string binary(const Json &json) {
-    const auto base64 = json.find("base64");
-    if (json.size() != 1 || base64 == json.end() || !base64->is_string()) {
+    const Json *const base64 = json.find("base64");
+    if (json.span != 2 || base64 == nullptr || base64->kind != Json::Kind::string) {
       mistyped("a string or {\"base64\":\"...\"}", json);
     }
-    auto bytes = decodeBase64(base64->get_ref<const std::string &>());
+    auto bytes = decodeBase64(base64->text);
     if (!bytes) fail("base64 with padding", "characters that are not");
     return std::move(*bytes);
   }
@@ -138,32 +153,29 @@ class Filler {
 
 }  // namespace
 
-JsonMessage::JsonMessage(std::string_view text) {
-  Json json;
-  try {
-    json = Json::parse(text);
-  } catch (const Json::exception &error) {       // also numbers that are too large
-    const std::string_view what = error.what();  // "[json.exception.parse_error.101] parse error at line ..."
-    throw DataError("not JSON: " + std::string(what.substr(what.find("] ") + 2)));
+JsonMessage::JsonMessage(std::string_view text) : m_values(readJson(text)) {
+  const Json &json = m_values.front();
+  if (json.kind != Json::Kind::object) {
+    throw DataError("expected {\"message\":...,\"fields\":{...}}, found " + found(json));
   }
-  if (!json.is_object()) throw DataError("expected {\"message\":...,\"fields\":{...}}, found " + found(json));
-  for (const auto &[key, item] : json.items()) {
-    if (key == "fields") continue;
-    if (key != "message" || !item.is_string()) {
-      throw DataError("expected \"message\", a string, and \"fields\", an object, found \"" + key + "\", " +
-                      found(item));
+  for (const Json *item = json.begin(); item != json.end(); item = item->end()) {
+    if (item->key == "fields") continue;
+    if (item->key != "message" || item->kind != Json::Kind::string) {
+      throw DataError("expected \"message\", a string, and \"fields\", an object, found \"" + item->key +
+                      "\", " + found(*item));
     }
-    m_message = item.get_ref<const std::string &>();
+    m_message = item->text;
   }
-  const auto fields = json.find("fields");
-  if (fields == json.end()) throw DataError("expected \"fields\", an object, found no such member");
-  m_fields = std::make_unique<const Json>(std::move(*fields));
+  const size_t zero = m_message.find('\0');  // where the library would see its end
+  if (zero != m_message.npos) {
+    throw DataError("expected \"message\", a string without a zero byte, found one at its byte " +
+                    std::to_string(zero));
+  }
+  if (json.find("fields") == nullptr) throw DataError("expected \"fields\", an object, found no such member");
 }
 
-JsonMessage::~JsonMessage() = default;
-
 void JsonMessage::fill(const Fields &fields, const ValueListInfo &info) const {
-  Filler(info).object(*m_fields, fields, info.ptValueList);
+  Filler(info).object(*m_values.front().find("fields"), fields, info.ptValueList);
 }
 
 }  // namespace tool

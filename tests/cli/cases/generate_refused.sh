@@ -18,6 +18,12 @@ cat >in <<'JSON'
 {"message":"Nothing","fields":{}}
 {"fields":{}}
 []
+{"message":"Order","fields":{"Id":"7","Id":"8"}}
+{"message":"Order","fields":{"Items":[{"Code":"A"},{"Code":"B","Colours":[],"Code":"C"}]}}
+{"message":"Order","fields":{"Id":{"base64":"","base64":""}}}
+{"message":"Order","message":"Order","fields":{}}
+{"message":"Order","fields":{"Id":"7"},"fields":{}}
+{"message":"Order\u0000s","fields":{}}
 {"message":
 JSON
 cvt2 generate -t toy --keep-going in
