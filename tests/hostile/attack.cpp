@@ -56,6 +56,9 @@ std::vector<Attack> attacks(const std::string &sBait, const std::string &sOpen, 
   const std::string sNo = "a DOCTYPE: remove it";
   const std::string sNoMessage = "expected no DOCTYPE";
   const size_t kMany = 200000;
+  const std::string sSpacious =
+      withAttributes(" xmlns:q='" + std::string(140000, 'u') + "'" +
+                     numbered(4000, [](const std::string &s) { return " q:a" + s + "=''"; }));
   return {
       {"entity bomb in a text", doctype("[" + bomb() + "]", "&e29;"), sNo, sNoMessage},
       {"entity bomb in an attribute", doctype("[" + bomb() + "]", "<x a='&e29;'/>"), sNo, sNoMessage},
@@ -108,6 +111,8 @@ std::vector<Attack> attacks(const std::string &sBait, const std::string &sOpen, 
       {"200,000 namespaces",
        withAttributes(numbered(kMany, [](const std::string &s) { return " xmlns:a" + s + "='u'"; })),
        "more than 300 namespaces", "attributes"},
+      {"4,000 attributes in a namespace of 140 KB", sSpacious, "?", "at most 64 attributes, found 4001"},
+      {"the same in UTF-16", "\xFF\xFE" + widened(sSpacious, 0, 1), "?", "bytes of memory to read"},
       {"one attribute 200,000 times", withAttributes(repeated(" a=''", kMany)), "?", "at most 64 attributes"},
       {"attribute of 3 MB", withAttributes(" a='" + std::string(3000000, 'a') + "'"), "more than 1 MiB", ""},
       {"attribute of a million references", withAttributes(" a='" + repeated("&#65;", 1000000) + "'"), "?",
@@ -122,6 +127,10 @@ std::vector<Attack> attacks(const std::string &sBait, const std::string &sOpen, 
       {"20,000 names",
        sOpen + sInside + numbered(20000, [](const std::string &s) { return "<n" + s + "/>"; }) + sClose, "",
        ""},
+      {"20,000 names and an instruction",
+       sOpen + sInside + numbered(20000, [](const std::string &s) { return "<n" + s + "/>"; }) + sClose +
+           "<?p ?>",
+       "", ""},
       {"zero bytes", std::string(1000000, '\0'), "?", "?"},
       {"zero byte inside", sOpen + std::string(1, '\0') + sInside + sClose, "?", "?"},
       {"zero byte behind", sWhole + std::string(1, '\0'), "?", "?"},

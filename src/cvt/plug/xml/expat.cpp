@@ -30,6 +30,25 @@ Name nameOf(const Plan &plan, const char *expanded) {
 // The parser gets a document in pieces, each as large as all before it.
 constexpr size_t kFirstPiece = size_t{64} * 1024;
 
+// The attributes of the start tag that a text begins with, as far as it goes; 0 where none begins.
+size_t attributesIn(std::string_view text) {
+  if (text.size() < 2 || text[0] != '<' || text[1] == '!' || text[1] == '?') return 0;
+  size_t attributes = 0;
+  char quote = 0;
+  for (const char c : text) {
+    if (quote != 0) {
+      if (c == quote) quote = 0;
+    } else if (c == '"' || c == '\'') {
+      quote = c;
+    } else if (c == '=') {
+      ++attributes;
+    } else if (c == '>') {
+      break;
+    }
+  }
+  return attributes;
+}
+
 // Seeds the parser's hash tables, so that no input can be made to collide in them.
 unsigned long hashSalt() {
   static const unsigned long salt = [] {
@@ -102,6 +121,8 @@ class Document {
   static void onOpen(void *data, const XML_Char *name, const XML_Char **attributes) {
     guard(data, [&](Document &self) {
       std::vector<Given> &given = self.m_room.given;
+      const int names = XML_GetSpecifiedAttributeCount(self.m_parser);  // and values
+      self.m_reader.limitAttributes(static_cast<size_t>(names) / 2 + self.m_declarations, Fault::kHere, "");
       given.clear();
       for (; *attributes != nullptr; attributes += 2) {
         given.push_back({nameOf(self.m_plan, attributes[0]), attributes[1]});
@@ -137,23 +158,19 @@ class Document {
 
   // The parser takes a tag apart as a whole: one whose end has not come yet is counted before it gets large.
   void checkOpenTag(std::string_view fed) const {
+    const std::string_view tag = unread(fed);
+    if (tag.size() >= kFirstPiece / 2) checkTag(tag, " before the end of the tag");
+  }
+
+  void checkTag(std::string_view tag, const char *soFar) const {
+    if (isWide(m_input.bytes)) return;
+    m_reader.limitAttributes(attributesIn(tag), offset(XML_GetCurrentByteIndex(m_parser)), soFar);
+  }
+
+  // What the parser has not gone over.
+  std::string_view unread(std::string_view fed) const {
     const XML_Index index = XML_GetCurrentByteIndex(m_parser);
-    const size_t at = index < 0 ? fed.size() : static_cast<size_t>(index);
-    if (fed.size() - std::min(at, fed.size()) < kFirstPiece / 2 || isWide(fed)) return;
-    const std::string_view tag = fed.substr(at);
-    if (tag[0] != '<' || tag[1] == '!' || tag[1] == '?') return;
-    size_t attributes = 0;
-    char quote = 0;
-    for (const char c : tag) {
-      if (quote != 0) {
-        if (c == quote) quote = 0;
-      } else if (c == '"' || c == '\'') {
-        quote = c;
-      } else if (c == '=') {
-        ++attributes;
-      }
-    }
-    m_reader.limitAttributes(attributes, offset(index), " before the end of the tag");
+    return fed.substr(index < 0 ? fed.size() : std::min(static_cast<size_t>(index), fed.size()));
   }
 
   // UTF-16: its bytes are no characters.
@@ -193,9 +210,19 @@ class Document {
     }
   }
 
+  // Mostly by one tag: the parser writes out the namespace of each attribute before it tells of any.
+  [[noreturn]] void outOfMemory() const {
+    if (!m_room.region.spent()) throw std::bad_alloc();
+    checkTag(unread(m_input.bytes), "");
+    throw Fault(
+        offset(XML_GetCurrentByteIndex(m_parser)),
+        "a document that takes at most " + std::to_string(m_room.region.most()) + " bytes of memory to read",
+        "one that takes more", "Write fewer attributes into a tag, or shorter namespaces");
+  }
+
   [[noreturn]] void malformed() const {
     const XML_Error error = XML_GetErrorCode(m_parser);
-    if (error == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
+    if (error == XML_ERROR_NO_MEMORY) outOfMemory();
     const size_t at = offset(XML_GetCurrentByteIndex(m_parser));
     const std::string_view rest(m_call.buffer + at, m_call.length - at);
     const std::string found =

@@ -9,6 +9,11 @@ namespace {
 
 // What stays from one document to the next, unless one was unusually large.
 constexpr size_t kKept = size_t{4} * 1024 * 1024;
+
+// The parser may take so many bytes for each byte of a document, beside those that stay. What is read needs 28 at
+// most, for short names that all differ.
+constexpr size_t kPerByte = 32;
+
 Room f_room(kKept);
 Scanner::Memory f_memory;
 std::string f_converted;
@@ -72,6 +77,7 @@ bool readPlain(const Plan &plan, kit::ParseCall &call, const Input &input) {
 void parseDocument(const Plan &plan, kit::ParseCall &call) {
   const std::string_view raw(call.buffer + call.from, call.length - call.from);
   const Release release;
+  f_room.region.allow(kPerByte * raw.size());
   const Input input = openInput(plan, raw, call.from, f_converted);
   if (!input.mayBeUtf8() || !readPlain(plan, call, input)) {
     kit::List(call.values, plan.slots).clear(plan.slots);

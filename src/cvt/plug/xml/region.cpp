@@ -10,7 +10,6 @@ namespace {
 
 constexpr size_t kAlign = alignof(std::max_align_t);
 constexpr size_t kFirstBlock = size_t{64} * 1024;
-constexpr size_t kLargest = static_cast<size_t>(-1) / 4;
 
 // In front of every piece: its size.
 struct alignas(kAlign) Header {
@@ -24,7 +23,7 @@ size_t rounded(size_t size) {
 }  // namespace
 
 void *Region::allocate(size_t size) {
-  if (size > kLargest) return nullptr;
+  if (size > kAny) return nullptr;
   const size_t need = sizeof(Header) + rounded(size);
   if (need > static_cast<size_t>(m_end - m_next) && !addBlock(need)) return nullptr;
   Header *header = new (m_next) Header{size};
@@ -47,9 +46,25 @@ void *Region::resize(void *piece, size_t size) {
   return moved;
 }
 
+void Region::allow(size_t bytes) {
+  m_allowed = bytes;
+  m_spent = false;
+}
+
+// Of what is allowed, not of the block in use.
+size_t Region::left() const {
+  size_t taken = 0;
+  for (const Block &block : m_blocks) taken += block.size;
+  return most() - std::min(taken, most());
+}
+
 bool Region::addBlock(size_t size) {
-  const size_t last = m_blocks.empty() ? kFirstBlock / 2 : m_blocks.back().size;
-  const size_t wanted = std::max(size, 2 * last);
+  const size_t last = m_blocks.empty() ? 0 : m_blocks.back().size;
+  const size_t wanted = std::max(size, std::min(std::max(2 * last, kFirstBlock), left()));
+  if (wanted > left()) {
+    m_spent = true;
+    return false;
+  }
   try {
     std::unique_ptr<char[]> bytes(new char[wanted]);
     m_blocks.push_back({std::move(bytes), wanted});

@@ -14,7 +14,12 @@ class Region {
   // kept: bytes that may stay for the next document.
   explicit Region(size_t kept) : m_kept(kept) {}
 
-  // Null when the heap is exhausted. Aligned for any type.
+  // Up to reset() there may be so many bytes, and as many as may stay; at first any number.
+  void allow(size_t bytes);
+  size_t most() const { return m_kept + m_allowed; }
+  bool spent() const { return m_spent; }  // whether more was asked for
+
+  // Null when the heap is exhausted, or what is allowed. Aligned for any type.
   void *allocate(size_t size);
 
   // As realloc. The piece taken last grows in place.
@@ -24,14 +29,19 @@ class Region {
   void reset();
 
  private:
+  static constexpr size_t kAny = static_cast<size_t>(-1) / 4;
+
   struct Block {
     std::unique_ptr<char[]> bytes;
     size_t size;
   };
 
   bool addBlock(size_t size);
+  size_t left() const;
 
   size_t m_kept;
+  size_t m_allowed = kAny;
+  bool m_spent = false;
   std::vector<Block> m_blocks;  // the last one is in use
   char *m_next = nullptr;
   char *m_end = nullptr;
