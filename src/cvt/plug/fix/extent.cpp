@@ -66,6 +66,13 @@ bool collect(const LevelPlan &level, size_t from, size_t to, size_t &offset, Sta
   return true;
 }
 
+Start tagsOf(const LevelPlan &level, size_t from, size_t to) {
+  size_t offset = 0;
+  Start start;
+  collect(level, from, to, offset, start);
+  return start;
+}
+
 bool mayBeMissing(const LevelPlan &level, const Op &op) {
   return op.optional || (op.kind == Kind::Loop && level.loops[op.detail].least == 0);
 }
@@ -108,23 +115,21 @@ std::vector<Start> startsOf(const LevelPlan &level, size_t position) {
     return all;
   }
   if (op.kind == Kind::Group) return startsAt(level, position + 1, next);
-  size_t offset = 0;
-  std::vector<Start> one(1);
-  collect(level, op.kind == Kind::Record ? position + 1 : position, next, offset, one[0]);
-  return one;
+  return {tagsOf(level, op.kind == Kind::Record ? position + 1 : position, next)};
 }
 
 std::vector<Start> startsAt(const LevelPlan &level, size_t from, size_t to) {
-  if (from == to) return {Start{}};
-  const Op &first = level.ops[from];
-  if (isField(first.kind)) {
-    size_t offset = 0;
-    std::vector<Start> one(1);
-    collect(level, from, to, offset, one[0]);
-    return one;
+  std::vector<Start> all;
+  for (size_t i = from; i < to; i = nextOf(level, i)) {
+    const Op &op = level.ops[i];
+    if (isField(op.kind)) {
+      all.push_back(tagsOf(level, i, to));
+      return all;
+    }
+    append(all, startsOf(level, i));
+    if (!mayBeMissing(level, op)) return all;
   }
-  std::vector<Start> all = startsOf(level, from);
-  if (mayBeMissing(level, first)) append(all, startsAt(level, nextOf(level, from), to));
+  all.emplace_back();
   return all;
 }
 

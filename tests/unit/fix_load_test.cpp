@@ -1,0 +1,47 @@
+// Loading large definitions of the format `fix`: time in proportion to size, and no more stack than there is.
+#include <gtest/gtest.h>
+#include <time.h>
+
+#include "fix_config.h"
+
+using namespace test::fix;
+
+namespace {
+
+// Processor time, so that a busy machine does not fail the test.
+double seconds() {
+  timespec t{};
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+  return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec) * 1e-9;
+}
+
+// Of a loop around a mandatory record and that many optional ones before it.
+double loadSeconds(int nRecords) {
+  std::vector<FormatNode> body;
+  const FormatNode tag = field("Tag", "nLen=\"2\" psConst=\"A1\" nTag=\"1\"");
+  for (int i = 0; i < nRecords; ++i)
+    body.push_back(record("R" + std::to_string(i), "nOptional=\"1\"", {tag}));
+  body.push_back(record("Last", "", {field("Tag", "nLen=\"2\" psConst=\"Z9\" nTag=\"1\"")}));
+  FixConfig config;
+  config.message("M", "", {loop("L", "psUntil=\"tag\"", body)});
+  const double start = seconds();
+  EXPECT_EQ(config.start(), 0) << told();
+  const double taken = seconds() - start;
+  const std::string s = "A1A1Z9Z9A1Z9";
+  EXPECT_EQ(generate(parse("M", s)), s) << told();
+  cvtEnd();
+  return taken;
+}
+
+}  // namespace
+
+TEST(FixLoad, ManyOptionalRecordsInALoopTakeTimeInProportion) {
+  const double few = loadSeconds(1000);
+  const double many = loadSeconds(40000);
+  std::printf("1000 records: %.3f s, 40000 records: %.3f s\n", few, many);
+  EXPECT_LT(many, 80 * few);
+}
+
+TEST(FixLoad, SixtyThousandOptionalRecordsInALoopDoNotExhaustTheStack) {
+  EXPECT_GT(loadSeconds(60000), 0);
+}
