@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -97,6 +98,20 @@ TEST(Framing, HowTheStreamArrivesMakesNoDifference) {
 TEST(Framing, AMessageLargerThanTheReadersChunkIsOne) {
   const std::string large(300000, 'x');
   EXPECT_EQ(messages("line", large + "\n" + large, 70000), (Messages{large, large}));
+}
+
+// As a pipe delivers it.
+TEST(Framing, ALargeMessageInSmallPiecesTakesTimeInProportion) {
+  const auto seconds = [](size_t megabytes) {
+    const std::string bytes(megabytes << 20, 'x');
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(messages("line", bytes, 4096), Messages{bytes});
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+  };
+  const double little = seconds(6);
+  const double much = seconds(60);
+  std::printf("6 MB: %.3f s, 60 MB: %.3f s\n", little, much);
+  EXPECT_LT(much, 25 * little + 0.2);
 }
 
 TEST(Framing, AMessageHasAZeroByteBehindItAndIsWritable) {

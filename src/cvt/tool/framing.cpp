@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <climits>
+#include <cstring>
 
 namespace tool {
 namespace {
@@ -135,8 +136,9 @@ Frame FrameReader::take(size_t headSize, size_t bodySize, size_t tailSize) {
   frame.offset = offset() + headSize;
   frame.size = bodySize;
   const std::string_view body = frame.raw.substr(headSize, bodySize);
-  if (body.data() + body.size() == m_buffer.data() + m_buffer.size()) {
-    frame.data = m_buffer.data() + m_start + headSize;  // the buffer's own zero stands behind it
+  if (body.data() + body.size() == m_buffer.data() + m_filled) {
+    frame.data = m_buffer.data() + m_start + headSize;
+    m_buffer[m_filled] = '\0';
   } else {
     m_copy.assign(body);
     frame.data = m_copy.data();
@@ -153,18 +155,25 @@ bool FrameReader::have(size_t size) {
   return true;
 }
 
-bool FrameReader::fill() {
-  if (m_end) return false;
-  m_buffer.erase(0, m_start);
+// Moves the unread bytes to the front of the room.
+void FrameReader::dropTaken() {
+  if (m_start == 0) return;
+  std::memmove(m_buffer.data(), m_buffer.data() + m_start, unread());
+  m_filled -= m_start;
   m_base += m_start;
   m_start = 0;
-  const size_t held = m_buffer.size();
-  if (held > kMaxMessage) {
+}
+
+bool FrameReader::fill() {
+  if (m_end) return false;
+  dropTaken();
+  if (m_filled > kMaxMessage) {
     throw FramingError(offset(), "a message of more than " + bytes(kMaxMessage) + "; check --framing");
   }
-  m_buffer.resize(held + std::max(kChunk, held / 2));
-  const size_t got = m_read(m_buffer.data() + held, m_buffer.size() - held);
-  m_buffer.resize(held + got);
+  // Grows by a share of what is there, so that a large message is moved a few times only.
+  if (m_buffer.size() < m_filled + kChunk) m_buffer.resize(m_filled + std::max(kChunk, m_filled / 2));
+  const size_t got = m_read(m_buffer.data() + m_filled, m_buffer.size() - m_filled);
+  m_filled += got;
   m_end = got == 0;
   return !m_end;
 }

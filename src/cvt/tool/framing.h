@@ -58,7 +58,7 @@ class FrameReader {
   std::optional<Frame> next();
 
   // After a FramingError: what has been read and is not part of any message.
-  std::string_view rest() const { return std::string_view(m_buffer).substr(m_start); }
+  std::string_view rest() const { return std::string_view(m_buffer).substr(m_start, unread()); }
 
  private:
   std::optional<Frame> nextWhole();
@@ -68,14 +68,16 @@ class FrameReader {
   size_t bodySize(size_t headSize) const;
 
   Frame take(size_t headSize, size_t bodySize, size_t tailSize);
-  size_t unread() const { return m_buffer.size() - m_start; }
+  size_t unread() const { return m_filled - m_start; }
   bool have(size_t size);
+  void dropTaken();
   bool fill();
   uint64_t offset() const { return m_base + m_start; }
 
   Framing m_framing;
   ReadBytes m_read;
-  std::string m_buffer;
+  std::string m_buffer;  // room; the bytes of the stream end at m_filled
+  size_t m_filled = 0;
   size_t m_start = 0;   // first unread byte of m_buffer
   uint64_t m_base = 0;  // where m_buffer begins in the stream
   bool m_end = false;
