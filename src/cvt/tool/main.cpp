@@ -1,5 +1,10 @@
 // The command cvt2: parses, converts and generates messages with the library, and measures it.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstdarg>
+#include <cstring>
 #include <exception>
 
 #include "library.h"
@@ -22,6 +27,17 @@ extern "C" __attribute__((visibility("default"))) int logInfo(int nLevel, const 
 namespace tool {
 namespace {
 
+// A descriptor that is closed would be given to the first file opened, which then is read or written in its
+// place. It is given to /dev/null instead, opened so that to use it fails.
+void fillDescriptors() {
+  for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(fd, F_GETFD) >= 0) continue;
+    if (open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY) == fd) continue;
+    throw Failure(Exit::io, std::string("cannot open /dev/null: ") + std::strerror(errno) +
+                                "; do not close standard input, output or error");
+  }
+}
+
 Exit runVerb(const Options &options) {
   log::setVerbosity(options.verbosity);
   watchSignals();
@@ -41,6 +57,7 @@ Exit runVerb(const Options &options) {
 
 Exit runCommand(int argc, char **argv) {
   try {
+    fillDescriptors();
     return runVerb(readOptions(argc, argv));
   } catch (const Failure &failure) {
     log::report(failure.what());
