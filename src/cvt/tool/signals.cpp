@@ -13,12 +13,19 @@ void note(int signal) {
   f_noted = signal;
 }
 
+// A signal that is ignored stays so: nohup, or a shell that runs the command in the background, has seen to it.
+void watch(int signal) {
+  struct sigaction action {};
+  if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler == SIG_IGN) return;
+  action = {};
+  action.sa_handler = note;  // without SA_RESTART: a read that waits for input ends
+  sigaction(signal, &action, nullptr);
+}
+
 }  // namespace
 
 void watchSignals() {
-  struct sigaction action {};
-  action.sa_handler = note;  // without SA_RESTART: a read that waits for input ends
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaction(signal, &action, nullptr);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) watch(signal);
   std::signal(SIGPIPE, SIG_IGN);
 }
 

@@ -8,8 +8,8 @@ struct Interrupted {
   int signal;
 };
 
-// From now on SIGINT, SIGTERM and SIGHUP are only noted, and writing into a closed pipe is an error like any
-// other.
+// From now on SIGINT, SIGTERM and SIGHUP are only noted, unless they are ignored, and writing into a closed
+// pipe is an error like any other.
 void watchSignals();
 
 // Throws Interrupted when one has been noted.
