@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <system_error>
 
 #include "error.h"
 #include "signals.h"
@@ -44,7 +45,8 @@ size_t InputFile::read(char *to, size_t size) {
 
 void checkReadable(const std::string &path) {
   if (isStandard(path)) return;
-  if (std::filesystem::is_directory(path)) unreadable(path, "it is a directory");
+  std::error_code none;  // access says why it cannot be reached
+  if (std::filesystem::is_directory(path, none)) unreadable(path, "it is a directory");
   if (access(path.c_str(), R_OK) != 0) unreadable(path, std::strerror(errno));
 }
 

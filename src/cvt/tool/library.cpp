@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <set>
+#include <system_error>
 
 #include "log.h"
 
@@ -48,18 +49,26 @@ std::string absolute(const std::string &path) {
   return std::filesystem::absolute(path).lexically_normal().string();
 }
 
+[[noreturn]] void unusable(const std::string &config, const std::string &why) {
+  throw Failure(Exit::config, "configuration " + config + why);
+}
+
+bool isDirectory(const std::string &config) {
+  using Type = std::filesystem::file_type;
+  std::error_code error;
+  const Type type = std::filesystem::status(config, error).type();
+  if (type == Type::not_found) unusable(config, " does not exist; check -c or CVT2_CONFIG");
+  if (type == Type::none) unusable(config, ": " + error.message() + "; check -c or CVT2_CONFIG");
+  return type == Type::directory;
+}
+
 std::string rootOf(const std::string &config) {
   if (config.empty()) {
     throw Failure(Exit::config,
                   "no configuration: give a directory or a root file with -c, or set CVT2_CONFIG");
   }
-  if (!std::filesystem::exists(config)) {
-    throw Failure(Exit::config, "configuration " + config + " does not exist; check -c or CVT2_CONFIG");
-  }
-  const bool bDirectory = std::filesystem::is_directory(config);
-  if (!bDirectory && !config.ends_with(".xml")) {
-    throw Failure(Exit::config,
-                  "configuration " + config + ": expected a directory or a file ending in .xml");
+  if (!isDirectory(config) && !config.ends_with(".xml")) {
+    unusable(config, ": expected a directory or a file ending in .xml");
   }
   std::string root = absolute(config);
   while (root.size() > 1 && root.ends_with('/')) root.pop_back();
@@ -81,10 +90,9 @@ Library::Library(const std::string &config) {
   for (const std::string &notice : log::notices()) log::say("warning: " + notice);
   cvtEnd();
   if (result == 0) {
-    throw Failure(Exit::config, "configuration " + config + ": expected one root file ending in .xml in " +
-                                    root + "/All, found none");
+    unusable(config, ": expected one root file ending in .xml in " + root + "/All, found none");
   }
-  throw Failure(Exit::config, "configuration " + config + " does not load: " + cause);
+  unusable(config, " does not load: " + cause);
 }
 
 const FormatInfo &parsePipeline(const std::string &formatId) {

@@ -99,12 +99,17 @@ class Run {
   std::optional<OutputFile> m_rejects;
 };
 
+// One name for all the ways to a file, also to one that is not there yet or cannot be reached.
+std::filesystem::path nameOf(const std::string &path) {
+  std::error_code error;
+  const std::filesystem::path whole = std::filesystem::absolute(path, error);
+  const std::filesystem::path name = std::filesystem::weakly_canonical(whole, error);
+  return error ? whole.lexically_normal() : name;
+}
+
 bool isSameFile(const std::string &one, const std::string &other) {
-  const auto name = [](const std::string &path) {
-    return std::filesystem::weakly_canonical(std::filesystem::absolute(path));
-  };
-  std::error_code none;  // of files that are not there yet the names are compared
-  return std::filesystem::equivalent(one, other, none) || name(one) == name(other);
+  std::error_code none;
+  return std::filesystem::equivalent(one, other, none) || nameOf(one) == nameOf(other);
 }
 
 // The rejects replace what stood in their file before: that must be neither what is read nor what is written.
