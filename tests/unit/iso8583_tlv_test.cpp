@@ -266,6 +266,13 @@ TEST_F(Tlv, ALoopHasEachTagAsDataInItsOrder) {
   set(made, "L.Tag", "9F1A02");
   expectNotWritten(
       made, "L[0].Tag] Offset[22]: expected a tag of BER-TLV, 1 to 4 bytes, found \"\\x9F\\x1A\\x02\".");
+  const std::string sNone = "L[0].Tag] Offset[22]: expected a tag of BER-TLV, 1 to 4 bytes, found \"\".";
+  give(made, "L.Tag");
+  expectNotWritten(made, sNone);
+  const Wire untold = with({});
+  addTime(untold, "L");
+  set(untold, "L.Data", "AABB");
+  expectNotWritten(untold, sNone);
 }
 
 TEST_F(Tlv, ALoopHasItsTagsAsBytesWhateverTheMessagesBytesAre) {

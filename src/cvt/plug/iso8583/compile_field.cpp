@@ -242,14 +242,14 @@ uint32_t compileTag(const char *text, const Place &place) {
   const std::string digits = text;
   uint32_t tag = 0;
   std::string bytes;
-  bool good = !digits.empty() && digits.size() % 2 == 0 && digits.size() <= 8;
+  bool good = digits.size() % 2 == 0 && digits.size() <= 8;
   for (size_t i = 0; good && i < digits.size(); ++i) {
     const unsigned digit = hexDigit(digits[i]);
     good = digit <= 15;
     tag = tag << 4 | (digit & 15);
     if (i % 2 != 0) bytes += static_cast<char>(tag & 255);
   }
-  if (!good || tagLength(bytes) != bytes.size()) {
+  if (!good || !isTag(bytes)) {
     refuse(place, "a tag of BER-TLV, 1 to 4 bytes, in hexadecimal digits", "psTag " + kit::quoted(digits),
            "The first byte of a longer one ends in 1F, the next ones but the last have the highest bit set");
   }

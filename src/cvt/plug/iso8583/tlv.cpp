@@ -61,6 +61,10 @@ size_t tagLength(std::string_view bytes) {
   return 0;
 }
 
+bool isTag(std::string_view bytes) {
+  return !bytes.empty() && tagLength(bytes) == bytes.size();
+}
+
 Tlv readTlv(Input &in) {
   const char *const start = in.at();
   const size_t offset = in.offset();

@@ -22,6 +22,9 @@ struct Tlv {
 // Bytes of the tag that starts there; 0: no tag of at most 4 bytes starts there.
 size_t tagLength(std::string_view bytes);
 
+// Whether the bytes are one tag and nothing else.
+bool isTag(std::string_view bytes);
+
 // Throws Fault for what is none, is cut, or has a length that could be written shorter.
 Tlv readTlv(Input &in);
 

@@ -178,7 +178,7 @@ void Writer::tagAndValue(const Container &container, const List &list) {
   content(tag, list);
   const std::string_view name(m_out.at(from), m_out.offset() - from);
   m_out.rewind(from);  // the tag is written when the value's length is known
-  if (tagLength(name) != name.size()) {
+  if (!isTag(name)) {
     throw Fault(Fault::kHere, "a tag of BER-TLV, 1 to 4 bytes", kit::quoted(name.data(), name.size()));
   }
   uint32_t number = 0;
