@@ -56,9 +56,35 @@ std::vector<Attack> attacks(const std::string &sBait, const std::string &sOpen, 
   const std::string sNo = "a DOCTYPE: remove it";
   const std::string sNoMessage = "expected no DOCTYPE";
   const size_t kMany = 200000;
-  const std::string sSpacious =
-      withAttributes(" xmlns:q='" + std::string(140000, 'u') + "'" +
-                     numbered(4000, [](const std::string &s) { return " q:a" + s + "=''"; }));
+  // Elements and attributes in namespaces of that length.
+  const auto elementsIn = [&](size_t nUri, size_t nTimes) {
+    return sOpen + sInside + "<x xmlns='" + std::string(nUri, 'u') + "'>" + repeated("<a/>", nTimes) +
+           "</x>" + sClose;
+  };
+  const auto attributesIn = [&](size_t nUri, size_t nTimes) {
+    const std::string sHalf(nUri / 2, 'u');
+    const auto declaration = [&](const std::string &s) {
+      return " xmlns:p" + s + "='" + sHalf + std::to_string(10 + std::stoi(s)) + sHalf + "'";
+    };
+    const auto attribute = [](const std::string &s) { return " p" + s + ":x=''"; };
+    return sOpen + sInside + "<x" + numbered(60, declaration) + ">" +
+           repeated("<a" + numbered(60, attribute) + "/>", nTimes) + "</x>" + sClose;
+  };
+  // The outermost of them is the one that is used.
+  const auto manyNamespaces = [&](size_t nTimes) {
+    const auto level = [](const std::string &sLevel) {
+      return "<x" +
+             numbered(60,
+                      [&](const std::string &s) { return " xmlns:p" + sLevel + "_" + s + "='" + s + "'"; }) +
+             ">";
+    };
+    return sOpen + sInside + numbered(60, level) + repeated("<a p0_0:x=''/>", nTimes) + repeated("</x>", 60) +
+           sClose;
+  };
+  const std::string sLongUri = "expected a namespace URI of at most 1024 bytes";
+  const std::string sCrowded =
+      withAttributes(" xmlns:q='" + std::string(1000, 'u') + "'" +
+                     numbered(20000, [](const std::string &s) { return " q:a" + s + "=''"; }));
   return {
       {"entity bomb in a text", doctype("[" + bomb() + "]", "&e29;"), sNo, sNoMessage},
       {"entity bomb in an attribute", doctype("[" + bomb() + "]", "<x a='&e29;'/>"), sNo, sNoMessage},
@@ -111,8 +137,18 @@ std::vector<Attack> attacks(const std::string &sBait, const std::string &sOpen, 
       {"200,000 namespaces",
        withAttributes(numbered(kMany, [](const std::string &s) { return " xmlns:a" + s + "='u'"; })),
        "more than 300 namespaces", "attributes"},
-      {"4,000 attributes in a namespace of 140 KB", sSpacious, "?", "at most 64 attributes, found 4001"},
-      {"the same in UTF-16", "\xFF\xFE" + widened(sSpacious, 0, 1), "?", "bytes of memory to read"},
+      {"20,000 attributes in a namespace of 1 KB", "<!---->" + sCrowded, "?",
+       "at most 64 attributes, found "},
+      {"the same in UTF-16", "\xFF\xFE" + widened(sCrowded, 0, 1), "?", "bytes of memory to read"},
+      {"100,000 elements in a namespace of 400 KB", elementsIn(400000, 100000), "?", sLongUri},
+      {"the same and a comment", elementsIn(400000, 100000) + "<!-- -->", "?", sLongUri},
+      {"100,000 elements in a namespace of 1 KB and a comment", elementsIn(1000, 100000) + "<!-- -->", "",
+       ""},
+      {"9,000 attributes in namespaces of 20 KB", attributesIn(20000, 150), "?", sLongUri},
+      {"the same and a comment behind", attributesIn(20000, 150) + "<!-- -->", "?", sLongUri},
+      {"90,000 attributes in namespaces of 1 KB", attributesIn(1000, 1500), "", ""},
+      {"the same and a comment behind it", attributesIn(1000, 1500) + "<!-- -->", "", ""},
+      {"3,600 namespaces open", manyNamespaces(100000), "?", ""},
       {"one attribute 200,000 times", withAttributes(repeated(" a=''", kMany)), "?", "at most 64 attributes"},
       {"attribute of 3 MB", withAttributes(" a='" + std::string(3000000, 'a') + "'"), "more than 1 MiB", ""},
       {"attribute of a million references", withAttributes(" a='" + repeated("&#65;", 1000000) + "'"), "?",

@@ -102,6 +102,19 @@ TEST_F(XmlHostile, AttributesAndNamespaceDeclarationsAreLimited) {
       << told();
 }
 
+TEST_F(XmlHostile, ANamespaceUriIsLimited) {
+  const std::string sHead = "<M xmlns='urn:m' xmlns:p='urn:p' p:id='1'><x xmlns:q='";
+  for (const char *const psBehind : {"", "<!-- -->"}) {
+    const std::string sTail = std::string("' q:a='1'/></M>") + psBehind;
+    EXPECT_NE(parse("Skip", sHead + std::string(1024, 'u') + sTail), nullptr) << told();
+    test::clearLog();
+    EXPECT_EQ(parse("Skip", sHead + std::string(1025, 'u') + sTail), nullptr);
+    EXPECT_TRUE(
+        told("Offset[42]: expected a namespace URI of at most 1024 bytes, found one of 1025. Shorten it."))
+        << told();
+  }
+}
+
 // A document is parsed in pieces: tags, texts and characters of several bytes are cut at their ends.
 TEST_F(XmlHostile, LongDocumentsAreReadAlikeWhereverTheirPiecesEnd) {
   const std::string sHead = "<M xmlns='urn:m' xmlns:p='urn:p' p:id='1'><p:g Ccy='";

@@ -87,6 +87,13 @@ bool addName(std::vector<T> &all, kit::NameTable &locals, const T &added) {
   }
 }
 
+void limitUri(const std::string &uri, const Scope &scope) {
+  if (uri.size() <= kLongestUri) return;
+  throw Misconfigured(scope.path, scope.record,
+                      "a namespace URI of at most " + std::to_string(kLongestUri) + " bytes",
+                      "one of " + std::to_string(uri.size()), "Shorten it");
+}
+
 class Compiler {
  public:
   Compiler(const Msg &msg, const XmlMsg &document)
@@ -208,6 +215,7 @@ void Compiler::prefixes() {
       throw Misconfigured("", &m_document, "each prefix once in psPrefixes", "\"" + prefix + "\" twice",
                           "Remove one");
     }
+    limitUri(uri, scope);
     m_plan->prefixes.push_back({prefix, uri});
   }
 }
@@ -438,6 +446,7 @@ Element Compiler::element(const char *node, const std::string &name, const Scope
                         "Raise nMaxDepth of XmlMsg");
   }
   const std::string own = space == nullptr ? scope.defaultSpace : space;
+  limitUri(own, scope);
   Element made;
   made.node = node;
   made.name = name;

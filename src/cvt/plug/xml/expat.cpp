@@ -3,6 +3,7 @@
 #include <expat.h>
 
 #include <algorithm>
+#include <cstring>
 #include <exception>
 #include <limits>
 #include <random>
@@ -115,6 +116,7 @@ class Document {
       self.m_fault = std::current_exception();
       self.m_stoppedAt = XML_GetCurrentByteIndex(self.m_parser);
       XML_StopParser(self.m_parser, XML_FALSE);
+      self.m_room.region.allow(0);  // for the rest of the tag, which it still takes apart
     }
   }
 
@@ -139,8 +141,14 @@ class Document {
       self.m_reader.text({bytes, static_cast<size_t>(length)}, Reader::Bytes::Passing);
     });
   }
-  static void onDeclaration(void *data, const XML_Char *, const XML_Char *) {
-    static_cast<Document *>(data)->m_declarations += 1;
+  static void onDeclaration(void *data, const XML_Char *, const XML_Char *uri) {
+    guard(data, [&](Document &self) {
+      self.m_declarations += 1;
+      const size_t length = uri == nullptr ? 0 : std::strlen(uri);
+      if (length <= kLongestUri) return;
+      throw Fault(Fault::kHere, "a namespace URI of at most " + std::to_string(kLongestUri) + " bytes",
+                  "one of " + std::to_string(length), "Shorten it");
+    });
   }
   static void onDoctype(void *data, const XML_Char *name, const XML_Char *, const XML_Char *, int) {
     guard(data, [&](Document &self) {

@@ -9,6 +9,10 @@ namespace cvt::xml {
 inline constexpr std::string_view kXmlUri = "http://www.w3.org/XML/1998/namespace";
 inline constexpr std::string_view kXmlnsUri = "http://www.w3.org/2000/xmlns/";
 
+// Those of documents in use have a tenth of it. Without a limit each name in a long one would cost as much as it has
+// bytes.
+inline constexpr size_t kLongestUri = 1024;
+
 // Whether it is an XML name; colons are allowed.
 bool isName(const std::string &name);
 

@@ -10,6 +10,10 @@ namespace cvt::xml {
 
 namespace {
 
+// Attributes of an element, and namespaces declared so far, that are gone over one by one. Where there are more the
+// other parser looks, which has tables.
+constexpr size_t kMost = 64;
+
 // What a byte can be. Bytes of texts in other scripts are none of these.
 enum Class : unsigned char {
   kNameStart = 1,  // of names of ASCII characters, but for the colon
@@ -388,6 +392,7 @@ bool Scanner::decode(std::string_view raw, std::string_view &value) {
 bool Scanner::declare(std::string_view prefix, std::string_view uri) {
   const bool reserved = prefix == "xml" || prefix == "xmlns" || uri == kXmlUri || uri == kXmlnsUri;
   if (reserved || (!prefix.empty() && uri.empty())) return false;
+  if (uri.size() > kLongestUri || m_memory.bindings.size() > kMost) return false;
   for (size_t i = m_memory.open.back().bindings; i < m_memory.bindings.size(); ++i) {
     if (m_memory.bindings[i].prefix == prefix) return false;  // twice in one tag
   }
@@ -424,9 +429,8 @@ bool Scanner::resolve() {
   return true;
 }
 
-// Each attribute comes once. Where there are many the other parser looks, which has a table.
+// Each attribute comes once.
 bool Scanner::distinct() const {
-  static constexpr size_t kMost = 64;
   const std::vector<Given> &all = m_room.given;
   if (all.size() > kMost) return false;
   for (size_t i = 1; i < all.size(); ++i) {
