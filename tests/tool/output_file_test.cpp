@@ -69,6 +69,35 @@ TEST(OutputFile, KeepsTheModeOfTheFileItReplaces) {
   EXPECT_EQ(status.st_mode & 07777, 0600u);
 }
 
+TEST(OutputFile, MakesTheFileThatALinkNames) {
+  const test::ConfigTree dir;
+  std::filesystem::create_directory(dir.path("sub"));
+  std::filesystem::create_symlink("sub/next", dir.path("link"));
+  std::filesystem::create_symlink(dir.path("target"), dir.path("sub/next"));
+  OutputFile file(dir.path("link"));
+  file.write("abc");
+  file.commit();
+  EXPECT_TRUE(std::filesystem::is_symlink(dir.path("link")));
+  EXPECT_TRUE(std::filesystem::is_symlink(dir.path("sub/next")));
+  EXPECT_EQ(content(dir.path("target")), "abc");
+  EXPECT_EQ(entries(dir.path()), 3u);
+}
+
+TEST(OutputFile, RefusesALinkThatLeadsToItself) {
+  const test::ConfigTree dir;
+  std::filesystem::create_symlink("other", dir.path("loop"));
+  std::filesystem::create_symlink("loop", dir.path("other"));
+  try {
+    OutputFile file(dir.path("loop"));
+    ADD_FAILURE();
+  } catch (const tool::Failure &failure) {
+    EXPECT_EQ(failure.code(), tool::Exit::io);
+    EXPECT_EQ(failure.what(), "cannot open " + dir.path("loop") + ": Too many levels of symbolic links");
+  }
+  EXPECT_TRUE(std::filesystem::is_symlink(dir.path("loop")));
+  EXPECT_EQ(entries(dir.path()), 2u);
+}
+
 TEST(OutputFile, WritesLargeContentInPieces) {
   const test::ConfigTree dir;
   OutputFile file(dir.path("out"));

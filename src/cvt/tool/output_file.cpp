@@ -6,10 +6,9 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <memory>
+#include <system_error>
 #include <utility>
 
 #include "error.h"
@@ -20,15 +19,7 @@ namespace {
 
 constexpr size_t kBuffer = size_t{64} * 1024;
 
-struct Free {
-  void operator()(char *p) const { std::free(p); }
-};
-
-// Where a path leads: a link stays a link, the file behind it is what is replaced.
-std::string behindLinks(const std::string &path) {
-  const std::unique_ptr<char, Free> real(realpath(path.c_str(), nullptr));
-  return real == nullptr ? path : std::string(real.get());
-}
+constexpr int kMaxLinks = 40;  // as many as the system follows
 
 mode_t modeOfNewFiles() {
   const mode_t mask = umask(0);
@@ -38,6 +29,16 @@ mode_t modeOfNewFiles() {
 
 }  // namespace
 
+std::string behindLinks(const std::string &path) {
+  namespace fs = std::filesystem;
+  fs::path target = path;
+  std::error_code none;
+  for (int i = 0; i < kMaxLinks && fs::is_symlink(target, none); ++i) {
+    target = target.parent_path() / fs::read_symlink(target, none);
+  }
+  return target.string();
+}
+
 OutputFile::OutputFile(const std::string &path) : m_name(path), m_fd(STDOUT_FILENO) {
   if (path.empty() || path == "-") {
     m_name = "standard output";
@@ -45,6 +46,7 @@ OutputFile::OutputFile(const std::string &path) : m_name(path), m_fd(STDOUT_FILE
   }
   struct stat status {};
   const bool bExists = stat(path.c_str(), &status) == 0;
+  if (!bExists && errno == ELOOP) fail("open");
   if (bExists && !S_ISREG(status.st_mode)) {
     m_fd = open(path.c_str(), O_WRONLY | O_CLOEXEC);
     if (m_fd < 0) fail("open");

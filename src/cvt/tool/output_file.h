@@ -6,6 +6,9 @@
 
 namespace tool {
 
+// Where a path leads, also when no file is there yet: a link stays a link, the file behind it is replaced or made.
+std::string behindLinks(const std::string &path);
+
 // A regular file is written aside, in its own directory, and takes its name at commit(); without a commit
 // nothing is left of it. Anything else (standard output, a device, a pipe) is written as it comes.
 // Every failure is thrown as an I/O Failure that names the file.

@@ -102,7 +102,7 @@ class Run {
 // One name for all the ways to a file, also to one that is not there yet or cannot be reached.
 std::filesystem::path nameOf(const std::string &path) {
   std::error_code error;
-  const std::filesystem::path whole = std::filesystem::absolute(path, error);
+  const std::filesystem::path whole = std::filesystem::absolute(behindLinks(path), error);
   const std::filesystem::path name = std::filesystem::weakly_canonical(whole, error);
   return error ? whole.lexically_normal() : name;
 }
