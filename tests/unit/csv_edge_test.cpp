@@ -2,6 +2,8 @@
 // something else.
 #include <gtest/gtest.h>
 
+#include <array>
+
 #include "csv_fixture.h"
 
 namespace {
@@ -139,6 +141,62 @@ TEST_F(CsvEdges, AnEmptyLastFieldBehindATagInBracesCanBeReadAgain) {
   for (const char *const ps : {"{10}\n", "{10}\n{20}c\n"}) same("Plain", ps);
   for (const char *const ps : {"{10}", "{10}{20}c"}) same("Line", ps);
   for (const char *const ps : {"{10}\n", "{10}a,\"\n"}) same("Rest", ps);
+}
+
+TEST_F(CsvEdges, AnEmptyFieldIsKeptWhereTheLineGetsTooLongBehindIt) {
+  const std::string sLimited = "psContinuation=\"88\" nMaxRecord=\"12\" ";
+  const std::string sBraces = sLimited + "psTagFront=\"{\" psTagBack=\"}\" ";
+  const std::vector<FormatNode> first = {record("R", "psTag=\"01\"", fields({"A", "B", "D"}))};
+  const std::vector<FormatNode> behind = {
+      record("R", "psTag=\"01\"", {field("F", "nLen=\"4\""), field("A"), field("B")})};
+  m_config.message("First", sBraces + "nShort=\"1\"", first);
+  m_config.message("FirstPlain", sBraces + "nShort=\"1\" psQuote=\"\"", first);
+  m_config.message("Behind", sLimited, behind);
+  m_config.message("BehindPlain", sLimited + "psQuote=\"\"", behind);
+  m_config.message("Full", "psContinuation=\"88\" nMaxRecord=\"8\"", behind);
+  start();
+  const auto written = [](const std::string &sName, const std::string &sB) {
+    const Text text = create(sName);
+    if (!sName.starts_with("First")) set(text, "F", "xxxx");
+    set(text, "B", sB);
+    return generate(text);
+  };
+  const std::vector<std::array<std::string, 3>> cases = {
+      {"First", "abcdefgh", "{01}\"\"\n{88}abcdefgh\n"},
+      {"FirstPlain", "abcdefgh", "{01}\n{88}\n{88}abcdefgh\n"},
+      {"Behind", "bcdefg", "01,xxxx\"\"\n88,bcdefg\n"},
+      {"BehindPlain", "bcdefg", "01,xxxx\n88,\n88,bcdefg\n"},
+      {"Full", "b", "01,xxxx\n88,\n88,b\n"},
+      {"Full", "bcdef", "01,xxxx\n88,\n88,bcdef\n"},
+  };
+  for (const auto &[sName, sB, sBytes] : cases) {
+    EXPECT_EQ(written(sName, sB), sBytes) << sName << told();
+    const Text text = parse(sName, sBytes);
+    ASSERT_NE(text, nullptr) << sName << told();
+    EXPECT_EQ(get(text, "A"), "") << sName;
+    EXPECT_EQ(get(text, "B"), sB) << sName;
+  }
+}
+
+TEST_F(CsvEdges, AnEmptyFieldIsKeptWhereTheRecordWasContinuedBehindIt) {
+  const std::string sMarked = "psContinuation=\"88\" psRecordEnd=\"/\" ";
+  const std::string sBraces = sMarked + "psTagFront=\"{\" psTagBack=\"}\" ";
+  const FormatNode wraps = field("Wraps", "psKind=\"wraps\"");
+  const std::vector<FormatNode> first = {record("R", "psTag=\"T1\"", {field("A"), field("B"), wraps})};
+  const std::vector<FormatNode> behind = {
+      record("R", "psTag=\"T1\"", {field("F", "nLen=\"2\""), field("A"), field("B"), wraps})};
+  m_config.message("First", sBraces, first);
+  m_config.message("FirstPlain", sBraces + "psQuote=\"\"", first);
+  m_config.message("Behind", sMarked, behind);
+  m_config.message("BehindPlain", sMarked + "psQuote=\"\"", behind);
+  m_config.message("Rests", sBraces,
+                   {record("R", "psTag=\"T1\"", {loop("L", "CsvField", "psKind=\"rest\"", "", {})})});
+  start();
+  for (const char *const ps : {"{T1}\"\"/\n{88} b/\n", "{T1}/\n{88}/\n{88}b/\n"}) same("First", ps);
+  for (const char *const ps : {"{T1}/\n{88}/\n{88}b/\n", "{T1}/\n{88},b/\n"}) same("FirstPlain", ps);
+  for (const char *const ps : {"T1,xx\"\"/\n88,b/\n", "T1,xx/\n88,/\n88,b/\n"}) same("Behind", ps);
+  for (const char *const ps : {"T1,xx/\n88,/\n88,b/\n", "T1,xx/\n88,/\n88,/\n"}) same("BehindPlain", ps);
+  for (const char *const ps : {"{T1}/\n{88}/\n{88}b/\n", "{T1}/\n{88}/\n{88}/\n"}) same("Rests", ps);
 }
 
 }  // namespace

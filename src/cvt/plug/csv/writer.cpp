@@ -1,5 +1,6 @@
 #include "writer.h"
 
+#include <algorithm>
 #include <charconv>
 #include <utility>
 
@@ -114,8 +115,17 @@ void Writer::lead() {
   if (m_separate && !m_dialect.terminated) put(m_dialect.separator);
 }
 
-// The end of a line, and the tag of the next one, instead.
-void Writer::wrap() {
+// The end of a line, and the tag of the next one, instead. bare: the field before left no byte, and is seen
+// in quotes or as a line of its own.
+void Writer::wrap(bool bare) {
+  if (bare) {
+    const bool quotes = m_dialect.quoteByte != 0 && !m_afterRest;
+    quotes && !isTooLong(m_line + 2 * m_dialect.quote.text.size()) ? quotedValue({}) : newLine();
+  }
+  newLine();
+}
+
+void Writer::newLine() {
   put(m_dialect.recordEnd);
   m_out.put(m_lineEnd.bytes);
   m_line = 0;
@@ -123,23 +133,17 @@ void Writer::wrap() {
   if (m_dialect.tagBack.empty()) put(m_dialect.separator);
 }
 
-size_t Writer::wrapLength() const {
-  return m_dialect.recordEnd.bytes.size() + m_lineEnd.bytes.size() + m_dialect.continuation.bytes.size() +
-         (m_dialect.tagBack.empty() ? m_dialect.separator.bytes.size() : 0);
-}
-
 // Whether the record is continued before this field: behind a rest, and where it was when it was read.
 bool Writer::wrapIsDue() {
   ++m_number;
-  const bool due = std::exchange(m_afterRest, false);
-  if (m_wraps.empty()) return due;
+  if (m_wraps.empty()) return m_afterRest;
   size_t number = 0;
   const auto [end, error] = std::from_chars(m_wraps.data(), m_wraps.data() + m_wraps.size(), number);
   if (error != std::errc() || number < m_number) {
     throw Fault(Fault::kHere, "numbers of fields in rising order where the record is continued",
                 kit::quoted(m_wraps.data(), m_wraps.size()), "Leave the field of kind wraps empty");
   }
-  if (number > m_number) return due;
+  if (number > m_number) return m_afterRest;
   m_wraps.remove_prefix(static_cast<size_t>(end - m_wraps.data()));
   if (!m_wraps.empty() && m_wraps[0] == ' ') m_wraps.remove_prefix(1);
   return true;
@@ -151,21 +155,38 @@ void Writer::tooLong() const {
               "Raise nMaxRecord of CsvMsg, or let records be continued with psContinuation");
 }
 
+// Whether a line of so many bytes, its end mark not counted, is longer than lines may be.
+bool Writer::isTooLong(size_t length) const {
+  return m_dialect.maxRecord != 0 && length + m_dialect.recordEnd.text.size() > m_dialect.maxRecord;
+}
+
+Writer::Start Writer::startField() {
+  const Place before = here();
+  const bool wrapped = wrapIsDue();
+  wrapped ? wrap(before.offset == m_bare) : lead();
+  return {before, here(), wrapped};
+}
+
 // Behind a field: a line that has got too long is continued before it.
-void Writer::done(Place before, Place behindLead, bool wrapped) {
-  if (m_dialect.maxRecord != 0 && m_line + m_dialect.recordEnd.text.size() > m_dialect.maxRecord) {
-    if (wrapped || m_dialect.continuation.empty() || m_number == 1) tooLong();
-    const size_t length = m_out.offset() - behindLead.offset;
-    const size_t lineLength = m_line - behindLead.line;
-    const size_t target = before.offset + wrapLength();
-    if (target + length > m_out.offset()) m_out.reserve(target + length - m_out.offset());
-    std::memmove(m_out.at(target), m_out.at(behindLead.offset), length);
-    m_out.rewind(before.offset);
-    wrap();
-    m_out.reserve(length);
-    m_line += lineLength;
-    if (m_line + m_dialect.recordEnd.text.size() > m_dialect.maxRecord) tooLong();
-  }
+void Writer::done(const Start &start, Shape shape) {
+  if (isTooLong(m_line)) moveToNewLine(start);
+  if (!m_separate && m_out.offset() == start.before.offset) m_bare = start.before.offset;
+  m_separate = shape != Shape::Fixed;
+  m_afterRest = shape == Shape::Rest;
+}
+
+void Writer::moveToNewLine(const Start &start) {
+  if (start.wrapped || m_dialect.continuation.empty() || m_number == 1) tooLong();
+  const size_t from = start.before.offset;
+  const size_t length = m_out.offset() - start.behindLead.offset;
+  const size_t lineLength = m_line - start.behindLead.line;
+  std::memmove(m_out.at(from), m_out.at(start.behindLead.offset), length);
+  m_out.rewind(from + length);
+  m_line = start.before.line;
+  wrap(from == m_bare);
+  std::rotate(m_out.at(from), m_out.at(from + length), m_out.at(m_out.offset()));
+  m_line += lineLength;
+  if (isTooLong(m_line)) tooLong();
 }
 
 // A field that may be left out at the end of the record waits for one behind it that must be written.
@@ -196,10 +217,7 @@ void Writer::rest(const Field &field, std::string_view text) {
 }
 
 void Writer::putField(std::string_view text, Style style) {
-  const Place before = here();
-  const bool wrapped = wrapIsDue();
-  wrapped ? wrap() : lead();
-  const Place behindLead = here();
+  const Start start = startField();
   const bool quotes = m_dialect.quoteByte != 0;
   if (text.empty()) {
     if (quotes && (style.kept || style.quoted)) quotedValue(text);
@@ -214,16 +232,11 @@ void Writer::putField(std::string_view text, Style style) {
                 kit::quoted(std::string(text)), "Without quotes they cannot be told from the text's own");
   }
   if (m_dialect.terminated) put(m_dialect.separator);
-  if (!m_separate && m_out.offset() == before.offset) m_bare = before.offset;
-  m_separate = true;
-  done(before, behindLead, wrapped);
+  done(start, Shape::Variable);
 }
 
 void Writer::putFixed(const Field &field, std::string_view text) {
-  const Place before = here();
-  const bool wrapped = wrapIsDue();
-  wrapped ? wrap() : lead();
-  const Place behindLead = here();
+  const Start start = startField();
   const size_t characters = kit::Charset::countUtf8(text.data(), text.size());
   if (characters > field.length || (characters < field.length && !field.padded)) {
     throw Fault(Fault::kHere, std::to_string(field.length) + " characters",
@@ -235,15 +248,11 @@ void Writer::putFixed(const Field &field, std::string_view text) {
   }
   value(text);
   for (size_t i = characters; i < field.length; ++i) value({&field.pad, 1});
-  m_separate = false;
-  done(before, behindLead, wrapped);
+  done(start, Shape::Fixed);
 }
 
 void Writer::putRest(std::string_view text) {
-  const Place before = here();
-  const bool wrapped = wrapIsDue();
-  wrapped ? wrap() : lead();
-  const Place behindLead = here();
+  const Start start = startField();
   const bool breaks =
       m_dialect.lineEnd != LineEnd::None && text.find_first_of("\r\n") != std::string_view::npos;
   const bool marked =
@@ -253,10 +262,8 @@ void Writer::putRest(std::string_view text) {
     throw Fault(Fault::kHere, "a value without line ends and marks", kit::quoted(std::string(text)));
   }
   plainValue(text);
-  m_separate = true;
-  m_afterRest = true;
   m_simple = false;
-  done(before, behindLead, wrapped);
+  done(start, Shape::Rest);
 }
 
 // --- Records
@@ -307,7 +314,7 @@ void Writer::end(const Field *first) {
   }
   if (m_out.offset() == m_start) {
     standIn(first);
-  } else if (m_out.offset() == m_bare && m_dialect.quoteByte != 0) {
+  } else if (m_out.offset() == m_bare && m_dialect.quoteByte != 0 && !m_afterRest) {
     quotedValue({});  // nothing separates the empty last field from what stands before it
   }
   if (first != nullptr && first->shape == Shape::Fixed && !m_dialect.comment.empty()) checkNoComment();

@@ -54,6 +54,11 @@ class Writer {
     size_t line;    // bytes of the line, in UTF-8
   };
   Place here() const { return {m_out.offset(), m_line}; }
+  struct Start {  // of a field
+    Place before;
+    Place behindLead;
+    bool wrapped;  // it begins a line
+  };
 
   void put(const Literal &literal) {
     m_out.put(literal.bytes);
@@ -67,14 +72,17 @@ class Writer {
   void escapedValue(std::string_view text);
   bool looksLikeStart(std::string_view value) const;
   bool mustQuote(std::string_view value) const;
+  Start startField();
   void lead();
-  void wrap();
-  size_t wrapLength() const;
+  void wrap(bool bare);
+  void newLine();
+  bool isTooLong(size_t length) const;
   bool postponed(const Field *field, bool needed);
   void putField(std::string_view value, Style style);
   void putFixed(const Field &field, std::string_view value);
   void putRest(std::string_view value);
-  void done(Place before, Place behindLead, bool wrapped);
+  void done(const Start &start, Shape shape);
+  void moveToNewLine(const Start &start);
   void endLine();
   bool wrapIsDue();
   void standIn(const Field *first);
@@ -89,8 +97,8 @@ class Writer {
   bool m_first = true;        // nothing of the text was written
   bool m_endPending = false;  // the record before has no line end yet
   bool m_separate = false;    // a separator belongs before the next field
-  bool m_afterRest = false;
-  bool m_blank = false;  // nothing stands in the record's line
+  bool m_afterRest = false;   // the field before took all of its line
+  bool m_blank = false;       // nothing stands in the record's line
   size_t m_line = 0;
   size_t m_start = 0;   // offset of the record
   size_t m_bare = 0;    // of an empty field that left no byte
