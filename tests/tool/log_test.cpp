@@ -111,3 +111,10 @@ TEST_F(Log, ControlCharactersAreShownNotWritten) {
   log::say("found '\x1b[2J\n'");
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "cvt2: found '\\x1b[2J\\x0a'\n");
 }
+
+TEST_F(Log, BytesThatATerminalMightObeyAreShownNotWritten) {
+  testing::internal::CaptureStderr();
+  log::say("found '\xc2\x9b\x33\x31m \x9b\x33\x31m' M\xc3\xbcnchen \xe2\x82\xac");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "cvt2: found '\\xc2\\x9b31m \\x9b31m' M\xc3\xbcnchen \xe2\x82\xac\n");
+}

@@ -72,3 +72,11 @@ TEST(Text, HexHasTwoDigitsAByte) {
   tool::appendHex(out, "\x00\x0f\xff"s);
   EXPECT_EQ(out, "0x000fff");
 }
+
+TEST(Text, PrintableTextHoldsNoControlCharactersAndIsUtf8) {
+  EXPECT_EQ(tool::printable("a\xc3\xbc\xe2\x82\xac\xf0\x9f\x98\x80\xc2\xa0\xc4\x80"),
+            "a\xc3\xbc\xe2\x82\xac\xf0\x9f\x98\x80\xc2\xa0\xc4\x80");
+  EXPECT_EQ(tool::printable("\x1f\x20\x7e\x7f\0"s), "\\x1f ~\\x7f\\x00");
+  EXPECT_EQ(tool::printable("\xc2\x80\xc2\x9f"), "\\xc2\\x80\\xc2\\x9f");
+  EXPECT_EQ(tool::printable("\x80z\x9fz\xe9z\xc2"), "\\x80z\\x9fz\\xe9z\\xc2");
+}

@@ -6,6 +6,8 @@
 #include <iterator>
 #include <string_view>
 
+#include "text.h"
+
 namespace tool::log {
 namespace {
 
@@ -37,20 +39,6 @@ bool isNotice(const std::string &line) {
                                                         "Value psValue["};
   return std::any_of(kNotices.begin(), kNotices.end(),
                      [&](std::string_view notice) { return line.starts_with(notice); });
-}
-
-std::string printable(const std::string &text) {
-  constexpr std::string_view kHex = "0123456789abcdef";
-  std::string out;
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte >= 0x20 && byte != 0x7f) {
-      out += c;
-    } else {
-      out.append("\\x").append(1, kHex[byte >> 4]).append(1, kHex[byte & 0xf]);
-    }
-  }
-  return out;
 }
 
 // Where a record stands that failed. The root record fails with each of its sections, and says nothing.

@@ -38,8 +38,8 @@ bool has(const std::string &text);
 // All lines of level 1 since begin(), the innermost first.
 const std::vector<std::string> &trail();
 
-// Writes one line of the command's own, "cvt2: text", to standard error. Control characters are shown as \xNN:
-// the library quotes bytes of messages.
+// Writes one line of the command's own, "cvt2: text", to standard error, as printable() shows it: the library
+// quotes bytes of messages.
 void say(const std::string &text);
 
 // Says what failed and, with verbosity 1, the trail behind it; then begins anew.

@@ -1,5 +1,6 @@
 #include "text.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
@@ -36,6 +37,11 @@ size_t sequence(std::string_view bytes, size_t i) {
   return size;
 }
 
+void appendByte(std::string &out, uint8_t byte) {
+  out += kHex[byte >> 4];
+  out += kHex[byte & 0xf];
+}
+
 void appendEscape(std::string &out, uint8_t c) {
   switch (c) {
     case '"':
@@ -55,14 +61,17 @@ void appendEscape(std::string &out, uint8_t c) {
       return;
     default:
       out += "\\u00";
-      out += kHex[c >> 4];
-      out += kHex[c & 0xf];
+      appendByte(out, c);
   }
 }
 
 // U+0080 to U+009F, C2 80 to C2 9F, are control characters too.
 bool isC1(std::string_view utf8, size_t i) {
   return byteAt(utf8, i) == 0xc2 && byteAt(utf8, i + 1) < 0xa0;
+}
+
+bool isControl(std::string_view utf8, size_t i) {
+  return byteAt(utf8, i) < 0x20 || byteAt(utf8, i) == 0x7f || isC1(utf8, i);
 }
 
 std::array<int8_t, 256> base64Values() {
@@ -98,11 +107,23 @@ void appendJsonString(std::string &out, std::string_view utf8) {
   out += '"';
 }
 
-void appendHex(std::string &out, std::string_view bytes) {
-  for (size_t i = 0; i < bytes.size(); ++i) {
-    out += kHex[byteAt(bytes, i) >> 4];
-    out += kHex[byteAt(bytes, i) & 0xf];
+std::string printable(std::string_view text) {
+  std::string out;
+  while (!text.empty()) {
+    const size_t size = sequence(text, 0);
+    const std::string_view bytes = text.substr(0, std::max<size_t>(size, 1));
+    if (size > 0 && !isControl(text, 0)) {
+      out += bytes;
+    } else {
+      for (size_t i = 0; i < bytes.size(); ++i) appendByte(out += "\\x", byteAt(bytes, i));
+    }
+    text.remove_prefix(bytes.size());
   }
+  return out;
+}
+
+void appendHex(std::string &out, std::string_view bytes) {
+  for (size_t i = 0; i < bytes.size(); ++i) appendByte(out, byteAt(bytes, i));
 }
 
 void appendBase64(std::string &out, std::string_view bytes) {

@@ -1,4 +1,4 @@
-// text.h: how bytes are shown: JSON strings, base64, hexadecimal.
+// text.h: how bytes are shown: JSON strings, lines of a terminal, base64, hexadecimal.
 #pragma once
 
 #include <optional>
@@ -13,6 +13,9 @@ bool isUtf8(std::string_view bytes);
 // Appends UTF-8 text as a JSON string, quotes included. Control characters are escaped, so the string is also
 // safe on a terminal.
 void appendJsonString(std::string &out, std::string_view utf8);
+
+// The text as a terminal may get it: the bytes of control characters, and those that are not UTF-8, as \xNN.
+std::string printable(std::string_view text);
 
 void appendHex(std::string &out, std::string_view bytes);
 
