@@ -52,6 +52,49 @@ TEST_P(StdRegex, StepsAreCountedAnewInEveryCall) {
   for (int i = 0; i < 1000; ++i) ASSERT_EQ(of("abc", "^a.c$"), "1");
 }
 
+std::string times(size_t n, const std::string &sPart) {
+  std::string sAll;
+  while (n-- > 0) sAll += sPart;
+  return sAll;
+}
+
+TEST_P(StdRegex, AnItemThatRunsOverManyCharactersIsManySteps) {
+  loadCall("regexMatch", 2);
+  const std::string sNotQuite = std::string(29999, 'a') + "b";
+  const std::string sOften = std::string(19999, 'a') + "c";
+  std::string sClass;
+  for (char c = '\x80'; c < '\xc0'; ++c) sClass += std::string("\xc4") + c + "\xc6" + c;
+  const struct {
+    std::string sText;
+    std::string sPattern;
+  } cases[] = {
+      {std::string(65535, ' ') + "x", " +$"},
+      {std::string(65536, '1'), "\\d+[-/]\\d+"},
+      {std::string(65536, '1'), "\\d+[ab]|\\d+[cd]|\\d+[ef]|\\d+[gh]"},
+      {sNotQuite + sNotQuite, "a{30000}"},
+      {sNotQuite + sNotQuite, "a{30000,}+1|a{30000}2"},
+      {std::string(65536, 'a'), "(?<=ba{30000})a"},
+      {"a" + sOften + sOften + sOften, "^(a{20000}).*?\\1"},
+      {"a" + sOften + sOften + sOften, "^(?<first>a{20000}).*?(?P=first)"},
+      {times(32768, "\xc7\xa4"), "[" + sClass + "Ǥ]+x|y"},
+  };
+  for (const auto &c : cases) {
+    EXPECT_EQ(of(c.sText, c.sPattern), "refused") << c.sPattern;
+    EXPECT_NE(firstLine().find(": expected a match in at most 1000000 steps, found more."), std::string::npos)
+        << firstLine();
+  }
+}
+
+TEST_P(StdRegex, WhatLongTextsAreMatchedWithAsARuleIsNotTooManySteps) {
+  loadCall("regexMatch", 2);
+  EXPECT_EQ(of(std::string(4000, ' ') + "x", " +$"), "0");
+  EXPECT_EQ(of(std::string(65535, 'a') + ";", "^.*;$"), "1");
+  EXPECT_EQ(of(times(4096, "123456789012345a"), "\\d{16}"), "0");
+  EXPECT_EQ(of(times(9000, "name=1;"), "(\\w+)=(\\d+);\\1=\\2;$"), "1");
+  EXPECT_EQ(of(times(10000, "abcde "), "\\x{10330}|\\p{Lu}{3}|\\g{1}(x)"), "0");
+  EXPECT_EQ(of(times(13000, "a,b;"), "(?<=[,;]|a|b)x"), "0");
+}
+
 TEST_P(StdRegex, MemoryForGoingBackIsLimited) {
   loadCall("regexMatch", 2, "nRegexMemory='64' nRegexSteps='100000000'");
   EXPECT_EQ(of(std::string(50000, 'a'), "^(?:(a)|(b))*$"), "refused");
@@ -72,6 +115,14 @@ TEST_P(StdRegex, TextsAndPatternsAreNoLongerThanTheyMayBe) {
   EXPECT_EQ(
       firstLine(),
       "Func[regexMatch] Arg[2] Len[6]: expected a regular expression of at most 5 bytes, found a longer one. "
+      "Shorten it, or raise nRegexPattern of the plug-in.");
+  again();
+  loadCall("regexReplace", 3, "nRegexPattern='5'");
+  EXPECT_EQ(of("a", "a", "12345"), "12345");
+  EXPECT_EQ(of("a", "a", "123456"), "refused");
+  EXPECT_EQ(
+      firstLine(),
+      "Func[regexReplace] Arg[3] Len[6]: expected a replacement of at most 5 bytes, found a longer one. "
       "Shorten it, or raise nRegexPattern of the plug-in.");
 }
 

@@ -133,6 +133,7 @@ void regexExtract(kit::Call &call) {
 // Most results fit into the room that is tried first; a longer one is made once more, in place.
 void regexReplace(kit::Call &call) {
   Matching matching(call);
+  checkLength(call, 2, "a replacement", f_cache->limits().pattern, "nRegexPattern");
   const std::string_view replacement = call.utf8(2);
   char room[1024];
   const size_t length = matching.replace(replacement, room, sizeof room - 1);

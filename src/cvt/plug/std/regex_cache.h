@@ -1,7 +1,8 @@
 // regex_cache.h: regular expressions of PCRE2, compiled once and kept, and matched within limits.
 //
 // A match that backtracks without end is ended by counting: before each item of the pattern that is tried the
-// matcher calls back (a callout), over all starting points and all matches of one call of a function.
+// matcher calls back (a callout), over all starting points and all matches of one call of a function. An item may run
+// over many characters before the next callout: these are counted, too, by what each of them costs.
 #pragma once
 
 #define PCRE2_CODE_UNIT_WIDTH 8
@@ -34,7 +35,8 @@ struct RegexLimits {
 struct Regex {
   std::string text;
   std::unique_ptr<pcre2_code, RegexFree<pcre2_code_free>> code;
-  int groups;  // the largest number of one
+  int groups;           // the largest number of one
+  uint32_t lookbehind;  // characters that it goes back at most
 };
 
 // PCRE2's words for one of its errors.
@@ -56,7 +58,7 @@ class RegexCache {
   const Regex &compiled(std::string_view pattern);
 
   // Starts counting the steps of a call.
-  void begin() { m_left = m_limits.steps; }
+  void begin();
 
   const RegexLimits &limits() const { return m_limits; }
   pcre2_match_context *context() const { return m_context.get(); }
@@ -64,10 +66,13 @@ class RegexCache {
 
  private:
   Regex compile(std::string_view pattern) const;
-  static int countStep(pcre2_callout_block *, void *cache);
+  static int countStep(pcre2_callout_block *step, void *cache);
+  bool pay(const pcre2_callout_block &step);
 
   RegexLimits m_limits;
-  size_t m_left = 0;
+  size_t m_left = 0;      // of what the steps of this call may cost
+  size_t m_position = 0;  // in the text, where the last item was tried
+  size_t m_weight = 0;    // of that item
   std::unique_ptr<pcre2_match_data, RegexFree<pcre2_match_data_free>> m_match;
   std::unique_ptr<pcre2_match_context, RegexFree<pcre2_match_context_free>> m_context;
   std::unique_ptr<pcre2_jit_stack, RegexFree<pcre2_jit_stack_free>> m_stack;

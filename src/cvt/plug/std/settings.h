@@ -34,7 +34,7 @@ inline constexpr kit::Attribute kSettingsRows[] = {
     KIT_INT(Settings, nMaxResult, 1 << 20, 1, 2147483646, "bytes that the result of a function may have"),
     KIT_INT(Settings, nRegexSteps, 1'000'000, 1, 2'000'000'000, "steps that matching may take in one call"),
     KIT_INT(Settings, nRegexText, 65536, 1, 2147483646, "bytes of a text that is matched"),
-    KIT_INT(Settings, nRegexPattern, 1024, 1, 65536, "bytes of a regular expression"),
+    KIT_INT(Settings, nRegexPattern, 1024, 1, 65536, "bytes of a regular expression, and of a replacement"),
     KIT_INT(Settings, nRegexMemory, 1024, 64, 1 << 20, "KiB that matching may take to remember where to go back"),
     KIT_INT(Settings, nRegexKept, 128, 1, 65536, "regular expressions that are kept compiled"),
     KIT_FLAG(Settings, nRegexJit, 0, "1: regular expressions become machine code, which is faster and needs memory that "
