@@ -106,6 +106,36 @@ TEST_F(Group, GroupsStandInGroups) {
   expectRefused("05A3XYB", "G.H] Offset[26]: expected the end behind the last subfield, found \"B\".");
 }
 
+TEST_F(Group, AMandatoryGroupInAGroupHasAValue) {
+  const std::vector<FormatNode> members = {
+      field("A", "nLen=\"1\""),
+      group("H", "IsoGroup", "psPrefix=\"L\" nMandatory=\"1\"", {field("X", "nLen=\"1\"")})};
+  define(group("G", "IsoGroup", "nNumber=\"43\" psPrefix=\"LL\"", members));
+  for (const char *const psContent : {"03A1X", "02A0"}) expectBack(psContent);
+  expectRefused("01A", "G.H] Offset[23]: expected a value, found the end of the element. It is mandatory.");
+  const std::string sTold =
+      "expected a value, found none. It is mandatory; give something inside of it a value.";
+  expectNotWritten(with({{"A", "A"}}), "G.H] Offset[23]: " + sTold);
+  EXPECT_EQ(generate(with({})), "0200" + bitmap({60}) + "Z");
+  cvtEnd();
+  define(loop("G", "IsoGroup", "nNumber=\"43\" psPrefix=\"LL\"", "", members));
+  for (const char *const psContent : {"03A1X", "05A0B1X"}) expectBack(psContent);
+  const Wire wire = with({});
+  addTime(wire, "G");
+  set(wire, "G.A", "A");
+  expectNotWritten(wire, "G[0].H] Offset[23]: " + sTold);
+}
+
+TEST_F(Group, AMandatoryLoopInAGroupIsThere) {
+  define(group("G", "IsoGroup", "nNumber=\"43\" psPrefix=\"LL\"",
+               {field("A", "nLen=\"1\""), loop("Notes", "IsoGroup", "psPrefix=\"L\" nMandatory=\"1\"", "",
+                                               {field("Note", "psPrefix=\"L\"")})}));
+  for (const char *const psContent : {"02A0", "03A10", "04A21x"}) expectBack(psContent);
+  expectNotWritten(with({{"A", "A"}}),
+                   "G.Notes] Offset[23]: expected a value, found none. It is mandatory; give something "
+                   "inside of it a value.");
+}
+
 TEST_F(Group, ALoopRepeatsItsSubfieldsToTheEndOfTheElement) {
   define(loop("G", "IsoGroup", "nNumber=\"43\" psPrefix=\"LL\"", "nMin=\"1\" nMax=\"3\"",
               {field("A", "nLen=\"1\""), field("B", "psPrefix=\"L\"")}));

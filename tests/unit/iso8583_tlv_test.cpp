@@ -238,6 +238,19 @@ TEST_F(Tlv, TemplatesHoldTags) {
   expectRefused("7004 5A03123F", "G.T] Offset[26]: expected 3 bytes, found 2 and the end.");
 }
 
+TEST_F(Tlv, AMandatoryTemplateHasAValue) {
+  define({kTvr,
+          group("T", "IsoTlv", "psTag=\"70\" nMandatory=\"1\"", {field("Pan", "psTag=\"5A\" psType=\"b\"")}),
+          kOrder});
+  expectBack("950180 7003 5A0112");
+  expectBack("950180 7000");
+  expectRefused("950180", "G.T] Offset[25]: expected tag 70, found none. It is mandatory.");
+  const std::string sTold =
+      "G.T] Offset[25]: expected a value, found none. It is mandatory; give something inside of it a value.";
+  expectNotWritten(with({{"Tvr", "80"}}), sTold);
+  expectNotWritten(with({{"Tvr", "80"}, {"Order", "95 70"}}), sTold);
+}
+
 TEST_F(Tlv, SubfieldsStandInTags) {
   define({group("T", "IsoGroup", "psTag=\"70\" nLen=\"3\"",
                 {field("A", "nLen=\"1\""), field("B", "nLen=\"2\"")})});

@@ -51,8 +51,15 @@ void Writer::field(const Element &field, const List &list) {
   putPrefix(field, from, content(field, list), m_out);
 }
 
+// A group begins. Whether it is there is asked before anything of it is written.
+void Writer::enter(const Element &group, const List &list) {
+  m_call.path.enter(group.node);
+  if (!group.mandatory || groupGiven(group, list)) return;
+  throw Fault(Fault::kHere, "a value", "none", "It is mandatory; give something inside of it a value");
+}
+
 void Writer::group(const Element &element, const List &list) {
-  m_call.path.enter(element.node);
+  enter(element, list);
   const size_t from = m_out.offset();
   m_out.reserve(element.frame.bytes);
   inside(element, list);
@@ -164,7 +171,7 @@ void Writer::tagged(const Element &member, const List &list) {
     m_call.path.field(member.node);
     content(member, list);
   } else {
-    m_call.path.enter(member.node);
+    enter(member, list);
     inside(member, list);
     m_call.path.leave();
   }

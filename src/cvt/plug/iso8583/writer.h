@@ -20,6 +20,7 @@ class Writer {
 
  private:
   size_t content(const Element &field, const kit::List &list);
+  void enter(const Element &group, const kit::List &list);
   void group(const Element &element, const kit::List &list);
   void inside(const Element &element, const kit::List &list);
   void repetitions(const Element &element, const kit::List &list);
