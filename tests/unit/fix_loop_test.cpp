@@ -315,6 +315,17 @@ TEST(FixLoop, LenientRecordOfNoFixedLengthMayHaveBlanksBehindIt) {
   EXPECT_EQ(generate(parse("M", "01aa001    \n")), "01aa001\n");
 }
 
+TEST(FixLoop, BlanksBehindALenientRecordThatNothingEndsBelongToTheNextOne) {
+  const FormatNode codes =
+      record("Codes", "",
+             {field("Number", "nLen=\"1\" psType=\"number\""), loop("Code", "", {}, "Number", "nLen=\"2\"")});
+  const FormatNode texts = loop("Texts", "psUntil=\"end\"", {record("R", "", {field("Text", "nLen=\"4\"")})});
+  const OneMessage m({codes, texts}, "nLenient=\"1\" nWhole=\"1\"");
+  expectSame("1AA    WXYZ");
+  EXPECT_EQ(cvtGetLoopTime(parse("M", "1AA    WXYZ").get(), test::cs("Texts")), 2);
+  expectSame("1AA 100WXYZ");
+}
+
 TEST(FixLoop, PlainValueInALoopSlotIsRefused) {
   const OneMessage m({kCount, loop("Items", "", kItem, "Count")});
   const Record message = create("M");

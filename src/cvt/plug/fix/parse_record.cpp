@@ -29,9 +29,9 @@ void Parser::record(const LevelPlan &level, size_t i, List &values) {
     return;
   }
   members(level, i + 1, static_cast<size_t>(level.ops[i].next), values);
-  if (m_plan.lenient && plan.length == 0) {
-    while (m_at > start && left() > 0 && *m_at == plan.blank) ++m_at;
-  }
+  // Where nothing stands behind the record, blanks are what the next one begins with.
+  const bool blanksMayFollow = plan.length == 0 && plan.separator != kSeparatorNone;
+  if (blanksMayFollow && m_at > start) skipBlanks(plan);
   separator(plan.separator);
 }
 
@@ -117,13 +117,18 @@ void Parser::boundedRecord(const LevelPlan &level, size_t i, List &values) {
   separator(plan.separator);
 }
 
+// Behind the fields of a record whose end is known, in a lenient message.
+void Parser::skipBlanks(const RecordPlan &plan) {
+  while (m_plan.lenient && left() > 0 && *m_at == plan.blank) ++m_at;
+}
+
 // The fields must have used all of the record.
 void Parser::closeRecord(const RecordPlan &plan) {
   m_call.path.field(nullptr);
   if (plan.end == End::Filled) {
     skipPads(left(), plan.pad, "the rest of the record", "Correct psPad of the record, or set nLenient to 1");
   }
-  while (m_plan.lenient && left() > 0 && *m_at == plan.blank) ++m_at;
+  skipBlanks(plan);
   if (left() == 0) return;
   throw Fault(offset(), "the end of the record", found(left()),
               plan.hasLength ? "Correct the record's length, or add the field that this is" : "");

@@ -51,6 +51,7 @@ class Parser {
   [[noreturn]] void badLength(const RecordPlan &plan, size_t length) const;
   void lenientRecord(const LevelPlan &level, size_t i, kit::List &values);
   void boundedRecord(const LevelPlan &level, size_t i, kit::List &values);
+  void skipBlanks(const RecordPlan &plan);
   void closeRecord(const RecordPlan &plan);
   void separator(Separator kind);
 
