@@ -26,7 +26,7 @@ bool isStandard(const std::string &path) {
 
 InputFile::InputFile(const std::string &path)
     : m_name(isStandard(path) ? "standard input" : path),
-      m_fd(isStandard(path) ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
+      m_fd(isStandard(path) ? STDIN_FILENO : openWatched(path, O_RDONLY)) {
   if (m_fd < 0) unreadable(path, std::strerror(errno));
 }
 
@@ -35,12 +35,10 @@ InputFile::~InputFile() {
 }
 
 size_t InputFile::read(char *to, size_t size) {
-  for (;;) {
-    checkSignals();
-    const ssize_t got = ::read(m_fd, to, size);
-    if (got >= 0) return static_cast<size_t>(got);
-    if (errno != EINTR) throw Failure(Exit::io, "cannot read " + m_name + ": " + std::strerror(errno));
-  }
+  checkSignals();
+  const ssize_t got = uninterrupted([&] { return ::read(m_fd, to, size); });
+  if (got < 0) throw Failure(Exit::io, "cannot read " + m_name + ": " + std::strerror(errno));
+  return static_cast<size_t>(got);
 }
 
 void checkReadable(const std::string &path) {

@@ -48,7 +48,7 @@ OutputFile::OutputFile(const std::string &path) : m_name(path), m_fd(STDOUT_FILE
   const bool bExists = stat(path.c_str(), &status) == 0;
   if (!bExists && errno == ELOOP) fail("open");
   if (bExists && !S_ISREG(status.st_mode)) {
-    m_fd = open(path.c_str(), O_WRONLY | O_CLOEXEC);
+    m_fd = openWatched(path, O_WRONLY);
     if (m_fd < 0) fail("open");
     m_bOwnFd = true;
     return;
@@ -94,14 +94,9 @@ void OutputFile::write(std::string_view bytes) {
 void OutputFile::flush() {
   const std::string pending = std::exchange(m_buffer, {});  // gone also when writing fails: no second try
   for (std::string_view rest = pending; !rest.empty();) {
-    const ssize_t written = ::write(m_fd, rest.data(), rest.size());
-    if (written >= 0) {
-      rest.remove_prefix(static_cast<size_t>(written));
-    } else if (errno == EINTR) {
-      checkSignals();
-    } else {
-      fail("write");
-    }
+    const ssize_t written = uninterrupted([&] { return ::write(m_fd, rest.data(), rest.size()); });
+    if (written < 0) fail("write");
+    rest.remove_prefix(static_cast<size_t>(written));
   }
 }
 

@@ -1,5 +1,7 @@
 #include "signals.h"
 
+#include <fcntl.h>
+
 #include <csignal>
 #include <cstdlib>
 #include <initializer_list>
@@ -31,6 +33,11 @@ void watchSignals() {
 
 void checkSignals() {
   if (f_noted != 0) throw Interrupted{f_noted};
+}
+
+int openWatched(const std::string &path, int flags) {
+  checkSignals();
+  return uninterrupted([&] { return open(path.c_str(), flags | O_CLOEXEC); });
 }
 
 void endBySignal(int signal) {
