@@ -465,6 +465,45 @@ TEST_F(XmlAlternatives, ElementsOfOneNameAreToldApartByAConstantAttribute) {
   EXPECT_EQ(generate(document), std::regex_replace(all, std::regex("></E></M>"), "/></M>"));
 }
 
+TEST_F(XmlAlternatives, AreToldApartByTheValueThatTheAttributesSpaceLeaves) {
+  const auto valued = [](const std::string &node, const std::string &space, const std::string &constant) {
+    return group(node, "psName=\"E\"",
+                 {field("No" + node, "psKind=\"attribute\" psName=\"n\" psSpace=\"" + space +
+                                         "\" psConst=\"" + constant + "\""),
+                  field(node + "Value", "psName=\"v\"")});
+  };
+  config.message("M", "",
+                 {valued("Kept", "preserve", "a  b"), valued("Trimmed", "trim", "a b c"),
+                  valued("Collapsed", "collapse", "a b")});
+  ASSERT_EQ(config.start(), 0) << told();
+  const auto fieldOf = [](const std::string &value) {
+    const Document document = parse("M", "<M><E n='" + value + "'><v>x</v></E></M>");
+    if (document == nullptr) return std::string();
+    for (const char *const node : {"Kept", "Trimmed", "Collapsed"}) {
+      if (get(document, std::string(node) + "Value") == "x") return std::string(node);
+    }
+    return std::string("lost");
+  };
+  EXPECT_EQ(fieldOf("a  b"), "Kept");
+  EXPECT_EQ(fieldOf("a b"), "Collapsed");
+  EXPECT_EQ(fieldOf(" a  b"), "Collapsed");
+  EXPECT_EQ(fieldOf("a&#9;b"), "Collapsed");
+  EXPECT_EQ(fieldOf(" a b c "), "Trimmed");
+  test::clearLog();
+  EXPECT_EQ(fieldOf(" a  b c "), "");
+  EXPECT_TRUE(
+      told("expected E n=\"a  b\", E n=\"a b c\", E n=\"a b\" in <M>, found element E n=\" a  b c \"."))
+      << told();
+}
+
+TEST_F(XmlAlternatives, AreNotLostInADefinitionThatTrimsAndSkips) {
+  start("psSpace=\"trim\" psUnknown=\"skip\"");
+  const Document document = parse("M", "<M><E n=' 2 '>a</E><E n='3 '>b</E><E n=' 4 '>c</E></M>");
+  ASSERT_NE(document, nullptr) << told();
+  EXPECT_EQ(get(document, "Value2"), "a");
+  EXPECT_EQ(get(document, "Value3"), "b");
+}
+
 TEST_F(XmlAlternatives, MayComeInAnyOrderAndBeLeftOut) {
   start("");
   const Document document = parse("M", "<M><E n=\"32\">x</E><E n=\"7\">d</E><E n=\"2\">a</E></M>");

@@ -404,6 +404,7 @@ const Attribute *difference(const Element &one, const Element &other) {
 bool addTo(Alternatives &all, Element &element, int position) {
   const Attribute *attribute = constantAttribute(element, all.attribute);
   if (attribute == nullptr || !all.positions.add(attribute->text.constant, position)) return false;
+  element.valueSpace = attribute->text.space;
   element.shown = element.name + " " + all.attribute.name + "=\"" + attribute->text.constant + "\"";
   return true;
 }

@@ -65,6 +65,7 @@ struct Element : Named {
   bool field = false;  // a field: nothing but text
   bool mandatory = false;
   bool keepEmpty = false;
+  Space valueSpace = Space::Preserve;  // alternatives: of the value that tells it apart from the others
 
   std::optional<Text> text;
   std::vector<Attribute> attributes;

@@ -121,7 +121,17 @@ int Reader::child(const Frame &top, const Name &name, Attributes attributes) con
   const Alternatives *all = alternativesOf(parent, static_cast<size_t>(found));
   if (all == nullptr) return found;
   const std::string_view *value = valueOf(all->attribute, attributes);
-  return value == nullptr ? -1 : all->positions.find(*value);
+  return value == nullptr ? -1 : alternative(parent, *all, *value);
+}
+
+// The alternative whose constant the value is, read with that attribute's psSpace. A constant has no white space that
+// its psSpace would change, so one that is met by trimming is met by collapsing, too.
+int Reader::alternative(const Element &parent, const Alternatives &all, std::string_view value) const {
+  for (const Space space : {Space::Preserve, Space::Trim, Space::Collapse}) {
+    const int found = all.positions.find(spaced(value, space, m_room.collapsed));
+    if (found >= 0 && parent.children[static_cast<size_t>(found)].valueSpace >= space) return found;
+  }
+  return -1;
 }
 
 void Reader::openChild(Frame &top, const Name &name, Attributes attributes) {

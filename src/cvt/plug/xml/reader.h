@@ -70,6 +70,7 @@ class Reader {
   void openChild(Frame &top, size_t position, Attributes attributes);
   kit::List repetition(const Element &child, kit::List &list);
   int child(const Frame &top, const Name &name, Attributes attributes) const;
+  int alternative(const Element &parent, const Alternatives &all, std::string_view value) const;
   void collect(std::string_view bytes);
   void part(Frame &frame);
   bool takesMore(const Frame &frame, std::string_view bytes) const;
