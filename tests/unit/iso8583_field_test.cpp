@@ -285,6 +285,22 @@ TEST_F(Field, TheSeparatorOfATrackIsAHalfByte) {
   expectWritten("1234D56", "07" + bytes("1234D560"));
 }
 
+TEST_F(Field, ATrackIsNeverFilled) {
+  const std::string sTold = "Offset[20]: expected digits and separators of a track, found ";
+  define("psType=\"z\" psCoding=\"bcd\" psPad=\"F\" nLen=\"7\"");
+  expectBoth(bytes("1234D56F"), "1234=56");
+  expectNotWritten("1234=5F", sTold + "\"1234=5F\". Correct it, or psType.");
+  expectNotWritten("1234=5G", sTold + "\"1234=5G\". Correct it, or psType.");
+  cvtEnd();
+  define("psType=\"z\" nLen=\"8\"");
+  expectBoth("1234=567", "1234=567");
+  expectRefused("1234=5  ",
+                "Offset[26]: expected digits and separators of a track, found \"1234=5  \". Correct it, or "
+                "psType.");
+  expectNotWritten("1234=5  ", sTold + "\"1234=5  \". Correct it, or psType.");
+  expectNotWritten("1234=5", "Offset[20]: expected 8 digits, found 6. See nLen.");
+}
+
 TEST_F(Field, ASignStandsInFrontOfBcdDigits) {
   define("psType=\"x+n\" psCoding=\"bcd\" nLen=\"9\"");
   expectBoth("D" + bytes("00000150"), "D00000150");

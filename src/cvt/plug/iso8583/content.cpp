@@ -29,10 +29,10 @@ const char *unitOf(const Content &content) {
 
 // --- Texts
 
-// A text without the pads that a field of fixed length has.
+// A text without the pads that a field of fixed length has, if its type is filled at all.
 std::string_view withoutPads(const Element &field, std::string_view text) {
   const Content &content = field.content;
-  if (!field.frame.fixed || content.rawPad) return text;
+  if (!field.frame.fixed || content.rawPad || !fillable(content.type)) return text;
   if (content.right) return text.substr(kit::countStart(text.data(), text.size(), content.pad));
   return text.substr(0, kit::trimmedEnd(text.data(), text.size(), content.pad));
 }
