@@ -38,6 +38,7 @@ class JsonHostile : public testing::Test {
     m_config.message(
         "Names", "nMaxMembers=\"3\"",
         {loop("R", "psForm=\"value\"", "psForm=\"members\"", {field("K", "psKind=\"name\""), field("V")})});
+    m_config.message("FewOthers", "nMaxMembers=\"3\"", {field("A"), field("O", "psKind=\"others\"")});
     std::vector<FormatNode> wide;
     for (int i = 0; i < 20; ++i) wide.push_back(field("Field" + std::to_string(i)));
     m_config.message("Wide", "", wide);
@@ -147,6 +148,18 @@ TEST_F(JsonHostile, MembersWithoutADefinitionAreLimited) {
     set(text, "R.K", std::to_string(i));
   }
   EXPECT_EQ(generate(text), "failed");
+}
+
+TEST_F(JsonHostile, MembersThatWereKeptAreLimitedWhenTheyAreWritten) {
+  const Text text = create("FewOthers");
+  set(text, "O", R"("m":0,"n":1,"o":2)");
+  EXPECT_EQ(generate(text), R"({"m":0,"n":1,"o":2})") << told();
+  EXPECT_NE(parse("FewOthers", generate(text)), nullptr) << told();
+  set(text, "O", R"("m":0,"n":1,"o":2,"p":3)");
+  EXPECT_EQ(generate(text), "failed");
+  EXPECT_TRUE(told("Field[O] Offset[") &&
+              told("expected at most 3 members, found one more. Raise nMaxMembers of JsonMsg."))
+      << told();
 }
 
 TEST_F(JsonHostile, TheSizeOfATextIsLimited) {

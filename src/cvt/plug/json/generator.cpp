@@ -39,6 +39,7 @@ class Generator {
   void tuple(const Item &item, const List &list);
   void loop(const Item &item, const List &list);
   void name(const Item &item, const List &body);
+  bool addName(std::string_view name);
 
   bool plainMember(const Item &item, std::string_view text);
   void key(const Item &item);
@@ -212,7 +213,7 @@ void Generator::others(const Item &object, const Item &item, const List &list) {
     const std::string_view raw = in.name();
     const std::string_view member = in.member(raw);
     const std::string_view name = decoded(in, raw);
-    if (object.names.find(name) >= 0 || !f_names.add(name)) {
+    if (object.names.find(name) >= 0 || !addName(name)) {
       throw Fault(Fault::kHere, "members that the definition does not have, each once", quoted(raw),
                   "Remove it from the value");
     }
@@ -276,16 +277,21 @@ void Generator::name(const Item &item, const List &body) {
   const kit::Rule &rule = item.children[1].rule;
   m_path.field(rule.node);
   const std::string_view text = textToWrite(rule, body, m_path, m_digits);
-  if (f_names.count() >= m_plan.maxMembers) {
-    throw Fault(Fault::kHere, "at most " + std::to_string(m_plan.maxMembers) + " members", "one more",
-                "Raise nMaxMembers of JsonMsg");
-  }
-  if (!f_names.add(text)) {
+  if (!addName(text)) {
     throw Fault(Fault::kHere, "each name once", "a second " + quoted(text), "Make the names different");
   }
   putString(m_out, text, m_plan.ascii);
   m_out.put(m_plan.indent == 0 ? ":" : ": ");
   m_path.field(nullptr);
+}
+
+// False when the object has it already. As many are written as are read again.
+bool Generator::addName(std::string_view name) {
+  if (f_names.count() >= m_plan.maxMembers) {
+    throw Fault(Fault::kHere, "at most " + std::to_string(m_plan.maxMembers) + " members", "one more",
+                "Raise nMaxMembers of JsonMsg");
+  }
+  return f_names.add(name);
 }
 
 // The memory that checking a large value has taken is given back, whichever way.
