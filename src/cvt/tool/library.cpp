@@ -44,11 +44,6 @@ const FormatInfo &pipeline(const std::string &formatId, const IdFunc *chain(cons
   throw Failure(Exit::usage, purpose + " format '" + formatId + "'; known: " + listed(known));
 }
 
-// The start-up unit takes a root file apart at its last two slashes.
-std::string absolute(const std::string &path) {
-  return std::filesystem::absolute(path).lexically_normal().string();
-}
-
 [[noreturn]] void unusable(const std::string &config, const std::string &why) {
   throw Failure(Exit::config, "configuration " + config + why);
 }
@@ -62,6 +57,18 @@ bool isDirectory(const std::string &config) {
   return type == Type::directory;
 }
 
+// The start-up unit takes a root file apart at its last two slashes: its directory is written without links and
+// dots. The last name stays what it is, a link too, which may lead elsewhere at the next reload.
+std::string absolute(const std::filesystem::path &config) {
+  namespace fs = std::filesystem;
+  const fs::path name = config.filename();
+  const bool bNamed = !name.empty() && name != "." && name != "..";
+  std::error_code error;
+  const fs::path directory = fs::canonical(bNamed ? "." / config.parent_path() : config, error);
+  if (error) unusable(config, ": " + error.message() + "; check -c or CVT2_CONFIG");
+  return bNamed ? directory / name : directory;
+}
+
 std::string rootOf(const std::string &config) {
   if (config.empty()) {
     throw Failure(Exit::config,
@@ -70,9 +77,7 @@ std::string rootOf(const std::string &config) {
   if (!isDirectory(config) && !config.ends_with(".xml")) {
     unusable(config, ": expected a directory or a file ending in .xml");
   }
-  std::string root = absolute(config);
-  while (root.size() > 1 && root.ends_with('/')) root.pop_back();
-  return root;
+  return absolute(config);
 }
 
 }  // namespace
