@@ -74,7 +74,7 @@ PYTHON
 }
 
 # The same definition, but for lines of at most 80 bytes; and one that does not remember where records were continued.
-cp -r "$here" "$out/wrapped"
+cp -rT "$here" "$out/wrapped"
 sed -i 's/psContinuation="88"/psContinuation="88" nMaxRecord="80"/' "$out/wrapped/Message/Bai2File.xml"
 
 for name in sample1 sample2; do
