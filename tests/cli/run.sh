@@ -4,8 +4,8 @@
 #   tests/cli/run.sh BUILD_DIR CASE           compare                 CASE: cases/NAME.sh
 #   tests/cli/run.sh --rewrite BUILD_DIR CASE...   write what is expected anew; review it with git diff
 #
-#   cases/NAME.sh      the script: bash, in an empty directory of its own, with cvt2 in the PATH, the
-#                      configuration of tests/cli/config in CVT2_CONFIG, and $DATA, the directory tests/cli/data
+#   cases/NAME.sh      the script: bash, in an empty directory of its own, with cvt2 in the PATH and a copy of
+#                      the configuration tests/cli/config in CVT2_CONFIG
 #   cases/NAME.stdout  .stderr  .exit   what it writes and its exit code; no file: nothing, nothing, 0
 #
 # The case's directory, the build directory, times and rates are written <DIR>, <BUILD>, <SECONDS>, <RATE>.
@@ -48,7 +48,7 @@ one_case() {
   sed -i "s#@PLUGINS@#$build/lib#" "$work/config/All/root.xml"
   (
     cd "$work/cwd" || exit 2
-    export PATH="$build/bin:$PATH" CVT2_CONFIG="$work/config" DATA="$here/data" LC_ALL=C.UTF-8
+    export PATH="$build/bin:$PATH" CVT2_CONFIG="$work/config" LC_ALL=C.UTF-8
     bash "$here/cases/$name.sh" >"$work/out" 2>"$work/err" </dev/null
     code=$?
     [ "$code" = 0 ] || echo "$code" >"$work/result/exit"
