@@ -289,8 +289,8 @@ TEST_F(Message, TheRestMustBeWhatItSays) {
   expectNotWritten(
       with({{"Rest", "3:41"}, {"De4", "1"}}),
       "Field[De4] Offset[4]: expected no value behind data element 3, where the rest begins, found one.");
-  for (const char *const psBad :
-       {"3", "3,:41", "3,2:41", ":41", "0:41", "129:41", "3 :41", ",3:41", "3,3:"}) {
+  for (const char *const psBad : {"3", "3,:41", "3,2:41", ":41", "0:41", "129:41", "3 :41", ",3:41",
+                                  "3,3:", "50,60,55,60:", "5,7,6:", "1:303031", "1,48:41"}) {
     test::clearLog();
     EXPECT_EQ(generate(with({{"Rest", psBad}})), "failed") << psBad;
     EXPECT_NE(fault().find("Field[Rest] Offset[4]: expected numbers of data elements, ascending"),
@@ -299,6 +299,35 @@ TEST_F(Message, TheRestMustBeWhatItSays) {
   }
   expectNotWritten(with({{"Rest", "3:4"}}),
                    "Field[Rest] Offset[4]: expected hexadecimal digits, two a byte, found \"4\".");
+}
+
+TEST_F(Message, TheRestBeginsWithAnElementThatIsNotDefined) {
+  define("", {mti(), digit(2), digit(4), field("Rest", "psKind=\"rest\"")});
+  for (const char *const psRest : {"4:303031", "4,5:303031"}) {
+    expectNotWritten(
+        with({{"Rest", psRest}}),
+        "Field[Rest] Offset[4]: expected a first data element that the definition does not have, "
+        "found 4. Give the value to its field.");
+  }
+  EXPECT_EQ(generate(with({{"Rest", "3,4:4142"}})), "0200" + bitmap({3, 4}) + "AB") << told();
+}
+
+TEST_F(Message, TheRestHasNoBitThatSaysWhetherABitmapFollows) {
+  const std::string sTold =
+      "Field[Rest] Offset[4]: expected numbers of data elements, ascending, with commas, a colon, "
+      "hexadecimal "
+      "digits, found ";
+  define("nBitmaps=\"3\"", {mti(), digit(2), field("Rest", "psKind=\"rest\"")});
+  for (const char *const psRest : {"1:4141", "65:4141", "3,65,66:4141"}) {
+    expectNotWritten(with({{"Rest", psRest}}), sTold + "\"" + psRest + "\".");
+  }
+  expectBack("0200" + bitmap({1}) + bitmap({1}) + bitmap({1}) + "AA");
+  cvtEnd();
+  define("", {mti(), digit(2), field("Rest", "psKind=\"rest\"")});
+  EXPECT_EQ(generate(with({{"Rest", "65:4141"}})), "0200" + bitmap({1}) + bitmap({1}) + "AA") << told();
+  cvtEnd();
+  define("psBitmaps=\"always\"", {mti(), digit(2), field("Rest", "psKind=\"rest\"")});
+  expectBack("0200" + bitmap({1}) + bitmap({1}) + "AA");
 }
 
 }  // namespace

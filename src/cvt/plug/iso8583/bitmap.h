@@ -10,8 +10,6 @@ namespace cvt::iso8583 {
 
 inline constexpr size_t kMaxBitmaps = 3;
 inline constexpr size_t kBitmapBits = 64;
-inline constexpr int kSecondFlag = 1;  // numbers whose bits say that another bitmap follows
-inline constexpr int kThirdFlag = 65;
 
 struct Bits {
   std::array<uint64_t, kMaxBitmaps> words{};

@@ -248,9 +248,7 @@ void Compiler::addNumbered(Element element, int number, const Place &place) {
            number == kNotGiven ? "none" : std::to_string(number),
            number == kNotGiven ? "" : "See nBitmaps of IsoMsg");
   }
-  const bool flag = m_plan->flagged && ((number == kSecondFlag && m_plan->bitmaps > 1) ||
-                                        (number == kThirdFlag && m_plan->bitmaps > 2));
-  if (flag) {
+  if (m_plan->isFlag(number)) {
     refuse(place, "another nNumber than that of the bit that says whether a bitmap follows",
            std::to_string(number), "A field of psKind bitmap has the value of that bitmap");
   }

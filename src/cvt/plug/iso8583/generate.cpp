@@ -47,29 +47,36 @@ class Generator {
     const std::string_view value = m_list.get(m_plan.restSlot);
     if (value.empty()) return;
     m_call.path.field(m_plan.restNode);
-    const size_t colon = std::min(value.find(':'), value.size());
-    const char *at = value.data();
-    const char *const end = at + colon;
-    bool good = colon < value.size();
-    while (good) {
-      int number = 0;
-      const auto read = std::from_chars(at, end, number);
-      good = read.ec == std::errc() && number > m_restFirst && number <= kMaxNumber &&
-             number <= m_plan.bitmaps * static_cast<int>(kBitmapBits);
-      if (!good) break;
-      m_restBits.set(number);
-      if (m_restFirst == 0) m_restFirst = number;
-      at = read.ptr;
-      if (at == end) break;
-      good = *at++ == ',';
-    }
-    if (!good) {
+    const size_t colon = value.find(':');
+    if (colon == std::string_view::npos || !readRestNumbers(value.substr(0, colon))) {
       throw Fault(Fault::kHere,
                   "numbers of data elements, ascending, with commas, a colon, hexadecimal digits",
                   shown(value));
     }
+    m_restFirst = m_restBits.first();
+    if (m_plan.defined.has(m_restFirst)) {
+      throw Fault(Fault::kHere, "a first data element that the definition does not have",
+                  std::to_string(m_restFirst), "Give the value to its field");
+    }
     kit::Store store(m_call.memory);
     m_restBytes = hexToBytes(value.substr(colon + 1), store);
+  }
+
+  bool readRestNumbers(std::string_view numbers) {
+    const char *at = numbers.data();
+    const char *const end = at + numbers.size();
+    for (int last = 0;;) {
+      int number = 0;
+      const auto read = std::from_chars(at, end, number);
+      const bool element = read.ec == std::errc() && number > last &&
+                           number <= m_plan.bitmaps * static_cast<int>(kBitmapBits) && !m_plan.isFlag(number);
+      if (!element) return false;
+      m_restBits.set(number);
+      if (read.ptr == end) return true;
+      if (*read.ptr != ',') return false;
+      at = read.ptr + 1;
+      last = number;
+    }
   }
 
   void readBitmapFields() {

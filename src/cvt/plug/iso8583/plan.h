@@ -154,6 +154,8 @@ struct Plan {
   uint64_t flags(size_t bitmap) const {
     return flagged && bitmap + 1 < static_cast<size_t>(bitmaps) ? Bits::mask(1) : 0;
   }
+  // Whether the number's bit is such a one, and no data element's.
+  bool isFlag(int number) const { return (flags(Bits::word(number)) & Bits::mask(number)) != 0; }
   const Element &element(int number) const {
     return elements[static_cast<size_t>(byNumber[static_cast<size_t>(number)])];
   }
