@@ -13,6 +13,11 @@
 namespace tool {
 namespace {
 
+// What stands between JSON texts, and is none.
+bool isBlank(const Frame &frame) {
+  return std::string_view(frame.data, frame.size).find_first_not_of(" \t\r\n") == std::string_view::npos;
+}
+
 class Run {
  public:
   Run(const Options &options, Progress &progress, const HandleMessage &handle)
@@ -47,6 +52,7 @@ class Run {
         const auto frame = reader.next();
         if (!frame) return true;
         checkSignals();
+        if (m_options.verb == Verb::generate && isBlank(*frame)) continue;
         m_progress.message();
         if (!message(*frame, file.name(), number)) return false;
       }

@@ -30,10 +30,6 @@ MessageHandle filled(const Options &options, const Frame &frame, Layouts &layout
   return message;
 }
 
-bool isBlank(const Frame &frame) {
-  return std::string_view(frame.data, frame.size).find_first_not_of(" \t\r\n") == std::string_view::npos;
-}
-
 [[noreturn]] void nothingToMeasure(const Progress &progress) {
   if (progress.refusals() == 0) {
     throw Failure(Exit::noInput, "nothing to measure: no message in the input; check INPUT and --framing");
@@ -79,7 +75,6 @@ Exit generate(const Options &options) {
   const bool bConverts = convertStep(generatePipeline(options.to)) != nullptr;
   Layouts layouts;
   return run(options, [&](const Frame &frame, OutputFile &output) {
-    if (isBlank(frame)) return;
     const MessageHandle message = filled(options, frame, layouts);
     writeFramed(options.outFraming,
                 bConverts ? generator.converted(*message).bytes : generator.asIs(*message), output);
