@@ -160,6 +160,21 @@ INSTANTIATE_TEST_SUITE_P(
                 "nMaxAttributes=\"1\"",
                 {field("A", "psKind=\"attribute\""), field("B", "psKind=\"attribute\"")},
                 "expected at most 1 attributes, found more."},
+        Mistake{"MorePrefixesThanTheLimit", "psPrefixes=\"a=u b=v c=w\" nMaxAttributes=\"2\"", kPlain,
+                "expected at most 2 attributes, found more. Raise nMaxAttributes of XmlMsg; a namespace that "
+                "is declared counts as one."},
+        Mistake{"MoreAttributesWithPrefixesThanTheLimit",
+                "psNamespace=\"u\" psPrefixes=\"a=v\" nMaxAttributes=\"2\"",
+                {field("A", "psKind=\"attribute\"")},
+                "expected at most 2 attributes, found more."},
+        Mistake{"MoreAttributesWithTheNamespaceOfAGroupThanTheLimit",
+                "nMaxAttributes=\"1\"",
+                {group("G", "psNamespace=\"u\"", {field("A", "psKind=\"attribute\"")})},
+                "expected at most 1 attributes, found more."},
+        Mistake{"MoreAttributesWithTheNamespaceOfALoopThanTheLimit",
+                "nMaxAttributes=\"1\"",
+                {loop("L", "psNamespace=\"u\"", "", {field("A", "psKind=\"attribute\""), field("B")})},
+                "expected at most 1 attributes, found more."},
         Mistake{"FieldRecordOnAGroup",
                 "",
                 {{"G", formatAttr("XmlField", "") + "<StructAttr __ID=\"ptStructAttr\">" +
@@ -230,6 +245,19 @@ TEST(XmlDefinitionLimits, AsDeepAsTheLimitIsFine) {
   XmlConfig config;
   config.message("M", "nMaxDepth=\"5\"", {nested(3)});
   EXPECT_EQ(config.start(), 0) << told();
+}
+
+TEST(XmlDefinitionLimits, AsManyAttributesAsTheLimitAllowsComeBack) {
+  XmlConfig config;
+  config.message("M", "psNamespace=\"u\" psPrefixes=\"a=v\" nMaxAttributes=\"3\"",
+                 {field("A", "psKind=\"attribute\""),
+                  group("G", "psNamespace=\"w\"",
+                        {field("B", "psKind=\"attribute\""), field("C", "psKind=\"attribute\"")})});
+  ASSERT_EQ(config.start(), 0) << told();
+  const Document document = create("M");
+  for (const char *const name : {"A", "B", "C"}) set(document, name, "1");
+  const std::string bytes = generate(document);
+  ASSERT_NE(parse("M", bytes), nullptr) << bytes << told();
 }
 
 }  // namespace

@@ -113,6 +113,7 @@ class Compiler {
   void addGroup(Element &parent, const kit::Rules &rules, size_t at, const Scope &scope);
   void addLoop(Element &parent, const kit::Rules &rules, size_t at, const Scope &scope);
   void addAttribute(Element &parent, Text text, const std::string &name, const Scope &scope);
+  void limitAttributes(const Element &element, const Scope &scope) const;
   void addChild(Element &parent, Element child, const Scope &scope);
   void addAlternative(Element &parent, Element &child, const Scope &scope);
   Element repeatedField(const Node &node, const Scope &scope);
@@ -230,6 +231,8 @@ void Compiler::root(const Level &level) {
     declared += " xmlns:" + prefix.prefix + "=\"" + escaped(prefix.uri) + "\"";
   }
   root.open += encoded(declared, outside);
+  root.declarations += m_plan->prefixes.size();
+  limitAttributes(root, outside);
   root.mandatory = true;
   root.counts = kit::countsOf(level);
   m_plan->slots = level.slots;
@@ -298,11 +301,15 @@ void Compiler::addAttribute(Element &parent, Text value, const std::string &name
   }
   if (value.mandatory) parent.requiredAttributes.push_back(parent.attributes.size());
   parent.attributes.push_back(std::move(attribute));
-  if (parent.attributes.size() > m_plan->maxAttributes) {
-    throw Misconfigured(scope.path, scope.record,
-                        "at most " + std::to_string(m_plan->maxAttributes) + " attributes", "more",
-                        "Raise nMaxAttributes of XmlMsg");
-  }
+  limitAttributes(parent, scope);
+}
+
+// As parsing does, to which a declaration is an attribute.
+void Compiler::limitAttributes(const Element &element, const Scope &scope) const {
+  if (element.declarations + element.attributes.size() <= m_plan->maxAttributes) return;
+  throw Misconfigured(scope.path, scope.record,
+                      "at most " + std::to_string(m_plan->maxAttributes) + " attributes", "more",
+                      "Raise nMaxAttributes of XmlMsg; a namespace that is declared counts as one");
 }
 
 void Compiler::addGroup(Element &parent, const kit::Rules &rules, size_t at, const Scope &scope) {
@@ -456,6 +463,7 @@ Element Compiler::element(const char *node, const std::string &name, const Scope
   std::string open = "<" + name;
   if (own != scope.defaultSpace) {
     open += " xmlns=\"" + escaped(own) + "\"";
+    made.declarations = 1;
     m_plan->defaultSpaces.push_back(own);
   }
   made.open = encoded(open, scope);

@@ -62,7 +62,8 @@ struct Element : Named {
   std::string close;           // `</name>`
   std::string tag;             // `<local>` and `</local>`: as it comes without prefix and attributes
   std::string endTag;
-  bool field = false;  // a field: nothing but text
+  size_t declarations = 0;  // of namespaces, on it
+  bool field = false;       // a field: nothing but text
   bool mandatory = false;
   bool keepEmpty = false;
   Space valueSpace = Space::Preserve;  // alternatives: of the value that tells it apart from the others
