@@ -387,4 +387,43 @@ TEST_F(CsvRecords, FixedFieldsAreFilledOrRefused) {
       << told();
 }
 
+TEST_F(CsvRecords, FixedFieldsAreRefusedWherePadsTakeAwayWhatTheyMustSay) {
+  const std::string sPads = "nLen=\"3\" psPad=\"0\" ";
+  m_config.message("Must", "", {field("A", sPads + "nMandatory=\"1\"")});
+  m_config.message("May", "", {field("A", sPads + "nMandatory=\"1\" nKeepEmpty=\"1\""), field("B", sPads)});
+  m_config.message("Count", "", {field("N", sPads), loop("L", "CsvField", "", "", {}, "N")});
+  m_config.message("Place", "", {rows({field("P", sPads + "nPosition=\"1\""), field("B", sPads)})});
+  start();
+  Text text = create("Must");
+  for (const char *const ps : {"0", "000"}) {
+    set(text, "A", ps);
+    EXPECT_EQ(generate(text), "failed");
+    EXPECT_TRUE(
+        told("Field[A] Offset[0]: expected a value that is the same without the pads behind it, "
+             "found \"" +
+             std::string(ps) + "\". Write another psPad."))
+        << told();
+  }
+  set(text, "A", "10");
+  EXPECT_EQ(generate(text), "100\n");
+  refused("Must", "000\n", "Field[A] Offset[0]: expected a value, found none.");
+  same("May", "000000\n");
+  text = create("May");
+  set(text, "A", "0");
+  set(text, "B", "00");
+  EXPECT_EQ(generate(text), "000000\n");
+  same("Count", "000\n");
+  same("Count", "900a,,,,,,,,\n");
+  text = create("Count");
+  for (int i = 0; i < 10; ++i) addTime(text, "L");
+  EXPECT_EQ(generate(text), "failed");
+  EXPECT_TRUE(told("Field[N] Offset[0]: expected a value that is the same without")) << told();
+  const std::string sNine = "100000\n200000\n300000\n400000\n500000\n600000\n700000\n800000\n900000\n";
+  same("Place", sNine);
+  text = parse("Place", sNine);
+  addTime(text, "Rows");
+  EXPECT_EQ(generate(text), "failed");
+  EXPECT_TRUE(told("Field[Rows[9].P] Offset[63]: expected a value that is the same without")) << told();
+}
+
 }  // namespace

@@ -343,6 +343,20 @@ TEST_F(CsvTable, LimitsHoldForWhatIsWritten) {
   EXPECT_EQ(generate(text), "1234,1234\n");
 }
 
+TEST_F(CsvTable, LimitsHoldForFieldsOfFixedLength) {
+  m_config.message("M", "nMaxField=\"4\"", {field("A", "nLen=\"3\" psPad=\" \""), field("B", "nLen=\"2\"")});
+  ASSERT_EQ(m_config.start(), 0) << told();
+  const Text text = create("M");
+  set(text, "A", "éé");
+  set(text, "B", "bb");
+  EXPECT_EQ(generate(text), "failed");
+  EXPECT_TRUE(told("Field[A] Offset[5]: expected a field of at most 4 bytes, found 5.")) << told();
+  refused("M", "éé bb\n", "Field[A] Offset[0]: expected a field of at most 4 bytes, found 5.");
+  set(text, "A", "é");
+  EXPECT_EQ(generate(text), "é  bb\n");
+  EXPECT_EQ(pass("M", "é  bb\n"), "é  bb\n");
+}
+
 TEST_F(CsvTable, BytesThatAreNoUtf8AreRefused) {
   with("");
   values("é,中,😀\n", "é", "中", "😀");

@@ -146,6 +146,15 @@ void Generator::members(const std::vector<Item> &members, const List &values) {
   }
 }
 
+// What ends like its pads is read without them: another count or position, nothing where something must be.
+void checkPads(const Field &field, std::string_view text) {
+  const std::string_view left = withoutPads(field, text);
+  const bool same = left.size() == text.size();
+  if (same || (left.empty() ? !field.mandatory || field.empty != kit::Empty::Omit : field.simple)) return;
+  throw Fault(Fault::kHere, "a value that is the same without the pads behind it",
+              kit::quoted(text.data(), text.size()), "Write another psPad");
+}
+
 void Generator::field(const Field &field, const List &values) {
   m_path.field(field.node);
   if (field.simple && field.shape == Shape::Variable) {
@@ -155,7 +164,10 @@ void Generator::field(const Field &field, const List &values) {
     }
   }
   const std::string_view text = textToWrite(field, values, m_path, m_digits);
-  if (field.shape == Shape::Fixed) return m_write.fixed(field, text);
+  if (field.shape == Shape::Fixed) {
+    checkPads(field, text);
+    return m_write.fixed(field, text);
+  }
   if (field.shape == Shape::Rest) return m_write.rest(field, text);
   const bool kept = text.empty() && isWritten(field, values, text);
   // Where every field is in quotes, one that was not even given is told from an empty one by having none.

@@ -67,8 +67,7 @@ void Parser::field(const Field &field, const Compound &record, List values) {
     put(field, m_reader.rest(), values);
   } else {
     Token token = m_reader.fixed(field.length);
-    while (field.padded && !token.bytes.empty() && token.bytes.back() == field.pad)
-      token.bytes.remove_suffix(1);
+    token.bytes = withoutPads(field, token.bytes);
     put(field, token, values);
   }
 }

@@ -19,6 +19,11 @@ const Field *firstField(const std::vector<Item> &fields) {
   return fields[0].kind == ItemKind::Field ? &fields[0].field : firstField(fields[0].compound->fields);
 }
 
+std::string_view withoutPads(const Field &field, std::string_view text) {
+  while (field.padded && !text.empty() && text.back() == field.pad) text.remove_suffix(1);
+  return text;
+}
+
 bool collides(std::string_view value, std::string_view mark) {
   for (size_t at = value.find(mark[0]); at != std::string_view::npos; at = value.find(mark[0], at + 1)) {
     const std::string_view tail = value.substr(at);

@@ -162,6 +162,9 @@ inline constexpr std::string_view kOpenEnd = "open";
 // The first field that may stand in the text, or null.
 const Field *firstField(const std::vector<Item> &fields);
 
+// The value of a field of fixed length, of what stands there.
+std::string_view withoutPads(const Field &field, std::string_view text);
+
 // Whether a mark would be found inside the value, or begin there, when the mark stands behind it.
 bool collides(std::string_view value, std::string_view mark);
 

@@ -246,8 +246,10 @@ void Writer::putFixed(const Field &field, std::string_view text) {
   if (!m_dialect.marks.absentIn(text) || (m_line == 0 && mustQuote(text))) {
     throw Fault(Fault::kHere, "a value without separators and line ends", kit::quoted(std::string(text)));
   }
+  const size_t from = m_line;
   value(text);
   for (size_t i = characters; i < field.length; ++i) value({&field.pad, 1});
+  limitField(from);
   done(start, Shape::Fixed);
 }
 
