@@ -212,6 +212,33 @@ TEST_F(Field, AFieldThatMustNotBeEmptyIsNot) {
   EXPECT_EQ(generate(wire), "0200" + bitmap({}));
 }
 
+TEST_F(Field, NothingButPadsIsNoValueOfAFieldThatMustNotBeEmpty) {
+  const std::string sTold =
+      "Offset[20]: expected a value, found nothing but pads. nKeepEmpty=\"2\" allows it.";
+  const std::string sRead = "Offset[20]: expected a value, found an empty field. nKeepEmpty=\"2\" allows it.";
+  define("nLen=\"3\" nTrim=\"1\" nKeepEmpty=\"0\"");
+  expectBoth("A  ", "A");
+  expectRefused("   ", sRead);
+  expectNotWritten("  ", sTold);
+  expectNotWritten("   ", sTold);
+  cvtEnd();
+  define("nLen=\"3\" nTrim=\"1\" nKeepEmpty=\"0\" psAlign=\"right\" psPad=\"*\"");
+  expectBoth("**A", "A");
+  expectRefused("***", sRead);
+  expectNotWritten("**", sTold);
+  cvtEnd();
+  define("nLen=\"3\" nTrim=\"1\" nKeepEmpty=\"0\" psCharset=\"IBM037\" psPad=\"0x40\"");
+  expectBoth(bytes("C14040"), "A");
+  expectRefused(bytes("404040"), sRead);
+  expectNotWritten(" ", sTold);
+  cvtEnd();
+  define("psType=\"n\" nLen=\"3\" nTrim=\"1\" nKeepEmpty=\"0\"");
+  expectBoth("000", "0");
+  cvtEnd();
+  define("nLen=\"3\" nKeepEmpty=\"0\"");
+  expectBoth("   ", "   ");
+}
+
 TEST_F(Field, AFieldMayAlwaysBeWritten) {
   define("psType=\"n\" psPrefix=\"LL\" nKeepEmpty=\"1\"");
   const Wire wire = create("M");

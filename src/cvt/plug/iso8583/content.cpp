@@ -77,8 +77,7 @@ std::string_view decoded(const Content &content, std::string_view bytes, size_t 
   return {out, result.written};
 }
 
-// A pad that is a byte and no character is taken off before the bytes become characters.
-std::string_view withoutRawPads(const Content &content, std::string_view bytes) {
+std::string_view withoutPadBytes(const Content &content, std::string_view bytes) {
   if (content.right) return bytes.substr(kit::countStart(bytes.data(), bytes.size(), content.padByte));
   return bytes.substr(0, kit::trimmedEnd(bytes.data(), bytes.size(), content.padByte));
 }
@@ -86,7 +85,8 @@ std::string_view withoutRawPads(const Content &content, std::string_view bytes) 
 std::string_view readText(const Element &field, std::string_view bytes, size_t offset, kit::Store &store) {
   const Content &content = field.content;
   checkLength(field, bytes.size(), offset);
-  if (content.trim && content.rawPad) bytes = withoutRawPads(content, bytes);
+  // A pad that is a byte and no character is taken off before the bytes become characters.
+  if (content.trim && content.rawPad) bytes = withoutPadBytes(content, bytes);
   if (content.ascii && kit::isAscii(bytes.data(), bytes.size())) {
     checkText(field, bytes, offset, true);
     if (content.trim) bytes = trimmed(field, bytes);
@@ -366,6 +366,10 @@ size_t wireBytes(const Content &content, size_t length) {
 
 bool countsOnlyBytes(const Element &field) {
   return !field.frame.fixed && (field.frame.digits == 0 || field.frame.countsBytes);
+}
+
+bool isOnlyPads(const Content &content, std::string_view bytes) {
+  return content.trim && content.type != Type::N && withoutPadBytes(content, bytes).empty();
 }
 
 std::string_view readContent(const Element &field, std::string_view bytes, size_t length, size_t offset,

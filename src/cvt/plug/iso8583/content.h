@@ -22,6 +22,9 @@ void checkLength(const Element &field, size_t length, size_t offset);
 // Whether nothing but the bytes says how many digits there are.
 bool countsOnlyBytes(const Element &field);
 
+// Whether the bytes are pads that nTrim takes off, and nothing else. A number keeps its last zero.
+bool isOnlyPads(const Content &content, std::string_view bytes);
+
 // The value of the bytes, in memory of the store. length: kUnknown when only the bytes are counted. offset:
 // where the bytes stand. Throws Fault.
 std::string_view readContent(const Element &field, std::string_view bytes, size_t length, size_t offset,

@@ -30,16 +30,24 @@ void putPrefix(const Element &field, size_t from, size_t length, kit::Output &ou
   throw Fault(Fault::kHere, "a length that the prefix can say", std::to_string(count));
 }
 
+[[noreturn]] void refuseEmpty(size_t offset, const char *found) {
+  throw Fault(offset, "a value", found, "nKeepEmpty=\"2\" allows it");
+}
+
 }  // namespace
 
 size_t Writer::content(const Element &field, const List &list) {
   std::string_view text = list.get(field.slot);
   const bool asSaid = field.constant == nullptr || text == field.saidConstant;
   if (text.empty() || !asSaid) text = textToWrite(field, list, m_call.path, m_digits);
-  if (text.empty() && field.empty == kit::Empty::Omit) {
-    throw Fault(Fault::kHere, "a value", "an empty one", "nKeepEmpty=\"2\" allows it");
+  const bool mayBeEmpty = field.empty != kit::Empty::Omit;
+  const size_t from = m_out.offset();
+  if (text.empty() && !mayBeEmpty) refuseEmpty(from, "an empty one");
+  const size_t length = writeContent(field, text, m_out);
+  if (!mayBeEmpty && isOnlyPads(field.content, {m_out.at(from), m_out.offset() - from})) {
+    refuseEmpty(from, "nothing but pads");
   }
-  return writeContent(field, text, m_out);
+  return length;
 }
 
 void Writer::field(const Element &field, const List &list) {
