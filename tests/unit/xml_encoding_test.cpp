@@ -107,6 +107,32 @@ TEST(XmlEncoding, AnEncodingIsAcceptedOnInputWhenTheDefinitionNamesIt) {
   EXPECT_TRUE(told("found \"../../etc/x\"")) << told();
 }
 
+TEST(XmlEncoding, AnInstructionThatBeginsLikeADeclarationIsNone) {
+  XmlConfig config;
+  message(config, "M", "psEncoding=\"GB18030\"");
+  ASSERT_EQ(config.start(), 0) << told();
+  const std::string sBody = "<M><B>" + converted("GB18030", "中") + "</B></M>";
+  for (const std::string &sData :
+       {std::string("encoding=\"windows-1252\""), "href=\"" + std::string(600, 'h') + "\""}) {
+    const Document document = parse("M", "<?xml-stylesheet type=\"text/xsl\" " + sData + "?>" + sBody);
+    ASSERT_NE(document, nullptr) << told();
+    EXPECT_EQ(get(document, "B"), "中");
+  }
+  EXPECT_EQ(parse("M", "<?xml"), nullptr);
+  EXPECT_TRUE(told("expected well-formed XML, found ")) << told();
+}
+
+TEST(XmlEncoding, ADeclarationIsLimitedOnlyWhereItIsWhatTellsTheEncoding) {
+  XmlConfig config;
+  message(config, "M", "");
+  ASSERT_EQ(config.start(), 0) << told();
+  const std::string s = "<?xml version=\"1.0\"" + std::string(600, ' ') + "?><M><B>é</B></M>";
+  EXPECT_EQ(parse("M", s), nullptr);
+  EXPECT_TRUE(told("expected an XML declaration of at most 512 bytes, found a longer one.")) << told();
+  EXPECT_NE(parse("M", "\xEF\xBB\xBF" + s), nullptr) << told();
+  EXPECT_NE(parse("M", converted("UTF-16LE", s)), nullptr) << told();
+}
+
 TEST(XmlEncoding, DamagedTextIsRefusedAtItsByteInTheDocumentAsItCame) {
   XmlConfig config;
   message(config, "M", "psInputEncodings=\"GB18030\"");

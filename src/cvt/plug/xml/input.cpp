@@ -3,6 +3,7 @@
 #include <strings.h>
 
 #include "kit/fault.h"
+#include "space.h"
 
 namespace cvt::xml {
 
@@ -12,10 +13,6 @@ constexpr const char *kNative[] = {"UTF-8", "UTF-16", "ISO-8859-1", "US-ASCII"};
 
 // No declaration is longer: a version, an encoding's name and "standalone".
 constexpr size_t kLongestDeclaration = 512;
-
-bool blank(char c) {
-  return c == ' ' || c == '\t' || c == '\r' || c == '\n';
-}
 
 bool same(std::string_view a, std::string_view b) {
   return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
@@ -28,10 +25,16 @@ bool tellsItself(std::string_view raw) {
   return raw.size() >= 2 && (raw[0] == '\0' || raw[1] == '\0');
 }
 
+// Whether an XML declaration comes first. The name of an instruction may begin alike: <?xml-stylesheet ...?>
+bool isDeclared(std::string_view raw) {
+  static constexpr std::string_view kOpen = "<?xml";
+  return raw.starts_with(kOpen) && raw.size() > kOpen.size() && blank(raw[kOpen.size()]);
+}
+
 // The encoding that the XML declaration names; empty when it names none, or none that can be made out, which
 // the parser will complain about.
 std::string_view declared(std::string_view raw, size_t from) {
-  if (!raw.starts_with("<?xml")) return {};
+  if (!isDeclared(raw)) return {};
   const std::string_view head = raw.substr(0, kLongestDeclaration);
   const size_t length = head.find("?>");
   if (length == std::string_view::npos && raw.size() > head.size()) {
