@@ -23,9 +23,6 @@ const char *const kUtf8 = "UTF-8";
 const char *const kCodes = "UTF-32LE";
 constexpr size_t kCodeSize = 4;
 
-// More than any shift sequence that closes a text.
-constexpr size_t kShiftRoom = 8;
-
 // Of a text that is read back, at a time; and what a set may keep back for a character that may follow.
 constexpr size_t kPart = 512;
 constexpr size_t kKeptRoom = 16;
@@ -203,6 +200,7 @@ bool Charset::open() {
   classify();
   if (m_kind == Kind::Iconv && !hasAllOfUnicode())
     m_back = std::make_unique<Converter>(kUtf8, m_name.c_str());
+  m_shifts = m_kind == Kind::Iconv && hasShifts();
   return m_back == nullptr || m_back->ok();
 }
 
@@ -237,6 +235,14 @@ bool Charset::hasAllOfUnicode() const {
   const std::string_view last = "\U0010FFFD";
   char bytes[32];
   return m_fromUtf8->run(last.data(), last.size(), bytes, sizeof bytes).damage == Damage::None;
+}
+
+// Every set with shift states has this character, and has to return from it.
+bool Charset::hasShifts() const {
+  const std::string_view sun = "\u65E5";
+  char bytes[32];
+  const size_t open = m_fromUtf8->run(sun.data(), sun.size(), bytes, sizeof bytes, false).written;
+  return m_fromUtf8->run(sun.data(), sun.size(), bytes, sizeof bytes).written > open;
 }
 
 size_t Charset::decodedRoom(size_t n) const {
@@ -359,7 +365,35 @@ Converted Charset::measure(const char *in, size_t n, size_t characters) const {
     if (part.damage == Damage::NoRoom || seen == characters) continue;
     return {read, seen, part.damage == Damage::None ? Damage::Cut : part.damage};
   }
-  return {read, seen, Damage::None};
+  return {read + (m_shifts ? closing(in, read, n) : 0), seen, Damage::None};
+}
+
+// How many of the n bytes stand behind the text to return to the initial shift state, in which the next text begins.
+size_t Charset::closing(const char *in, size_t text, size_t n) const {
+  char sequence[kShiftRoom];
+  const size_t length = closingSequence(in, text, sequence);
+  // What the set writes to close a text may begin with the last bits of its last character, which were read.
+  for (size_t before = 0; before < length && before <= text; ++before) {
+    const size_t behind = length - before;
+    if (behind <= n - text && std::memcmp(in + text - before, sequence, length) == 0) return behind;
+  }
+  return 0;
+}
+
+// What the set writes behind the text to return there: none, when it is there.
+size_t Charset::closingSequence(const char *in, size_t n, char (&sequence)[kShiftRoom]) const {
+  char part[kPart];
+  char written[kPart * kShiftRoom];
+  m_toUtf8->reset();
+  m_fromUtf8->reset();
+  for (bool more = true; more;) {
+    const Converted read = m_toUtf8->step(in, n, part, sizeof part);
+    m_fromUtf8->step(part, read.written, written, sizeof written);
+    in += read.read;
+    n -= read.read;
+    more = read.damage == Damage::NoRoom;
+  }
+  return m_fromUtf8->finish(sequence, sizeof sequence).written;
 }
 
 size_t Charset::countUtf8(const char *in, size_t n) {

@@ -54,7 +54,8 @@ class Charset {
   Converted encode(const char *in, size_t n, char *out, size_t room) const;
 
   // Bytes that the first `characters` characters of the input take: `read` bytes, or damage (NoRoom never;
-  // Cut when there are fewer characters). `written` is the number of characters seen.
+  // Cut when there are fewer characters). `written` is the number of characters seen. In a set with shift states,
+  // what closes a text belongs to it.
   Converted measure(const char *in, size_t n, size_t characters) const;
 
   // Number of characters of a UTF-8 text. REQUIRES: valid UTF-8.
@@ -74,18 +75,25 @@ class Charset {
   struct Table;
   class Converter;
 
+  // More than any shift sequence that closes a text.
+  static constexpr size_t kShiftRoom = 8;
+
   explicit Charset(const char *name);
   bool open();      // false: iconv does not know the set
   void classify();  // one byte a character, contains ASCII
   bool hasAllOfUnicode() const;
+  bool hasShifts() const;
 
   Converted encodeByTable(const char *in, size_t n, char *out, size_t room) const;
   Converted encodeByIconv(const char *in, size_t n, char *out, size_t room) const;
   size_t comesBack(const char *in, size_t n, const char *bytes, size_t size) const;
+  size_t closing(const char *in, size_t text, size_t n) const;
+  size_t closingSequence(const char *in, size_t n, char (&sequence)[kShiftRoom]) const;
 
   std::string m_name;
   Kind m_kind = Kind::Iconv;
   bool m_ascii = false;
+  bool m_shifts = false;  // a text may have to be closed
   std::unique_ptr<Converter> m_toUtf8;
   std::unique_ptr<Converter> m_fromUtf8;
   std::unique_ptr<Converter> m_toCodes;  // for measuring: four bytes a character
