@@ -312,6 +312,16 @@ TEST_F(Message, TheRestBeginsWithAnElementThatIsNotDefined) {
   EXPECT_EQ(generate(with({{"Rest", "3,4:4142"}})), "0200" + bitmap({3, 4}) + "AB") << told();
 }
 
+TEST_F(Message, ABitmapFieldHasNoBitsBehindTheRestButItsOwn) {
+  define("", {mti(), field("First", "psKind=\"bitmap\" nNumber=\"1\" psValue=\"hex\""), variable(2),
+              variable(4), digit(5), field("Rest", "psKind=\"rest\"")});
+  expectBack("0200" + bitmap({2, 3, 4}) + "0AB");
+  expectNotWritten(with({{"First", bitmap({2, 3, 4})}, {"Rest", "3:4142"}}),
+                   "Field[De4] Offset[4]: expected no bit behind data element 3, where the rest begins, "
+                   "but those that the rest names, found one. Leave the bitmap's value empty: it is then "
+                   "made from the values.");
+}
+
 TEST_F(Message, TheRestHasNoBitThatSaysWhetherABitmapFollows) {
   const std::string sTold =
       "Field[Rest] Offset[4]: expected numbers of data elements, ascending, with commas, a colon, "

@@ -62,6 +62,7 @@ class Generator {
     m_restBytes = hexToBytes(value.substr(colon + 1), store);
   }
 
+  // False: these are no ascending numbers of data elements.
   bool readRestNumbers(std::string_view numbers) {
     const char *at = numbers.data();
     const char *const end = at + numbers.size();
@@ -163,7 +164,18 @@ class Generator {
       refuse(0, "bits of data elements that the definition has",
              "that of data element " + std::to_string(base + std::countl_zero(unknown) + 1), "");
     }
+    if (m_restFirst != 0) noneBehindRest(told & ~m_restBits.words[k], base);
     m_bits.words[k] = told;
+  }
+
+  void noneBehindRest(uint64_t bits, int base) const {
+    forEachBit(bits, base, [&](int number) {
+      if (number < m_restFirst) return;
+      refuse(number,
+             "no bit behind data element " + std::to_string(m_restFirst) +
+                 ", where the rest begins, but those that the rest names",
+             "one", "Leave the bitmap's value empty: it is then made from the values");
+    });
   }
 
   [[noreturn]] void refuse(int number, const std::string &expected, const std::string &found,
