@@ -34,7 +34,7 @@ struct CallOutcome {
   std::string sResult;
 };
 
-inline CallOutcome callFunction(const std::string &sName, const CallTexts &arguments) {
+inline CallOutcome callFunction(FncConvert entry, const CallTexts &arguments) {
   std::vector<Value> values(arguments.size());
   std::vector<Value *> pointers;
   for (size_t i = 0; i < arguments.size(); ++i) {
@@ -44,17 +44,25 @@ inline CallOutcome callFunction(const std::string &sName, const CallTexts &argum
   }
   Value result{};
   MemPort memory = cvtMemNewNode();
-  const int nStatus = functionOf(sName)(&result, static_cast<int>(arguments.size()), pointers.data(), memory);
+  const int nStatus = entry(&result, static_cast<int>(arguments.size()), pointers.data(), memory);
   CallOutcome outcome = {nStatus, ""};
   if (nStatus == 0) outcome.sResult.assign(result.psValue, static_cast<size_t>(result.nLen));
   cvtMemDelNode(memory);
   return outcome;
 }
 
+inline CallOutcome callFunction(const std::string &sName, const CallTexts &arguments) {
+  return callFunction(functionOf(sName), arguments);
+}
+
 // The result; "refused" when there is none.
-inline std::string resultOf(const std::string &sName, const CallTexts &arguments) {
-  const CallOutcome outcome = callFunction(sName, arguments);
+inline std::string resultOf(FncConvert entry, const CallTexts &arguments) {
+  const CallOutcome outcome = callFunction(entry, arguments);
   return outcome.nStatus == 0 ? outcome.sResult : "refused";
+}
+
+inline std::string resultOf(const std::string &sName, const CallTexts &arguments) {
+  return resultOf(functionOf(sName), arguments);
 }
 
 // The one line of a refusal, without "Func[NAME] ".

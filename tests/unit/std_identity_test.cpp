@@ -55,43 +55,55 @@ TEST(StdSequence, NamesHaveALengthAndANumber) {
 }
 
 // The plug-in as the library loads it, beside a whole configuration.
-class StdSequenceLife : public testing::Test {
+class StdIdentityLife : public testing::Test {
  protected:
   void SetUp() override {
-    config.root.sAttributes = "nReload=\"1\"";
-    config.root.sPlug = test::plugSection({"psName=\"toy\"", "psName=\"std\""});
-    config.writeRoot();
+    configure("");
     ASSERT_EQ(config.start(), 0);
   }
   void TearDown() override { cvtEnd(); }
 
-  static std::string next() {
-    void *const entry = cvtStrFindStringList(gptCvtGlobalInfo->ptFuncList, test::cs("sequence"));
-    std::string sName = "a";
-    Value name{};
-    name.psValue = sName.data();
-    name.nLen = 1;
-    Value *arguments[] = {&name};
-    Value result{};
-    MemPort memory = cvtMemNewNode();
-    const int nStatus = reinterpret_cast<FncConvert>(entry)(&result, 1, arguments, memory);
-    const std::string sNext = nStatus == 0 ? result.psValue : "refused";
-    cvtMemDelNode(memory);
-    return sNext;
+  void configure(const std::string &sAttributes) {
+    config.root.sAttributes = "nReload=\"1\"";
+    config.root.sPlug = test::plugSection({"psName=\"toy\"", "psName=\"std\" " + sAttributes});
+    config.writeRoot();
   }
+  void reload() {
+    config.touchRoot();
+    ASSERT_EQ(cvtInitReload(), 0);
+  }
+
+  static std::string next(const std::string &sFunction, const test::CallTexts &arguments) {
+    void *const entry = cvtStrFindStringList(gptCvtGlobalInfo->ptFuncList, test::cs(sFunction.c_str()));
+    return test::resultOf(reinterpret_cast<FncConvert>(entry), arguments);
+  }
+  static std::string nextNumber() { return next("sequence", {"a"}); }
 
   test::ToyConfig config;
 };
 
-TEST_F(StdSequenceLife, GoesOnAfterAReloadAndAnEnd) {
-  EXPECT_EQ(next(), "1");
-  EXPECT_EQ(next(), "2");
-  config.touchRoot();
-  ASSERT_EQ(cvtInitReload(), 0);
-  EXPECT_EQ(next(), "3");
+TEST_F(StdIdentityLife, SequencesGoOnAfterAReloadAndAnEnd) {
+  EXPECT_EQ(nextNumber(), "1");
+  EXPECT_EQ(nextNumber(), "2");
+  reload();
+  EXPECT_EQ(nextNumber(), "3");
   cvtEnd();
   ASSERT_EQ(config.start(), 0);
-  EXPECT_EQ(next(), "4");
+  EXPECT_EQ(nextNumber(), "4");
+}
+
+TEST_F(StdIdentityLife, TimesOfUuidsAscendWhenTheClockIsPutBackAndTheConfigurationLoadedAgain) {
+  configure("psClock=\"2024-02-29T12:30:45.678Z\"");
+  reload();
+  const std::string sFirst = next("uuid7", {});
+  EXPECT_EQ(sFirst.substr(0, 13), "018df4d8-7fae");
+  configure("psClock=\"2024-02-29T12:30:44.000Z\"");
+  reload();
+  const std::string sSecond = next("uuid7", {});
+  EXPECT_GT(sSecond, sFirst);
+  cvtEnd();
+  ASSERT_EQ(config.start(), 0);
+  EXPECT_GT(next("uuid7", {}), sSecond);
 }
 
 // --- UUIDs ---------------------------------------------------------------------------------------------------

@@ -20,15 +20,15 @@ constexpr size_t kMaxNames = 1000;
 constexpr int kMaxWidth = 18;
 constexpr int kMostStart = 2147483647;
 
-// --- Sequences ---------------------------------------------------------------------------------------------
-
-// From the first sequence on, the plug-in stays in the process when its configuration goes: the numbers go on.
+// From the first value on that depends on those before, the plug-in stays in the process when its configuration goes.
 void stayLoaded() {
   static const char s_here = 0;
   Dl_info self{};
   if (dladdr(&s_here, &self) == 0 || self.dli_fname == nullptr) return;
   dlopen(self.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE);
 }
+
+// --- Sequences ---------------------------------------------------------------------------------------------
 
 // The next number of each name.
 using Sequences = std::map<std::string, uint64_t, std::less<>>;
@@ -95,6 +95,7 @@ void uuid4(kit::Call &call) {
 // Milliseconds, and 12 bits of a fraction of one. Should the clock not have moved on, the time before and a bit.
 uint64_t ascendingTime() {
   static uint64_t s_last;
+  if (s_last == 0) stayLoaded();
   const Instant instant = now();
   const auto milliseconds =
       static_cast<uint64_t>(instant.seconds) * 1000 + static_cast<uint64_t>(instant.nanoseconds) / 1'000'000;
