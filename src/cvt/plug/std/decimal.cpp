@@ -42,7 +42,10 @@ struct Decimal::Wide {
   // Times a factor, plus an addend.
   void extend(mp_limb_t factor, mp_limb_t addend) {
     mp_limb_t carry = addend;
-    if (size > 0) carry = mpn_mul_1(limbs, limbs, size, factor) + mpn_add_1(limbs, limbs, size, addend);
+    if (size > 0) {
+      carry = mpn_mul_1(limbs, limbs, size, factor);
+      carry += mpn_add_1(limbs, limbs, size, addend);
+    }
     if (carry != 0) limbs[size++] = carry;
   }
 
