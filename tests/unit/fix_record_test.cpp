@@ -122,6 +122,20 @@ TEST(FixRecord, FieldOfTypeEndRemembersThatItWasMissing) {
   EXPECT_EQ(faultOf(message), "Msg[M] Field[End] Offset[10]: expected open or nothing, found \"x\".");
 }
 
+TEST(FixRecord, NoRecordFollowsOneWhoseSeparatorIsMissing) {
+  const FormatNode a = record("A", "", {field("X", "nLen=\"1\"")});
+  const FormatNode b = record("B", "", {field("Y", "nLen=\"1\" nOptional=\"1\"")});
+  FixConfig config;
+  config.message("M", "psSeparator=\"lf\" psLastSeparator=\"optional\"",
+                 {a, b, field("End", "psType=\"end\"")});
+  ASSERT_EQ(config.start(), 0) << told();
+  for (const char *bytes : {"A\nB\n", "A\nB", "A\n\n", "A\n"}) expectSame("M", bytes);
+  EXPECT_EQ(
+      faultOf("M", "A"),
+      "Msg[M] Field[B] Offset[1]: expected a line feed in front of another record, found the end. Add it, "
+      "and the record.");
+}
+
 TEST(FixRecord, OptionalRecordIsThereWhenItsTagIs) {
   FixConfig config;
   config.message("M", "psSeparator=\"lf\"", {kHead, kNote, kTail});
@@ -129,6 +143,29 @@ TEST(FixRecord, OptionalRecordIsThereWhenItsTagIs) {
   expectSame("M", "1Ann\nNhi \n9 12\n");
   expectSame("M", "1Ann\n9 12\n");
   expectSame("M", "1Ann\nN   \n9 12\n");
+}
+
+TEST(FixRecord, RecordWithABlankTagAndNothingElseComesBack) {
+  const FormatNode head = field("Head", "nLen=\"1\"");
+  const FormatNode text = field("Text", "nLen=\"3\"");
+  const FormatNode listed = field("Tag", "nLen=\"1\" psValues=\"X|\" nTag=\"1\"");
+  const FormatNode constant = field("Tag", "nLen=\"1\" psConst=\"\" nTag=\"1\"");
+  const FormatNode other = record("Other", "", {field("OTag", "psConst=\"O\" nTag=\"1\"")});
+  FixConfig config;
+  config.message("Listed", "", {head, record("R", "nOptional=\"1\"", {listed, text})});
+  config.message("Constant", "", {head, record("R", "nOptional=\"1\"", {constant, text})});
+  config.message(
+      "Choice", "",
+      {head, group("G", "FixGroup psKind=\"choice\"", {record("R", "", {constant, text}), other})});
+  ASSERT_EQ(config.start(), 0) << told();
+  for (const char *bytes : {"A    ", "AX   ", "A abc", "A"}) expectSame("Listed", bytes);
+  for (const char *bytes : {"A    ", "A abc", "A"}) expectSame("Constant", bytes);
+  for (const char *bytes : {"A    ", "A abc", "AO"}) expectSame("Choice", bytes);
+  const Record message = create("Listed");
+  set(message, "Head", "A");
+  EXPECT_EQ(generate(message), "A") << "the tag was not given";
+  set(message, "Text", "");
+  EXPECT_EQ(generate(message), "A") << "an empty value is none";
 }
 
 TEST(FixRecord, OptionalRecordIsWrittenWhenItHasAValue) {

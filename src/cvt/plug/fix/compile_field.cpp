@@ -254,10 +254,13 @@ class FieldCompiler {
 
   void compileTag() {
     if (m_plan.chars) refuse("a tag whose length is counted in bytes", "one counted in characters", "");
-    if (m_plan.constant) m_plan.tags.push_back(m_plan.bytes);
-    for (const std::string &one : m_plan.allowed) {
-      m_plan.tags.push_back(fieldBytes(m_plan, one, m_path, &m_record));
-    }
+    if (m_plan.constant) addTag(m_plan.bytes, m_plan.value);
+    for (const std::string &one : m_plan.allowed) addTag(fieldBytes(m_plan, one, m_path, &m_record), one);
+  }
+
+  void addTag(const std::string &bytes, const std::string &value) {
+    m_plan.tags.push_back(bytes);
+    if (value.empty()) m_plan.blankTag = true;
   }
 
   void compileList() {

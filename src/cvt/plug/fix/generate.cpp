@@ -119,9 +119,14 @@ class Generator {
   static bool present(const LevelPlan &level, size_t i, const List &values) {
     for (size_t k = i; k < static_cast<size_t>(level.ops[i].next); ++k) {
       const Op &op = level.ops[k];
-      if (hasValue(op.kind) && !values.empty(op.slot)) return true;
+      if (hasValue(op.kind) && (!values.empty(op.slot) || isBlankTag(level, op, values))) return true;
     }
     return false;
+  }
+
+  // Whether a tag that may be blank was given, as reading its record does.
+  static bool isBlankTag(const LevelPlan &level, const Op &op, const List &values) {
+    return isField(op.kind) && values.given(op.slot) && level.fields[op.detail].blankTag;
   }
 
   bool isThere(const LevelPlan &level, size_t i, const List &values) {

@@ -27,7 +27,7 @@ void Parser::run() {
   if (m_plan.whole && m_at != m_end) {
     throw Fault(offset(), "the end of the message", found(left()), "Remove what follows, or set nWhole to 0");
   }
-  if (m_openEnd && m_plan.endSlot >= 0) {
+  if (m_missing != kSeparatorNone && m_plan.endSlot >= 0) {
     const std::string_view open = kOpenEnd;
     values.put(m_plan.endSlot, m_call.store.copy(open.data(), open.size()), open.size());
   }

@@ -18,6 +18,10 @@ const char *separatorName(Separator separator) {
 }  // namespace
 
 void Parser::record(const LevelPlan &level, size_t i, List &values) {
+  if (m_missing != kSeparatorNone) {
+    throw Fault(offset(), std::string(separatorName(m_missing)) + " in front of another record", found(0),
+                "Add it, and the record");
+  }
   const RecordPlan &plan = level.records[level.ops[i].detail];
   if (plan.end != End::Fields) return boundedRecord(level, i, values);
   const char *start = m_at;
@@ -161,7 +165,7 @@ void Parser::separator(Separator kind) {
   }
   m_call.path.field(nullptr);
   if (left() == 0 && m_plan.lastOptional) {
-    m_openEnd = true;
+    m_missing = kind;
     return;
   }
   throw Fault(offset(), separatorName(kind), found(20),

@@ -70,7 +70,7 @@ class Parser {
   const char *m_end;  // of the buffer, or of the record whose end is known
   const char *m_recordStart = nullptr;
   const RecordPlan *m_record = nullptr;  // the one that ends at m_end
-  bool m_openEnd = false;
+  Separator m_missing = kSeparatorNone;  // of the last record, at the end of the buffer
   const Enclosing *m_around = nullptr;
 };
 

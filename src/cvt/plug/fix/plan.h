@@ -48,6 +48,7 @@ struct FieldPlan {
   bool optional = false;  // the record may end before it
   bool decides = false;   // its value tells whether a node is there
   bool position = false;  // it is the number of its repetition
+  bool blankTag = false;  // it is a tag, and an empty value is one that tells the record
   char pad = ' ';         // the byte that fills
   char padText = ' ';     // the same inside a decoded text
   char blank = ' ';       // a blank number
