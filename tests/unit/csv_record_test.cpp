@@ -197,6 +197,54 @@ TEST_F(CsvRecords, HoldAlternativesThatAValueChooses) {
   EXPECT_TRUE(told("that chooses what follows, found \"Q\"")) << told();
 }
 
+TEST_F(CsvRecords, HoldAlternativesThatACountChooses) {
+  const FormatNode lots = loop("Lot", "CsvField", "", "", {}, "Cnt");
+  const FormatNode what =
+      group("What", "psKind=\"choice\" psSelect=\"Cnt\"",
+            {field("Reason", "psWhen=\"0\""), group("Two", "psWhen=\"2\"", fields({"P", "Q"}))});
+  m_config.message("Behind", "", {field("Cnt"), lots, what});
+  m_config.message("Before", "", {field("Cnt"), what, lots});
+  m_config.message("Rows", "",
+                   {record("R", "psTag=\"R\"", {field("Cnt"), what}),
+                    loop("Lot", "CsvRecord", "psTag=\"L\"", "", fields({"A", "B"}), "Cnt")});
+  start();
+  for (const char *const ps : {"2,a,b,p,q\n", "0,r\n"}) same("Behind", ps);
+  for (const char *const ps : {"2,p,q,a,b\n", "0,r\n"}) same("Before", ps);
+  for (const char *const ps : {"R,2,p,q\nL,a,b\nL,c,d\n", "R,0,r\n"}) same("Rows", ps);
+  for (const std::string sName : {"Behind", "Before"})
+    EXPECT_EQ(pass(sName, ",r\n"), "0,r\n") << sName << told();
+  EXPECT_EQ(pass("Before", "02,p,q,a,b\n"), "2,p,q,a,b\n") << told();
+  refused("Before", "3,r\n",
+          "Field[What] Offset[2]: expected a value of Cnt that chooses what follows, found \"3\".");
+  refused("Before", "-0,r\n", "expected a value of Cnt that chooses what follows, found \"-0\".");
+  refused("Behind", "-0,r\n", "expected a count of repetitions, found \"-0\".");
+  const Text text = create("Behind");
+  set(text, "Reason", "r");
+  EXPECT_EQ(generate(text), "0,r\n");
+  addTime(text, "Lot");
+  addTime(text, "Lot");
+  EXPECT_EQ(generate(text), "failed");
+  EXPECT_TRUE(told("expected values only in what Cnt chooses, found them in Reason with \"2\".")) << told();
+  set(text, "Reason", "");
+  set(text, "P", "p");
+  EXPECT_EQ(generate(text), "2,,,p,\n") << told();
+  set(text, "Cnt", "0");
+  EXPECT_EQ(generate(text), "2,,,p,\n") << told();
+}
+
+TEST_F(CsvRecords, HoldAlternativesThatAValueWithoutItsPadsChooses) {
+  m_config.message("M", "",
+                   {field("Kind", "nLen=\"2\" psPad=\" \""),
+                    group("What", "psKind=\"choice\" psSelect=\"Kind\"",
+                          {field("Sum", "psWhen=\"S\""), group("Other", "", fields({"X", "Y"}))})});
+  start();
+  same("M", "S 1\n");
+  const Text text = create("M");
+  set(text, "Kind", "S ");
+  set(text, "Sum", "1");
+  EXPECT_EQ(generate(text), "S 1\n") << told();
+}
+
 TEST_F(CsvRecords, ARestTakesTheSeparatorsToo) {
   m_config.message("M", "psRecordEnd=\"/\" psQuote=\"\"",
                    {record("A", "psTag=\"A\"", {field("F"), field("G", "psKind=\"rest\"")})});

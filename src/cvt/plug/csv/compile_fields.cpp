@@ -22,6 +22,11 @@ constexpr CsvField plainField() {
 constexpr CsvField kPlainField = plainField();
 constexpr CsvGroup kPlainGroup{};
 
+bool standsInText(const CsvField &field) {
+  const auto kind = static_cast<FieldKind>(field.nKind);
+  return kind == FieldKind::Value || kind == FieldKind::Rest;
+}
+
 // The values of psWhen and psNone.
 std::vector<std::string> valuesOf(const char *list) {
   std::vector<std::string> values;
@@ -87,7 +92,7 @@ Item Compiler::field(const Scope &scope, size_t at) {
   const std::string path = kit::nodePath(scope.path, node);
   const CsvField &said = kit::recordOr(node.record, kCsvField, kPlainField, "FormatAttr.pInfo", path);
   const auto kind = static_cast<FieldKind>(said.nKind);
-  if (kind != FieldKind::Value && kind != FieldKind::Rest) {
+  if (!standsInText(said)) {
     throw Misconfigured(
         path, &said,
         std::string("a field of kind ") + kFieldKindWords[said.nKind] +
@@ -152,15 +157,14 @@ void Compiler::choice(Compound &choice, const CsvGroup &said, const Scope &scope
   for (size_t i = 0; i < at && said.psSelect != nullptr; ++i) {
     const Node &node = level.nodes[i];
     if (node.kind != NodeKind::Field || std::string_view(node.name) != said.psSelect) continue;
-    choice.selectSlot = node.slot;
-    choice.selectNode = node.name;
-    const CsvField *field = kit::recordAs<CsvField>(node.record, kCsvField);
-    if (field != nullptr && field->nPosition != 0) {
+    const CsvField *chooser = kit::recordAs<CsvField>(node.record, kCsvField);
+    if (chooser != nullptr && !standsInText(*chooser)) continue;
+    choice.select = field(scope, i).field;
+    if (choice.select.position) {
       throw Misconfigured(scope.path, &said, "a field whose value is its own in psSelect", "a position");
     }
-    if (field != nullptr) choice.selectElse = field->psConst != nullptr ? field->psConst : field->psDefault;
   }
-  if (choice.selectSlot < 0) {
+  if (choice.select.node == nullptr) {
     throw Misconfigured(scope.path, &said, "a field before it, in the same repetition, in psSelect",
                         said.psSelect == nullptr ? "none" : kit::quoted(said.psSelect));
   }

@@ -176,21 +176,23 @@ void Generator::field(const Field &field, const List &values) {
 }
 
 void Generator::choice(const Compound &choice, const List &values) {
-  std::string_view value = values.get(choice.selectSlot);
-  if (value.empty() && choice.selectElse != nullptr) value = choice.selectElse;
+  const Field &select = choice.select;
+  const std::string_view value =
+      selecting(select, select.countedLoop >= 0 ? textToWrite(select, values, m_path, m_digits)
+                                                : values.get(select.slot));
   const int chosen = chosenMember(choice, value);
   for (size_t i = 0; i < choice.fields.size(); ++i) {
     if (static_cast<int>(i) == chosen || !given(choice.fields[i], values)) continue;
     const Item &other = choice.fields[i];
-    throw Fault(Fault::kHere, "values only in what " + std::string(choice.selectNode) + " chooses",
+    throw Fault(Fault::kHere, "values only in what " + std::string(select.node) + " chooses",
                 std::string("them in ") +
                     (other.kind == ItemKind::Field ? other.field.node : other.compound->node) + " with " +
                     kit::quoted(value.data(), value.size()),
-                "Leave them empty, or correct " + std::string(choice.selectNode));
+                "Leave them empty, or correct " + std::string(select.node));
   }
   if (chosen < 0) return;
   if (chosen >= static_cast<int>(choice.fields.size())) {
-    throw Fault(Fault::kHere, "a value of " + std::string(choice.selectNode) + " that chooses what follows",
+    throw Fault(Fault::kHere, "a value of " + std::string(select.node) + " that chooses what follows",
                 kit::quoted(value.data(), value.size()), "Known: " + knownCases(choice));
   }
   const Item &member = choice.fields[static_cast<size_t>(chosen)];

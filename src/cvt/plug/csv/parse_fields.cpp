@@ -105,13 +105,12 @@ void Parser::checkUtf8(const Token &token) const {
 }
 
 void Parser::choice(const Compound &choice, const Compound &record, List values) {
-  std::string_view value = values.get(choice.selectSlot);
-  if (value.empty() && choice.selectElse != nullptr) value = choice.selectElse;
+  const std::string_view value = selecting(choice.select, values.get(choice.select.slot));
   const int chosen = chosenMember(choice, value);
   if (chosen < 0) return;
   if (chosen >= static_cast<int>(choice.fields.size())) {
     throw Fault(m_reader.here(),
-                "a value of " + std::string(choice.selectNode) + " that chooses what follows",
+                "a value of " + std::string(choice.select.node) + " that chooses what follows",
                 kit::quoted(value.data(), value.size()), "Known: " + knownCases(choice));
   }
   const Item &member = choice.fields[static_cast<size_t>(chosen)];
@@ -124,18 +123,16 @@ void Parser::choice(const Compound &choice, const Compound &record, List values)
 // The number of repetitions that a count field says. It is written without leading zeros, and so it is kept.
 size_t Parser::countOf(const Compound &loop, List values) {
   const std::string_view text = values.get(loop.countSlot);
-  int times = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), times);
-  if (!text.empty() && (error != std::errc() || end != text.data() + text.size() || times < 0)) {
+  const std::string_view plain = plainCount(text);
+  unsigned times = 0;
+  const auto [end, error] = std::from_chars(plain.data(), plain.data() + plain.size(), times);
+  if (error != std::errc() || end != plain.data() + plain.size()) {
     throw Fault(Fault::kHere, "a count of repetitions", kit::quoted(text.data(), text.size()));
   }
-  kit::Digits digits;
-  const char *const stop = std::to_chars(digits.bytes, digits.bytes + sizeof digits.bytes, times).ptr;
-  const std::string_view canonical(digits.bytes, static_cast<size_t>(stop - digits.bytes));
-  if (text != canonical) {
-    values.put(loop.countSlot, m_call.store.copy(canonical.data(), canonical.size()), canonical.size());
+  if (text != plain) {
+    values.put(loop.countSlot, m_call.store.copy(plain.data(), plain.size()), plain.size());
   }
-  return static_cast<size_t>(times);
+  return times;
 }
 
 // A loop of fields: as many as its count says, or to the end of the record.

@@ -19,17 +19,24 @@ const Field *firstField(const std::vector<Item> &fields) {
   return fields[0].kind == ItemKind::Field ? &fields[0].field : firstField(fields[0].compound->fields);
 }
 
-std::string_view withoutPads(const Field &field, std::string_view text) {
-  while (field.padded && !text.empty() && text.back() == field.pad) text.remove_suffix(1);
-  return text;
-}
-
 bool collides(std::string_view value, std::string_view mark) {
   for (size_t at = value.find(mark[0]); at != std::string_view::npos; at = value.find(mark[0], at + 1)) {
     const std::string_view tail = value.substr(at);
     if (tail.size() >= mark.size() ? tail.starts_with(mark) : mark.starts_with(tail)) return true;
   }
   return false;
+}
+
+std::string_view plainCount(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of('0'), text.size()));
+  return text.empty() ? "0" : text;
+}
+
+std::string_view selecting(const Field &select, std::string_view value) {
+  if (select.countedLoop >= 0) return plainCount(value);
+  const char *const supplied = select.constant != nullptr ? select.constant : select.fallback;
+  value = withoutPads(select, value);
+  return value.empty() && supplied != nullptr ? withoutPads(select, supplied) : value;
 }
 
 int chosenMember(const Compound &choice, std::string_view value) {

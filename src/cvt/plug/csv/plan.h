@@ -122,9 +122,7 @@ struct Compound {
   std::vector<kit::Count> counts;  // count fields of loops of records in a repetition
 
   // Choices.
-  int selectSlot = -1;
-  const char *selectNode = nullptr;
-  const char *selectElse = nullptr;             // the chosing field's constant or default, or null
+  Field select{};                               // the field that chooses
   std::vector<std::vector<std::string>> cases;  // for each of the members; none: all other values
   std::vector<std::string> none;
 
@@ -163,12 +161,21 @@ inline constexpr std::string_view kOpenEnd = "open";
 const Field *firstField(const std::vector<Item> &fields);
 
 // The value of a field of fixed length, of what stands there.
-std::string_view withoutPads(const Field &field, std::string_view text);
+inline std::string_view withoutPads(const Field &field, std::string_view text) {
+  while (field.padded && !text.empty() && text.back() == field.pad) text.remove_suffix(1);
+  return text;
+}
 
 // Whether a mark would be found inside the value, or begin there, when the mark stands behind it.
 bool collides(std::string_view value, std::string_view mark);
 
-// The member of a choice that a value chooses: its position, -1 for none, the number of members for a value
+// A count as it is written: without leading zeros, 0 for none.
+std::string_view plainCount(std::string_view text);
+
+// What chooses where the selecting field has that value: what is read of it once it is written.
+std::string_view selecting(const Field &select, std::string_view value);
+
+// The member of a choice that it chooses: its position, -1 for none, the number of members for a value
 // that the choice does not know.
 int chosenMember(const Compound &choice, std::string_view value);
 
