@@ -86,6 +86,16 @@ TEST(KitCharset, TextGoesThereAndBack) {
   }
 }
 
+TEST(KitCharset, ThereIsRoomForBytesThatAreManyCharactersEach) {
+  const std::string sri = "ஸ்ரீ";
+  for (const size_t n : {1U, 2U, 10U, 1000U}) {
+    std::string text;
+    for (size_t i = 0; i < n; ++i) text += sri;
+    EXPECT_TRUE(decode("TSCII", std::string(n, '\x82')) == text) << n;
+  }
+  EXPECT_LE(Charset::find("GB18030")->decodedRoom(1000), 4100U) << "no more than is needed";
+}
+
 TEST(KitCharset, EmptyTextIsFine) {
   for (const char *set : {"UTF-8", "IBM037", "GB18030", "ISO-2022-JP"}) {
     EXPECT_EQ(decode(set, ""), "");

@@ -23,6 +23,9 @@ const char *const kUtf8 = "UTF-8";
 const char *const kCodes = "UTF-32LE";
 constexpr size_t kCodeSize = 4;
 
+// More codes than one byte of any set is.
+constexpr size_t kCodesRoom = 16 * kCodeSize;
+
 // Of a text that is read back, at a time; and what a set may keep back for a character that may follow.
 constexpr size_t kPart = 512;
 constexpr size_t kKeptRoom = 16;
@@ -210,8 +213,9 @@ void Charset::classify() {
   m_ascii = true;
   for (unsigned i = 0; i < 256; ++i) {
     const char byte = static_cast<char>(i);
-    char code[16];
+    char code[kCodesRoom];
     const Converted closed = m_toCodes->run(&byte, 1, code, sizeof code);
+    m_mostOfByte = std::max(m_mostOfByte, closed.written / kCodeSize);
     const bool same = closed.damage == Damage::None && closed.written == kCodeSize && code[0] == byte;
     if (i < 0x80 && !same) m_ascii = false;
     // A set that keeps a byte back, for a character or an accent that may follow, is none of one byte a
@@ -247,7 +251,7 @@ bool Charset::hasShifts() const {
 
 size_t Charset::decodedRoom(size_t n) const {
   if (m_kind == Kind::Utf8) return n;
-  return m_kind == Kind::Table ? n * m_table->longest : n * 4 + 16;
+  return m_kind == Kind::Table ? n * m_table->longest : n * m_mostOfByte * 4 + 16;
 }
 
 Converted Charset::decode(const char *in, size_t n, char *out, size_t room) const {

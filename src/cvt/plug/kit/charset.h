@@ -80,7 +80,7 @@ class Charset {
 
   explicit Charset(const char *name);
   bool open();      // false: iconv does not know the set
-  void classify();  // one byte a character, contains ASCII
+  void classify();  // one byte a character, several characters a byte, contains ASCII
   bool hasAllOfUnicode() const;
   bool hasShifts() const;
 
@@ -93,7 +93,8 @@ class Charset {
   std::string m_name;
   Kind m_kind = Kind::Iconv;
   bool m_ascii = false;
-  bool m_shifts = false;  // a text may have to be closed
+  size_t m_mostOfByte = 1;  // characters that one byte may be
+  bool m_shifts = false;    // a text may have to be closed
   std::unique_ptr<Converter> m_toUtf8;
   std::unique_ptr<Converter> m_fromUtf8;
   std::unique_ptr<Converter> m_toCodes;  // for measuring: four bytes a character
