@@ -372,6 +372,59 @@ TEST(FixField, DefaultIsWrittenForNothingButPads) {
   EXPECT_EQ(OneField("nLen=\"4\" psDefault=\"x\" psPad=\"*\"").write("*"), "x***");
 }
 
+TEST(FixField, ValueThatIsCutToNothingIsNone) {
+  const std::string sBlanks(4, ' ');
+  const struct {
+    const char *attributes;
+    std::string value;
+  } cases[] = {
+      {"nLen=\"2\"", "中中"},
+      {"nLen=\"2\"", sBlanks + "a"},
+      {"nLen=\"2\" psUnit=\"chars\"", sBlanks + "中"},
+      {"nLen=\"3\" psCharset=\"GB18030\"", "𐀀"},
+      {"nLen=\"2\" psCharset=\"IBM037\"", sBlanks + "a"},
+      {"nLen=\"2\" psAlign=\"right\" psPad=\"*\"", "**a"},
+      {"nLen=\"2\" nRest=\"1\"", "中"},
+  };
+  for (const auto &c : cases) {
+    const std::string sField = std::string(c.attributes) + " psOverflow=\"cut\"";
+    EXPECT_NE(OneField(sField + " psBlank=\"refused\"")
+                  .write(c.value)
+                  .find(", of which no more than pads fits. Give"),
+              std::string::npos)
+        << told();
+    cvtEnd();
+    const OneField f(sField + " psDefault=\"x\"");
+    EXPECT_EQ(f.read(f.write(c.value)), "x") << c.attributes;
+    cvtEnd();
+  }
+}
+
+TEST(FixField, ValueOfWhichSomethingIsLeftIsCutWhereOneIsNeeded) {
+  const OneField f("nLen=\"3\" psOverflow=\"cut\" psBlank=\"refused\"");
+  EXPECT_EQ(f.write("abcd"), "abc");
+  EXPECT_EQ(f.write("a中"), "a  ");
+  EXPECT_EQ(f.write("中中"), "中");
+  EXPECT_NE(f.write("\xFF").find("expected valid characters"), std::string::npos) << told();
+}
+
+TEST(FixField, TooSmallABufferDoesNotCutAValue) {
+  FixConfig config;
+  config.message("M", "",
+                 {field("F", "nLen=\"3\" psOverflow=\"cut\" psBlank=\"refused\""),
+                  field("R", "nRest=\"1\" psOverflow=\"cut\" psDefault=\"x\"")});
+  ASSERT_EQ(config.start(), 0) << told();
+  const Record message = create("M");
+  set(message, "F", "中");
+  set(message, "R", "中");
+  EXPECT_EQ(generate(message, 6), "中中") << told();
+  for (size_t room = 0; room < 6; ++room) {
+    test::clearLog();
+    EXPECT_EQ(generate(message, room), "failed");
+    EXPECT_TRUE(told("expected room for")) << told();
+  }
+}
+
 TEST(FixField, PadThatIsAByteIsNotTheCharacterOfThatNumber) {
   OneField("nLen=\"3\" psCharset=\"IBM037\" psPad=\"0x40\" psBlank=\"refused\"").both("\x7C\x40\x40", "@");
   cvtEnd();

@@ -249,21 +249,42 @@ void writeDigits(const FieldPlan &field, std::string_view value, kit::Output &ou
   if (recode) field.charset->encode(text, field.length, room, field.length);
 }
 
+inline bool isNeeded(const FieldPlan &field) {
+  return !field.blankAllowed || field.hasDefault;
+}
+
 // Where a value is needed, one of nothing but pads is none: it would not come back.
 inline bool isEmpty(const FieldPlan &field, std::string_view value) {
   if (value.empty()) return true;
-  const bool needed = !field.blankAllowed || field.hasDefault;
-  return needed && !field.isNumber() && field.trims && trim(value, field.padText, field.right).empty();
+  if (!isNeeded(field) || field.isNumber() || !field.trims) return false;
+  return trim(value, field.padText, field.right).empty();
 }
 
-// An empty value: the default, or blanks where they are allowed. Whether that was all.
-inline bool writeEmpty(const FieldPlan &field, std::string_view &value, kit::Output &out) {
+// What is left of a text that is cut; of any other, all.
+std::string_view cutText(const FieldPlan &field, std::string_view value, kit::Output &out) {
+  if (field.chars) {
+    const Converted known = Charset::find(nullptr)->measure(value.data(), value.size(), field.length);
+    return known.damage == Damage::None ? value.substr(0, known.read) : value;
+  }
+  const size_t room = std::min(field.length, out.room());
+  const Converted result = field.charset->encode(value.data(), value.size(), out.at(out.offset()), room);
+  return result.damage == Damage::NoRoom && room == field.length ? value.substr(0, result.read) : value;
+}
+
+// Whether no value would be written where one is needed, or none was given.
+inline bool isNone(const FieldPlan &field, std::string_view value, kit::Output &out) {
+  return isEmpty(field, field.cut && isNeeded(field) ? cutText(field, value, out) : value);
+}
+
+// No value: the default, or blanks where they are allowed. Whether that was all.
+inline bool writeNone(const FieldPlan &field, std::string_view &value, kit::Output &out) {
   if (field.hasDefault) {
     value = field.value;
     return false;
   }
   if (!field.blankAllowed) {
-    throw Fault(out.offset(), "a value", value.empty() ? "an empty one" : shown(value),
+    const char *const rest = isEmpty(field, value) ? "" : ", of which no more than pads fits";
+    throw Fault(out.offset(), "a value", value.empty() ? "an empty one" : shown(value) + rest,
                 "Give the field a value, psDefault, or psBlank allowed");
   }
   if (!field.isNumber()) return false;
@@ -318,7 +339,7 @@ std::string_view readField(const FieldPlan &field, const char *in, size_t width,
 
 void writeField(const FieldPlan &field, std::string_view value, kit::Output &out) {
   if (field.constant) return writeConstant(field, value, out);
-  if (isEmpty(field, value) && writeEmpty(field, value, out)) return;
+  if (isNone(field, value, out) && writeNone(field, value, out)) return;
   if (!field.allowed.empty() && !value.empty()) checkAllowed(field, value, out.offset());
   if (field.type == FieldType::Raw) return writeRaw(field, value, out);
   if (field.isNumber()) return writeDigits(field, value, out);
@@ -338,7 +359,7 @@ std::string_view readVariable(const FieldPlan &field, std::string_view bytes, si
 
 void writeVariable(const FieldPlan &field, std::string_view value, kit::Output &out) {
   const size_t offset = out.offset();
-  if (value.empty()) writeEmpty(field, value, out);
+  if (isNone(field, value, out)) writeNone(field, value, out);
   if (!field.allowed.empty() && !value.empty()) checkAllowed(field, value, offset);
   field.type == FieldType::Raw ? writeAllBytes(field, value, out) : writeAllText(field, value, out);
   if (field.lengthBy != Length::Mark) return;
