@@ -134,6 +134,13 @@ TEST(LogLibrary, DataCannotPassForALogLine) {
   EXPECT_EQ(lineCount(run.output), 1);
 }
 
+// A terminal obeys U+009B like an escape sequence. Other characters of two bytes stay.
+TEST(LogLibrary, DataCannotCommandATerminal) {
+  EXPECT_TRUE(host("", "line 1 'a\xC2\x9B[31mb\xC2\x80\x7F'")
+                  .output.ends_with("[main] a\\xc2\\x9b[31mb\\xc2\\x80\\x7f\n"));
+  EXPECT_TRUE(host("", "line 1 '\xC2\xA0\xC3\x9B\xC2'").output.ends_with("[main] \xC2\xA0\xC3\x9B\xC2\n"));
+}
+
 TEST(LogLibrary, FormatCharactersInTheTextAreText) {
   EXPECT_TRUE(host("", "line 1 '%s {} {0} %n'").output.ends_with("[main] %s {} {0} %n\n"));
 }

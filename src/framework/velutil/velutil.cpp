@@ -112,19 +112,26 @@ std::string formatted(const char *psFormat, va_list args) {
   return text;
 }
 
+// How many bytes of a control character a text begins with; 0 when it begins with none. Those behind U+007F have two.
+size_t controlCharacter(std::string_view text) {
+  const auto byte = [&](size_t i) { return static_cast<unsigned char>(text[i]); };
+  if (byte(0) < 0x20 || byte(0) == 0x7f) return byte(0) == '\t' ? 0 : 1;
+  return byte(0) == 0xc2 && text.size() > 1 && byte(1) >= 0x80 && byte(1) < 0xa0 ? 2 : 0;
+}
+
 // One call is one line: line ends at the end are dropped, other control characters are shown as \xNN, so that
-// logged data cannot pass for a log line.
+// logged data cannot pass for a log line, or for what a terminal obeys.
 std::string oneLine(std::string_view text) {
   while (text.ends_with('\n') || text.ends_with('\r')) text.remove_suffix(1);
   std::string line;
   line.reserve(text.size());
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if ((byte >= 0x20 && byte != 0x7f) || c == '\t') {
-      line += c;
-    } else {
-      fmt::format_to(std::back_inserter(line), "\\x{:02x}", byte);
+  while (!text.empty()) {
+    const size_t nControl = controlCharacter(text);
+    for (size_t i = 0; i < nControl; ++i) {
+      fmt::format_to(std::back_inserter(line), "\\x{:02x}", static_cast<unsigned char>(text[i]));
     }
+    if (nControl == 0) line += text.front();
+    text.remove_prefix(std::max<size_t>(nControl, 1));
   }
   return line;
 }
