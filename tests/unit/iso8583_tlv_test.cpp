@@ -124,7 +124,7 @@ TEST_F(Tlv, OrderAndOthersMustFit) {
       "value has none. Leave the order empty: tags then stand in the order of the definition.");
   expectNotWritten(with({{"Order", "95 95"}, {"Tvr", "00"}}),
                    "G.Order] Offset[25]: expected a tag once, found 95 again.");
-  for (const char *const psBad : {"9", "9X", "95 ", "95  95", "0102030405"}) {
+  for (const char *const psBad : {"9", "9X", "95 ", "95  95", "0102030405", "00", "0095", "9F", "9502"}) {
     test::clearLog();
     EXPECT_EQ(generate(with({{"Order", psBad}, {"Tvr", "00"}})), "failed") << psBad;
     EXPECT_NE(fault().find("expected tags in hexadecimal digits, a blank between them"), std::string::npos)

@@ -239,21 +239,10 @@ const Charset *findCharset(const char *name, const Place &place) {
 }
 
 uint32_t compileTag(const char *text, const Place &place) {
-  const std::string digits = text;
-  uint32_t tag = 0;
-  std::string bytes;
-  bool good = digits.size() % 2 == 0 && digits.size() <= 8;
-  for (size_t i = 0; good && i < digits.size(); ++i) {
-    const unsigned digit = hexDigit(digits[i]);
-    good = digit <= 15;
-    tag = tag << 4 | (digit & 15);
-    if (i % 2 != 0) bytes += static_cast<char>(tag & 255);
-  }
-  if (!good || !isTag(bytes)) {
-    refuse(place, "a tag of BER-TLV, 1 to 4 bytes, in hexadecimal digits", "psTag " + kit::quoted(digits),
-           "The first byte of a longer one ends in 1F, the next ones but the last have the highest bit set");
-  }
-  return tag;
+  const uint32_t tag = tagOf(text);
+  if (tag != 0) return tag;
+  refuse(place, "a tag of BER-TLV, 1 to 4 bytes, in hexadecimal digits", "psTag " + kit::quoted(text),
+         "The first byte of a longer one ends in 1F, the next ones but the last have the highest bit set");
 }
 
 void compileField(const IsoField &record, bool inTag, const Place &place, Element &element) {

@@ -37,14 +37,9 @@ Tlv Others::next() {
 
 uint32_t Order::next() {
   const size_t length = m_rest.find(' ') < m_rest.size() ? m_rest.find(' ') : m_rest.size();
-  const std::string_view digits = m_rest.substr(0, length);
-  uint32_t tag = 0;
-  bool good = length != 0 && length % 2 == 0 && length <= 8 && length + 1 != m_rest.size();
-  for (const char c : digits) {
-    good = good && hexDigit(c) <= 15;
-    tag = tag << 4 | (hexDigit(c) & 15);
-  }
-  if (!good) {
+  const uint32_t tag = tagOf(m_rest.substr(0, length));
+  const bool blankAtTheEnd = length + 1 == m_rest.size();
+  if (tag == 0 || blankAtTheEnd) {
     throw Fault(Fault::kHere, "tags in hexadecimal digits, a blank between them",
                 quoted(m_rest.data(), m_rest.size()));
   }

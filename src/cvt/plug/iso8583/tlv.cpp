@@ -91,6 +91,18 @@ TagBytes tagBytes(uint32_t tag) {
   return made;
 }
 
+uint32_t tagOf(std::string_view digits) {
+  if (digits.size() % 2 != 0 || digits.size() > 2 * kMaxTag) return 0;
+  uint32_t tag = 0;
+  for (const char c : digits) {
+    const unsigned digit = hexDigit(c);
+    if (digit > 15) return 0;
+    tag = tag << 4 | digit;
+  }
+  const TagBytes bytes = tagBytes(tag);
+  return 2 * bytes.length == digits.size() && isTag(bytes.view()) ? tag : 0;
+}
+
 std::string tagText(uint32_t tag) {
   const TagBytes bytes = tagBytes(tag);
   std::string text(2 * bytes.length, '\0');

@@ -36,6 +36,9 @@ struct TagBytes {
 };
 TagBytes tagBytes(uint32_t tag);
 
+// The tag that these hexadecimal digits are; 0: they are none.
+uint32_t tagOf(std::string_view digits);
+
 // The tag in hexadecimal digits, for messages.
 std::string tagText(uint32_t tag);
 
