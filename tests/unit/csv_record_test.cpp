@@ -426,7 +426,8 @@ TEST_F(CsvRecords, FixedFieldsAreFilledOrRefused) {
   set(text, "Version", "");
   EXPECT_EQ(generate(text), "failed");
   EXPECT_TRUE(
-      told("Field[Head.User] Offset[6]: expected 2 characters, found 0, \"\". Fill it, or write psPad."))
+      told("Field[Head.User] Offset[6]: expected 2 characters in Version before it, found none. Fill it, or "
+           "write psPad."))
       << told();
   set(text, "Version", "3");
   EXPECT_EQ(generate(text), "failed");

@@ -440,4 +440,71 @@ TEST_F(CsvTable, RowsCanBeReadOneAfterTheOther) {
   EXPECT_EQ(sAll, "12;3\n4;56;");
 }
 
+TEST_F(CsvTable, MandatoryFieldsMayBeEmptyWhereTheyAreGiven) {
+  const std::string sKept = "nMandatory=\"1\" nKeepEmpty=\"2\" ";
+  m_config.message("Kept", "", {field("A", sKept), field("B", sKept + "nLen=\"2\" psPad=\" \""), field("C")});
+  m_config.message("Always", "", {field("A", "nMandatory=\"1\" nKeepEmpty=\"1\""), field("B")});
+  m_config.message("Plain", "psQuote=\"\"", {field("A", sKept), field("B")});
+  m_config.message("Rest", "", {field("B"), field("A", sKept + "psKind=\"rest\"")});
+  ASSERT_EQ(m_config.start(), 0) << told();
+  refused("Kept", ",  x\n",
+          "Field[A] Offset[0]: expected a value, be it empty, found none. The field is mandatory.");
+  const auto same = [](const std::string &sName, const std::string &sBytes) {
+    EXPECT_EQ(pass(sName, sBytes), sBytes) << sName << told();
+  };
+  same("Kept", "\"\",  x\n");
+  same("Always", "\"\",x\n");
+  EXPECT_EQ(pass("Always", ",x\n"), "\"\",x\n");
+  same("Plain", ",x\n");
+  same("Rest", "x,\n");
+}
+
+TEST_F(CsvTable, MandatoryFieldsStandInShortRecordsToo) {
+  const std::string sMust = "nMandatory=\"1\" nKeepEmpty=";
+  m_config.message("Always", "nShort=\"1\"", {field("A"), field("B", sMust + "\"1\"")});
+  m_config.message("Kept", "nShort=\"1\"", {field("A"), field("B", sMust + "\"2\"")});
+  m_config.message("Bare", "nShort=\"1\" psQuote=\"\"",
+                   {field("A", "nLen=\"1\""), field("B", sMust + "\"1\"")});
+  m_config.message("Fixed", "nShort=\"1\"", {field("A"), field("B", sMust + "\"1\" nLen=\"2\" psPad=\" \"")});
+  m_config.message("Rest", "nShort=\"1\"", {field("A"), field("B", sMust + "\"1\" psKind=\"rest\"")});
+  m_config.message("Value", "nShort=\"1\" psQuote=\"\"",
+                   {field("A", "nLen=\"1\""), field("B", "nMandatory=\"1\"")});
+  ASSERT_EQ(m_config.start(), 0) << told();
+  for (const std::string sName : {"Always", "Kept"}) {
+    refused(sName, "a\n",
+            "Field[B] Offset[1]: expected a value, be it empty, found none. The field is mandatory.");
+    EXPECT_EQ(pass(sName, "a,\"\"\n"), "a,\"\"\n") << told();
+  }
+  for (const std::string sName : {"Fixed", "Rest"})
+    refused(sName, "a\n", "Field[B] Offset[1]: expected a value");
+  EXPECT_EQ(pass("Bare", "a\n"), "a\n") << told();
+  EXPECT_EQ(pass("Fixed", "a,  \n"), "a,  \n") << told();
+  EXPECT_EQ(pass("Rest", "a,\n"), "a,\n") << told();
+  refused("Value", "a\n", "Field[B] Offset[1]: expected a value, found none.");
+}
+
+TEST_F(CsvTable, EmptyFieldsAtTheEndOfShortRecordsAreLeftOutWhereAllAreInQuotes) {
+  m_config.message("M", "nShort=\"1\" psQuoting=\"always\"",
+                   {field("A"), field("B", "nLen=\"2\""), field("C")});
+  ASSERT_EQ(m_config.start(), 0) << told();
+  for (const std::string s : {"\"a\"\n", "\"a\",bb\n", "\"a\",bb\"c\"\n", "\"\",bb\n"})
+    EXPECT_EQ(pass("M", s), s) << told();
+  const Text text = create("M");
+  set(text, "C", "c");
+  EXPECT_EQ(generate(text), "failed");
+  EXPECT_TRUE(told("Field[C] Offset[2]: expected 2 characters in B before it, found none.")) << told();
+}
+
+TEST_F(CsvTable, AHeaderLineIsThereInAGroupToo) {
+  m_config.message("Rows", "psHeader=\"order\"",
+                   {group("G", "", {group("H", "", {rows(fields({"A", "B"}))})})});
+  m_config.message("Row", "psHeader=\"names\"", {group("G", "", {record("R", "", fields({"A", "B"}))})});
+  ASSERT_EQ(m_config.start(), 0) << told();
+  for (const std::string sName : {"Rows", "Row"}) {
+    for (const std::string s : {"A,B\n", "A,B\n1,2\n"}) EXPECT_EQ(pass(sName, s), s) << told();
+    EXPECT_EQ(generate(create(sName)), "A,B\n");
+    refused(sName, "", "expected a line of column names, found the end.");
+  }
+}
+
 }  // namespace

@@ -54,6 +54,7 @@ class Parser {
   void field(const Field &field, const Compound &record, kit::List values);
   bool standsInNothing(const Field &field) const;
   void absent(const Field &field, const Compound &record, kit::List values);
+  void notGiven(const Field &field) const;
   void put(const Field &field, const Token &token, kit::List values);
   void putUnescaped(const Field &field, const Token &token, kit::List values);
   void choice(const Compound &choice, const Compound &record, kit::List values);

@@ -46,7 +46,8 @@ void Parser::absent(const Field &field, const Compound &record, List values) {
   // Where separators end fields, none is behind the last field for a rest that is empty.
   if (m_reader.bare() || (m_plan.dialect.terminated && field.shape == Shape::Rest)) {
     const Token nothing = m_reader.nothing();
-    if (!record.shortened && standsInNothing(field)) return put(field, nothing, values);
+    const bool there = !record.shortened || field.mandatory;
+    if (there && standsInNothing(field)) return put(field, nothing, values);
   }
   if (!record.shortened) {
     throw Fault(m_reader.stop(), "another field in the record", "its end",
@@ -54,6 +55,13 @@ void Parser::absent(const Field &field, const Compound &record, List values) {
   }
   m_call.end = m_reader.stop();
   if (field.mandatory || field.constant != nullptr) checkRead(field, {}, m_path);
+  notGiven(field);
+}
+
+// Where a mandatory field may be empty, it must still be there.
+void Parser::notGiven(const Field &field) const {
+  if (!field.mandatory || field.empty == kit::Empty::Omit) return;
+  throw Fault(Fault::kHere, "a value, be it empty", "none", "The field is mandatory");
 }
 
 void Parser::field(const Field &field, const Compound &record, List values) {
@@ -80,9 +88,10 @@ void Parser::put(const Field &field, const Token &token, List values) {
   if (!field.simple || (bytes.empty() ? field.mandatory : field.maxLength != 0)) {
     checkRead(field, bytes, m_path);
   }
-  // Nothing at all is an empty value that was given only where it could not have been put in quotes.
-  if (bytes.empty() && !token.quoted && m_plan.dialect.quoteByte != 0) return;
   if (bytes.empty() && field.empty != kit::Empty::KeepGiven) return;
+  // Nothing at all is an empty value that was given only where it could not have been put in quotes.
+  const bool quotable = m_plan.dialect.quoteByte != 0 && field.shape == Shape::Variable;
+  if (bytes.empty() && !token.quoted && quotable) return notGiven(field);
   char *const copy = m_call.store.take(bytes.size());
   kit::copyShort(copy, bytes.data(), bytes.size());
   values.put(field.slot, copy, bytes.size());

@@ -108,6 +108,13 @@ std::string headerLine(const Plan &plan, const CsvMsg &text) {
   return line;
 }
 
+// The groups around a header line, which stands in the text also when nothing follows it.
+void requireAround(Item &item) {
+  for (Item *each = &item; each->kind == ItemKind::Group; each = &each->compound->records[0]) {
+    each->compound->mandatory = true;
+  }
+}
+
 // All records without a tag, and what the header line stands before: the record or the loop of it.
 void findUntagged(Item &item, std::vector<std::pair<Compound *, Compound *>> &found) {
   Compound &compound = *item.compound;
@@ -134,6 +141,7 @@ void resolveHeader(Plan &plan, const CsvMsg &text) {
   }
   const auto [record, holder] = found[0];
   holder->header = true;
+  requireAround(plan.top);
   record->byColumn = plan.header == Header::Names;
   std::vector<const char *> groups;
   addColumns(plan, record->fields, groups, text);

@@ -14,7 +14,7 @@ using kit::Fault;
 namespace {
 
 // Kept from one text to the next, so that it takes nothing from the heap.
-std::vector<const Field *> f_waiting;  // null: of variable length
+std::vector<EmptyField> f_waiting;
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
@@ -190,30 +190,38 @@ void Writer::moveToNewLine(const Start &start) {
 }
 
 // A field that may be left out at the end of the record waits for one behind it that must be written.
-bool Writer::postponed(const Field *field, bool needed) {
+bool Writer::postponed(const EmptyField &empty, bool needed) {
   if (!m_shortened) return false;
   if (!std::exchange(m_seen, false) && !needed) {
-    f_waiting.push_back(field);
+    f_waiting.push_back(empty);
     return true;
   }
-  for (const Field *each : f_waiting) {
-    each == nullptr ? putField({}, {}) : each->shape == Shape::Fixed ? putFixed(*each, {}) : putRest({});
-  }
+  for (const EmptyField &each : f_waiting) putEmpty(each);
   f_waiting.clear();
   return false;
 }
 
+void Writer::putEmpty(const EmptyField &empty) {
+  const Field *const field = empty.field;
+  if (field == nullptr) return putField({}, empty.style);
+  if (field->shape == Shape::Rest) return putRest({});
+  if (!field->padded) {
+    throw Fault(Fault::kHere, std::to_string(field->length) + " characters in " + field->node + " before it",
+                "none", "Fill it, or write psPad");
+  }
+  putFixed(*field, {});
+}
+
 void Writer::anyField(std::string_view text, Style style) {
-  const bool quoted = m_dialect.quoteByte != 0 && style.quoted;
-  if (!postponed(nullptr, !text.empty() || style.kept || quoted)) putField(text, style);
+  if (!postponed({nullptr, style}, !text.empty() || style.kept)) putField(text, style);
 }
 
 void Writer::fixed(const Field &field, std::string_view text) {
-  if (!postponed(&field, !text.empty())) putFixed(field, text);
+  if (!postponed({&field, {}}, !text.empty() || field.mandatory)) putFixed(field, text);
 }
 
 void Writer::rest(const Field &field, std::string_view text) {
-  if (!postponed(&field, !text.empty())) putRest(text);
+  if (!postponed({&field, {}}, !text.empty() || field.mandatory)) putRest(text);
 }
 
 void Writer::putField(std::string_view text, Style style) {

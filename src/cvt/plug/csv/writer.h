@@ -14,6 +14,12 @@ struct Style {
   bool kept;    // an empty value that must be seen: in quotes, and no reason to leave the field out
 };
 
+// A field without a value that is written only when one behind it is.
+struct EmptyField {
+  const Field *field;  // null: one of variable length
+  Style style;         // of such a one
+};
+
 class Writer {
  public:
   Writer(const Dialect &dialect, LineEnd lineEnd, bool openEnd, kit::Output &out)
@@ -77,7 +83,8 @@ class Writer {
   void wrap(bool bare);
   void newLine();
   bool isTooLong(size_t length) const;
-  bool postponed(const Field *field, bool needed);
+  bool postponed(const EmptyField &empty, bool needed);
+  void putEmpty(const EmptyField &empty);
   void putField(std::string_view value, Style style);
   void putFixed(const Field &field, std::string_view value);
   void putRest(std::string_view value);
