@@ -95,6 +95,15 @@ TEST_P(StdRegex, WhatLongTextsAreMatchedWithAsARuleIsNotTooManySteps) {
   EXPECT_EQ(of(times(13000, "a,b;"), "(?<=[,;]|a|b)x"), "0");
 }
 
+TEST_P(StdRegex, GroupsThatAreWrittenOverAndOverAreManySteps) {
+  loadCall("regexReplace", 3);
+  EXPECT_EQ(of(std::string(3000, 'a'), "(?=(a{1000}))a", times(512, "$1")), "refused");
+  EXPECT_NE(firstLine().find(": expected a match in at most 1000000 steps, found more."), std::string::npos)
+      << firstLine();
+  EXPECT_EQ(of(times(9000, "a=1;"), "(\\w+)=(\\d+);", "$2=$1;"), times(9000, "1=a;"));
+  EXPECT_EQ(of(std::string(65536, 'a'), "^.*$", "$0$0$0$$").size(), 3 * 65536U + 1);
+}
+
 TEST_P(StdRegex, MemoryForGoingBackIsLimited) {
   loadCall("regexMatch", 2, "nRegexMemory='64' nRegexSteps='100000000'");
   EXPECT_EQ(of(std::string(50000, 'a'), "^(?:(a)|(b))*$"), "refused");

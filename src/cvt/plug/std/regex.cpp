@@ -1,4 +1,5 @@
 // regex.cpp: regular expressions: matched, extracted, replaced.
+#include <algorithm>
 #include <new>
 
 #include "regex_cache.h"
@@ -59,7 +60,7 @@ class Matching {
     constexpr uint32_t kOptions = PCRE2_NO_UTF_CHECK | PCRE2_SUBSTITUTE_GLOBAL |
                                   PCRE2_SUBSTITUTE_UNSET_EMPTY | PCRE2_SUBSTITUTE_OVERFLOW_LENGTH;
     size_t length = room + 1;
-    f_cache->begin();
+    f_cache->begin(static_cast<size_t>(std::count(replacement.begin(), replacement.end(), '$')));
     const int count = pcre2_substitute(m_regex.code.get(), units(m_text), m_text.size(), 0, kOptions,
                                        f_cache->match(), f_cache->context(), units(replacement),
                                        replacement.size(), reinterpret_cast<unsigned char *>(out), &length);

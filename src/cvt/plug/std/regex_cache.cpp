@@ -14,6 +14,9 @@ constexpr size_t kKiB = 1024;
 // item is long in the pattern: a class that lists more takes longer.
 constexpr size_t kStepCost = 64;
 
+// What it costs to write a character of a group. A group has no more than were run over.
+constexpr size_t kCopyCost = 8;
+
 const unsigned char *units(std::string_view text) {
   return reinterpret_cast<const unsigned char *>(text.data());
 }
@@ -81,10 +84,11 @@ RegexCache::RegexCache(const RegexLimits &limits)
   pcre2_jit_stack_assign(m_context.get(), nullptr, m_stack.get());
 }
 
-void RegexCache::begin() {
+void RegexCache::begin(size_t groups) {
   m_left = m_limits.steps * kStepCost;
   m_position = 0;
   m_weight = 0;
+  m_copied = groups * kCopyCost;
 }
 
 int RegexCache::countStep(pcre2_callout_block *step, void *cache) {
@@ -97,7 +101,8 @@ bool RegexCache::pay(const pcre2_callout_block &step) {
   const std::string_view item =
       std::string_view(regex.text).substr(step.pattern_position, step.next_item_length);
   const size_t way = step.current_position > m_position ? step.current_position - m_position : 0;
-  const size_t cost = kStepCost + way * m_weight + lookedAtInVain(step, regex, item) * item.size();
+  const size_t cost =
+      kStepCost + way * (m_weight + m_copied) + lookedAtInVain(step, regex, item) * item.size();
   if (cost > m_left) return false;
   m_left -= cost;
   m_position = step.current_position;

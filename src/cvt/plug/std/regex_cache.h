@@ -57,8 +57,8 @@ class RegexCache {
   // The compiled pattern, until the next call of this. Throws RegexError.
   const Regex &compiled(std::string_view pattern);
 
-  // Starts counting the steps of a call.
-  void begin();
+  // Starts counting the steps of a call. groups: that are written for each match.
+  void begin(size_t groups = 0);
 
   const RegexLimits &limits() const { return m_limits; }
   pcre2_match_context *context() const { return m_context.get(); }
@@ -73,6 +73,7 @@ class RegexCache {
   size_t m_left = 0;      // of what the steps of this call may cost
   size_t m_position = 0;  // in the text, where the last item was tried
   size_t m_weight = 0;    // of that item
+  size_t m_copied = 0;    // what it costs besides to write a character that was run over
   std::unique_ptr<pcre2_match_data, RegexFree<pcre2_match_data_free>> m_match;
   std::unique_ptr<pcre2_match_context, RegexFree<pcre2_match_context_free>> m_context;
   std::unique_ptr<pcre2_jit_stack, RegexFree<pcre2_jit_stack_free>> m_stack;
