@@ -425,6 +425,30 @@ TEST(FixField, TooSmallABufferDoesNotCutAValue) {
   }
 }
 
+TEST(FixField, LongConstantsAndTagsAreComparedWithTheirPads) {
+  for (const std::string &sKind : {std::string("psConst=\"A\""), std::string("psConst=\"A\" nTag=\"1\""),
+                                   std::string("psValues=\"AB|A\" nTag=\"1\"")}) {
+    for (const bool right : {false, true}) {
+      const std::string sPads(299, '*');
+      const std::string sBytes = right ? sPads + "A" : "A" + sPads;
+      FixConfig config;
+      config.message(
+          "M", "nWhole=\"1\"",
+          {loop("L",
+                "psUntil=\"" + std::string(sKind.find("nTag") == std::string::npos ? "end" : "tag") + "\"",
+                {field("F", "nLen=\"300\" psPad=\"*\" " + sKind + (right ? " psAlign=\"right\"" : ""))})});
+      ASSERT_EQ(config.start(), 0) << told();
+      EXPECT_EQ(generate(parse("M", sBytes + sBytes)), sBytes + sBytes) << told();
+      for (size_t i = 0; i < sBytes.size(); ++i) {
+        std::string sOther = sBytes;
+        sOther[i] = 'x';
+        EXPECT_EQ(parse("M", sBytes + sOther), nullptr) << i << sKind;
+      }
+      cvtEnd();
+    }
+  }
+}
+
 TEST(FixField, PadThatIsAByteIsNotTheCharacterOfThatNumber) {
   OneField("nLen=\"3\" psCharset=\"IBM037\" psPad=\"0x40\" psBlank=\"refused\"").both("\x7C\x40\x40", "@");
   cvtEnd();

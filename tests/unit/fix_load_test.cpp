@@ -3,6 +3,7 @@
 #include <time.h>
 
 #include "fix_config.h"
+#include "heap_count.h"
 
 using namespace test::fix;
 
@@ -45,4 +46,17 @@ TEST(FixLoad, ManyOptionalRecordsInALoopTakeTimeInProportion) {
 
 TEST(FixLoad, SixtyThousandOptionalRecordsInALoopDoNotExhaustTheStack) {
   EXPECT_GT(loadSeconds(60000), 0);
+}
+
+TEST(FixLoad, ValuesOfALongFieldTakeNoMemoryForItsPads) {
+  REQUIRE_HEAP_COUNT();
+  for (const char *psValue : {"psConst=\"A\" nTag=\"1\"", "psConst=\"\"", "psValues=\"A|B|\" nTag=\"1\"",
+                              "psDefault=\"A\"", "psConst=\"A\" psUnit=\"chars\"",
+                              "psConst=\"A\" psType=\"raw\" psPad=\"0x00\" psAlign=\"right\" nTag=\"1\""}) {
+    FixConfig config;
+    config.message("M", "", {record("R", "", {field("F", "nLen=\"100000000\" " + std::string(psValue))})});
+    const size_t nLargest = test::largestAllocation([&] { EXPECT_EQ(config.start(), 0) << told(); });
+    EXPECT_LT(nLargest, 10000000U) << psValue;
+    cvtEnd();
+  }
 }

@@ -19,7 +19,9 @@ namespace {
 
 constexpr int kMaxNumberBytes = 64;
 constexpr size_t kMaxLength = 100000000;
-constexpr char kNoCharacter = '\xFF';  // stands in no text of UTF-8
+constexpr size_t kMaxCharacter = 4;            // bytes of a set for one of UTF-8, at most
+constexpr size_t kKeptPads = kMaxNumberBytes;  // of a value in its field; a number is kept whole
+constexpr char kNoCharacter = '\xFF';          // stands in no text of UTF-8
 
 NumberForm formOf(FieldType type) {
   switch (type) {
@@ -258,7 +260,7 @@ class FieldCompiler {
     for (const std::string &one : m_plan.allowed) addTag(fieldBytes(m_plan, one, m_path, &m_record), one);
   }
 
-  void addTag(const std::string &bytes, const std::string &value) {
+  void addTag(const FieldBytes &bytes, const std::string &value) {
     m_plan.tags.push_back(bytes);
     if (value.empty()) m_plan.blankTag = true;
   }
@@ -351,22 +353,23 @@ std::string definedValue(const FieldPlan &field, const std::string &value, const
   return std::string(valueAsRead(field, value, number));
 }
 
-std::string fieldBytes(const FieldPlan &field, const std::string &value, const std::string &path,
-                       const void *record) {
-  const bool fixed = field.lengthBy == Length::Fixed;
-  const size_t room = fixed ? field.length : value.size();
-  std::string bytes(fixed && !field.chars ? room : room * 4 + 16, '\0');
+FieldBytes fieldBytes(const FieldPlan &field, const std::string &value, const std::string &path,
+                      const void *record) {
+  const size_t room = value.size() * kMaxCharacter + kKeptPads;
+  FieldPlan strict = field;
+  strict.cut = false;
+  strict.allowed.clear();
+  if (field.trims) strict.length = std::min(field.length, room);
+  std::string bytes(2 * room, '\0');
   kit::Output out(bytes.data(), 0, bytes.size());
   try {
-    FieldPlan strict = field;
-    strict.cut = false;
-    strict.allowed.clear();
-    fixed ? writeField(strict, value, out) : writeVariable(strict, value, out);
+    field.lengthBy == Length::Fixed ? writeField(strict, value, out) : writeVariable(strict, value, out);
   } catch (const kit::Fault &fault) {
     throw Misconfigured(path, record, "values that the field can have", quoted(value), fault.text());
   }
   bytes.resize(out.offset());
-  return bytes;
+  const size_t pads = field.length - strict.length;
+  return {std::move(bytes), field.right ? pads : 0, field.right ? 0 : pads, field.pad};
 }
 
 }  // namespace cvt::fix

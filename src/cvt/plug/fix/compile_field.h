@@ -26,7 +26,7 @@ std::string definedValue(const FieldPlan &field, const std::string &value, const
                          const void *record);
 
 // The field's bytes for a value, as it stands in a message; throws Misconfigured when it cannot.
-std::string fieldBytes(const FieldPlan &field, const std::string &value, const std::string &path,
-                       const void *record);
+FieldBytes fieldBytes(const FieldPlan &field, const std::string &value, const std::string &path,
+                      const void *record);
 
 }  // namespace cvt::fix

@@ -147,9 +147,8 @@ std::string_view readDigits(const FieldPlan &field, std::string_view bytes, size
 
 std::string_view readConstant(const FieldPlan &field, std::string_view bytes, size_t offset,
                               kit::Store &store) {
-  if (bytes.size() != field.bytes.size() ||
-      std::memcmp(bytes.data(), field.bytes.data(), bytes.size()) != 0) {
-    throw Fault(offset, quoted(field.bytes), shown(bytes), "");
+  if (bytes.size() != field.bytes.size() || !standsAt(bytes.data(), field.bytes)) {
+    throw Fault(offset, quoted(field.bytes.bytes), shown(bytes), "");
   }
   return {store.copy(field.value.data(), field.value.size()), field.value.size()};
 }
@@ -297,7 +296,9 @@ void writeConstant(const FieldPlan &field, std::string_view value, kit::Output &
   if (!value.empty() && value != field.value && valueAsRead(field, value, number) != field.value) {
     throw Fault(out.offset(), quoted(field.value), shown(value), "Leave the value empty or equal to psConst");
   }
-  out.put(field.bytes);
+  out.fill(field.bytes.pad, field.bytes.before);
+  out.put(field.bytes.bytes);
+  out.fill(field.bytes.pad, field.bytes.behind);
 }
 
 inline void checkValue(const FieldPlan &field, std::string_view value, std::string_view bytes,

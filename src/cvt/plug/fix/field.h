@@ -1,13 +1,24 @@
 // field.h: one field between the bytes of a record and its value.
 #pragma once
 
+#include <cstring>
 #include <string_view>
 
+#include "kit/bytes.h"
 #include "kit/output.h"
 #include "kit/values.h"
 #include "plan.h"
 
 namespace cvt::fix {
+
+// REQUIRES: so many bytes at `in`.
+inline bool standsAt(const char *in, const FieldBytes &expected) {
+  const char *const inner = in + expected.before;
+  const char *const behind = inner + expected.bytes.size();
+  return std::memcmp(inner, expected.bytes.data(), expected.bytes.size()) == 0 &&
+         kit::countStart(in, expected.before, expected.pad) == expected.before &&
+         kit::countStart(behind, expected.behind, expected.pad) == expected.behind;
+}
 
 // Bytes of the field that starts at `in`, where `left` bytes are left; throws Fault when they are too few.
 size_t fieldWidth(const FieldPlan &field, const char *in, size_t left, size_t offset);

@@ -81,11 +81,8 @@ inline bool Parser::startsWith(const Start &start) const {
 }
 
 inline bool Parser::has(const Tag &tag) const {
-  for (const std::string &value : tag.values) {
-    if (tag.offset + value.size() <= left() &&
-        std::memcmp(m_at + tag.offset, value.data(), value.size()) == 0) {
-      return true;
-    }
+  for (const FieldBytes &value : tag.values) {
+    if (tag.offset + value.size() <= left() && standsAt(m_at + tag.offset, value)) return true;
   }
   return false;
 }

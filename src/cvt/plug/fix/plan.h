@@ -29,6 +29,16 @@ enum class LengthOf : unsigned char {
   RecordAll,   // the bytes of the record
 };
 
+// The bytes of a value in its field. Of a long field, most pads are only counted.
+struct FieldBytes {
+  std::string bytes;
+  size_t before = 0;  // pads in front of them
+  size_t behind = 0;
+  char pad = ' ';
+
+  size_t size() const { return before + bytes.size() + behind; }
+};
+
 // What a call needs of every field stands first.
 struct FieldPlan {
   const char *name = nullptr;
@@ -63,9 +73,9 @@ struct FieldPlan {
   bool plainDigits = false;          // a number of ASCII digits alone
   std::vector<int> counts;           // slots of the loops that this field counts
   std::vector<std::string> allowed;  // as values; empty: all
-  std::vector<std::string> tags;     // bytes that tell the record; empty: this field is no tag
+  std::vector<FieldBytes> tags;      // those that tell the record; empty: this field is no tag
   std::string value;                 // the constant, or the default, as a value
-  std::string bytes;                 // the constant as it stands in the message
+  FieldBytes bytes;                  // the constant as it stands in the message
 
   bool isNumber() const { return type != FieldType::Text && type != FieldType::Raw; }
 };
@@ -73,7 +83,7 @@ struct FieldPlan {
 // One of these bytes stands at that offset from where a record starts.
 struct Tag {
   size_t offset;
-  std::vector<std::string> values;
+  std::vector<FieldBytes> values;
 };
 
 // How a record starts: all of its tags.
