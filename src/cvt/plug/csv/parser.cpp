@@ -14,9 +14,7 @@ using kit::List;
 // Whether what stands next may be the beginning of it.
 bool Parser::starts(const Compound &compound) {
   if (!m_reader.begin()) return false;
-  if (compound.startsAny) return true;
-  const int tag = m_reader.tag();
-  return tag >= 0 && compound.starts[static_cast<size_t>(tag)];
+  return compound.startsAny || compound.startOf(m_reader.tag()) != nullptr;
 }
 
 // Another record than the expected one stands here, or none.
@@ -72,7 +70,7 @@ void Parser::record(const Compound &record, List values) {
 void Parser::anyOrder(const Compound &group, List values) {
   char *const seen = m_call.store.take(group.records.size());
   while (starts(group)) {
-    const auto member = static_cast<size_t>(group.memberOfTag[static_cast<size_t>(m_reader.tag())]);
+    const size_t member = group.startOf(m_reader.tag())->member;
     const Item &each = group.records[member];
     if (each.kind != ItemKind::Loop && seen[member] != 0) {
       misplaced("each record once");

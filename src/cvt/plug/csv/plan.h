@@ -13,6 +13,7 @@
 //         Code, Amount                    record 16: two fields
 #pragma once
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -93,6 +94,12 @@ struct Column {
   std::vector<const char *> groups;  // that it stands in, for the path
 };
 
+// A tag that records may begin with.
+struct Start {
+  int tag;
+  size_t member;  // of them, the one that begins with it
+};
+
 struct Compound {
   const char *node = nullptr;  // null: no node of its own, such as the record that a loop repeats
   bool ofRecords = false;      // it stands for records, not for fields of one
@@ -106,11 +113,11 @@ struct Compound {
   // Records, and how what begins with records may begin.
   int tag = -1;  // position of the record's tag; -1: it has none
   Literal tagText;
-  bool shortened = false;  // fields at the end may be missing
-  bool header = false;     // a line of column names stands before it
-  bool byColumn = false;   // its fields come in the order of that line
-  int wrapsSlot = -1;      // of the field that remembers where the record was continued
-  std::vector<bool> starts;
+  bool shortened = false;     // fields at the end may be missing
+  bool header = false;        // a line of column names stands before it
+  bool byColumn = false;      // its fields come in the order of that line
+  int wrapsSlot = -1;         // of the field that remembers where the record was continued
+  std::vector<Start> starts;  // by their tags, each once
   bool startsAny = false;
 
   // Loops.
@@ -126,7 +133,12 @@ struct Compound {
   std::vector<std::vector<std::string>> cases;  // for each of the members; none: all other values
   std::vector<std::string> none;
 
-  std::vector<int> memberOfTag;  // records in any order: the member that begins with that tag, or -1
+  // How it begins with that tag, or null.
+  const Start *startOf(int wanted) const {
+    const auto at = std::lower_bound(starts.begin(), starts.end(), wanted,
+                                     [](const Start &start, int number) { return start.tag < number; });
+    return at != starts.end() && at->tag == wanted ? &*at : nullptr;
+  }
 };
 
 struct Plan {

@@ -23,47 +23,47 @@ bool mayBeAbsent(const Item &item) {
   return std::all_of(compound.records.begin(), compound.records.end(), mayBeAbsent);
 }
 
-void addStarts(Compound &to, const Compound &from) {
+void addStarts(Compound &to, size_t member) {
+  const Compound &from = *to.records[member].compound;
   to.startsAny = to.startsAny || from.startsAny;
-  for (size_t tag = 0; tag < from.starts.size(); ++tag) {
-    if (from.starts[tag]) to.starts[tag] = true;
-  }
+  for (const Start &start : from.starts) to.starts.push_back({start.tag, member});
 }
 
-void orderByTag(Compound &group, size_t tags, const CsvMsg &text) {
-  group.memberOfTag.assign(tags, -1);
-  for (size_t i = 0; i < group.records.size(); ++i) {
-    const Compound &member = *group.records[i].compound;
-    bool clash = member.startsAny;
-    for (size_t tag = 0; tag < tags; ++tag) {
-      if (!member.starts[tag]) continue;
-      clash = clash || group.memberOfTag[tag] >= 0;
-      group.memberOfTag[tag] = static_cast<int>(i);
-    }
-    if (!clash) continue;
-    throw Misconfigured(member.node, &text, "records in any order that each begin with a psTag of their own",
-                        member.startsAny ? "one without" : "two that begin alike");
-  }
+bool sameTag(const Start &one, const Start &other) {
+  return one.tag == other.tag;
 }
 
-void starts(Item &item, size_t tags, const CsvMsg &text) {
+// REQUIRES: its starts are sorted by their tags.
+void checkAnyOrder(const Compound &group, const CsvMsg &text) {
+  const auto refuse = [&text](const Item &member, const char *found) {
+    throw Misconfigured(member.compound->node, &text,
+                        "records in any order that each begin with a psTag of their own", found);
+  };
+  for (const Item &each : group.records) {
+    if (each.compound->startsAny) refuse(each, "one without");
+  }
+  const auto twice = std::adjacent_find(group.starts.begin(), group.starts.end(), sameTag);
+  if (twice != group.starts.end()) refuse(group.records[twice[1].member], "two that begin alike");
+}
+
+void starts(Item &item, const CsvMsg &text) {
   Compound &compound = *item.compound;
-  compound.starts.assign(tags, false);
-  for (Item &each : compound.records) starts(each, tags, text);
+  for (Item &each : compound.records) starts(each, text);
   if (item.kind == ItemKind::Record) {
     compound.first = firstField(compound.fields);
-    if (compound.tag < 0) {
-      compound.startsAny = true;
-    } else {
-      compound.starts[static_cast<size_t>(compound.tag)] = true;
-    }
+    compound.startsAny = compound.tag < 0;
+    if (compound.tag >= 0) compound.starts.push_back({compound.tag, 0});
     return;
   }
-  for (const Item &each : compound.records) {
-    addStarts(compound, *each.compound);
-    if (item.kind != ItemKind::AnyOrder && !mayBeAbsent(each)) break;
+  for (size_t i = 0; i < compound.records.size(); ++i) {
+    addStarts(compound, i);
+    if (item.kind != ItemKind::AnyOrder && !mayBeAbsent(compound.records[i])) break;
   }
-  if (item.kind == ItemKind::AnyOrder) orderByTag(compound, tags, text);
+  std::stable_sort(compound.starts.begin(), compound.starts.end(),
+                   [](const Start &one, const Start &other) { return one.tag < other.tag; });
+  if (item.kind == ItemKind::AnyOrder) checkAnyOrder(compound, text);
+  compound.starts.erase(std::unique(compound.starts.begin(), compound.starts.end(), sameTag),
+                        compound.starts.end());
 }
 
 // --- The header line
@@ -128,7 +128,7 @@ void findUntagged(Item &item, std::vector<std::pair<Compound *, Compound *>> &fo
 }  // namespace
 
 void resolveStarts(Plan &plan, const CsvMsg &text) {
-  starts(plan.top, plan.tagCount, text);
+  starts(plan.top, text);
 }
 
 void resolveHeader(Plan &plan, const CsvMsg &text) {
