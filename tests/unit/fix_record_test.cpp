@@ -122,6 +122,32 @@ TEST(FixRecord, FieldOfTypeEndRemembersThatItWasMissing) {
   EXPECT_EQ(faultOf(message), "Msg[M] Field[End] Offset[10]: expected open or nothing, found \"x\".");
 }
 
+TEST(FixRecord, LastSeparatorMayBeMissingBehindACountedLoop) {
+  const FormatNode head = record("Head", "", {field("Count", "nLen=\"1\" psType=\"number\"")});
+  const FormatNode item = record("Item", "", {field("X", "nLen=\"1\"")});
+  for (const char *separator : {"lf", "crlf"}) {
+    FixConfig config;
+    const std::string sMessage =
+        "psLastSeparator=\"optional\" psSeparator=\"" + std::string(separator) + "\"";
+    config.message("M", sMessage, {head, loop("Items", "", {item}, "Count"), field("End", "psType=\"end\"")});
+    config.message("Room", sMessage,
+                   {head, loop("Items", "nRoom=\"2\"", {item}, "Count"), field("End", "psType=\"end\"")});
+    ASSERT_EQ(config.start(), 0) << told();
+    const std::string s = separator == std::string("lf") ? "\n" : "\r\n";
+    for (const std::string &bytes :
+         {"2" + s + "A" + s + "B", "2" + s + "A" + s + "B" + s, "1" + s + "A", "0" + s}) {
+      expectSame("M", bytes);
+    }
+    expectSame("Room", "2" + s + "A" + s + "B");
+    expectSame("Room", "2" + s + "A" + s + "B" + s);
+    expectSame("Room", "1" + s + "A" + s + std::string(1 + s.size(), ' '));
+    expectRefusal(faultOf("Room", "1" + s + "A"), "bytes of unused room");
+    expectRefusal(faultOf("M", "9" + s + "A" + s + "B"), "expected 9 repetitions of at least ");
+    expectRefusal(faultOf("M", "2" + s + "A"), "expected 2 repetitions of at least ");
+    cvtEnd();
+  }
+}
+
 TEST(FixRecord, NoRecordFollowsOneWhoseSeparatorIsMissing) {
   const FormatNode a = record("A", "", {field("X", "nLen=\"1\"")});
   const FormatNode b = record("B", "", {field("Y", "nLen=\"1\" nOptional=\"1\"")});

@@ -283,7 +283,7 @@ class Generator {
       members(*plan.body, 0, plan.body->ops.size(), repetition);
     }
     m_around = here.outer;
-    if (plan.room == 0) return;
+    if (plan.room <= static_cast<size_t>(repetitions)) return;
     m_call.path.repetition(-1);
     endRecord();
     m_out.fill(plan.pad, (plan.room - static_cast<size_t>(repetitions)) * plan.size);

@@ -252,7 +252,8 @@ size_t Parser::countOf(const LoopPlan &plan, const List &values) const {
   const std::string_view text = values.get(plan.countSlot);
   const size_t count = text.empty() ? 0 : statedNumber("a count of repetitions", plan.countName, text);
   if (plan.most != 0 && count > plan.most) tooMany(plan, stated(plan.countName, text));
-  if (plan.size != 0 && count > left() / plan.size) {
+  const size_t open = m_plan.lastOptional ? kSeparatorCrLf : 0;  // the last separator may be missing
+  if (plan.size != 0 && count > (left() + open) / plan.size) {
     throw Fault(offset(),
                 std::to_string(count) + " repetitions of at least " + std::to_string(plan.size) + " bytes",
                 std::to_string(left()) + " bytes", "Correct " + std::string(plan.countName));
