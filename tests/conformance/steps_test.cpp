@@ -108,17 +108,6 @@ TEST_F(Binding, TakesAFreshListEachTime) {
   EXPECT_NE(first.tValueListInfo.ptValueList, nullptr);
 }
 
-// Whoever binds again, a chain that learns the name from a part of the message, keeps nothing of the part.
-TEST_F(Binding, GivesTheListOfAnEarlierStepBack) {
-  started();
-  ASSERT_EQ(bind("Order", nothing), 0);
-  ValueList *const ptBefore = first.tValueListInfo.ptValueList;
-  ASSERT_NE(ptBefore->nNow, 0);
-  EXPECT_EQ(pubNew(&first, nullptr, nullptr), 0);
-  EXPECT_EQ(gptFreeValue, ptBefore);
-  EXPECT_EQ(ptBefore->nNow, 0);
-}
-
 TEST_F(Binding, ComesBeforeTheQuestionWhetherTheDefinitionCanParse) {
   started();
   Msg *const ptOrder = cvtGetMsg(cs("Order"));

@@ -233,14 +233,6 @@ bool fallBack(const IdFunc *ptIdFunc, InnerMessage *ptInMsg) {
                       [&] { return fIdFunction(ptInMsg, nullptr, nullptr); }) == 0;
 }
 
-// Gives a message a list of so many values. The one that an earlier step of the chain gave it goes back.
-ValueList *bindList(InnerMessage *ptMsg, int nValueNum) {
-  ValueList *const ptList = cvtGetValueList(nValueNum);
-  cvtFreeValue(ptMsg->tValueListInfo.ptValueList);
-  ptMsg->tValueListInfo.ptValueList = ptList;
-  return ptList;
-}
-
 }  // namespace
 
 int pubNew(InnerMessage *ptInMsg, InnerMessage *, void *ptArgs) {
@@ -256,7 +248,8 @@ int pubNew(InnerMessage *ptInMsg, InnerMessage *, void *ptArgs) {
     CVT_NOT_NULL(ptInMsg->ptMsgInfo, -1);
   }
   const int nValueNum = ptInMsg->ptMsgInfo->nValueNum;
-  if (bindList(ptInMsg, nValueNum) == nullptr) {
+  ptInMsg->tValueListInfo.ptValueList = cvtGetValueList(nValueNum);
+  if (ptInMsg->tValueListInfo.ptValueList == nullptr) {
     CVT_ERR("Msg[%s] get [%d]ValueList err!!", ptInMsg->sMsgName, nValueNum);
     return -1;
   }
@@ -389,7 +382,8 @@ int pubConvert(InnerMessage *ptSrtMsg, InnerMessage *ptDstMsg, void *) {
     return -1;
   }
   const int nValueNum = ptDstMsg->ptMsgInfo->nValueNum;
-  if (bindList(ptDstMsg, nValueNum) == nullptr) {
+  ptDstMsg->tValueListInfo.ptValueList = cvtGetValueList(nValueNum);
+  if (ptDstMsg->tValueListInfo.ptValueList == nullptr) {
     CVT_ERR("Msg [%s] get [%d]ValueList err!!", psDstName, nValueNum);
     return -1;
   }
