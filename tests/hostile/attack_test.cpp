@@ -7,11 +7,11 @@
 #include <malloc.h>
 #include <sys/stat.h>
 
-#include <ctime>
 #include <fstream>
 
 #include "allocator.h"
 #include "attack.h"
+#include "cpu_time.h"
 #include "opened.h"
 #include "xml_config.h"
 
@@ -28,12 +28,6 @@ constexpr double kSeconds = 0.5;  // ten times what it shall take: the machine m
 constexpr bool kMemoryCounts = true;
 #endif
 constexpr long kKilobytes = 32 * 1024;
-
-double secondsUsed() {
-  timespec now{};
-  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-  return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
-}
 
 // A line of /proc/self/status, in kB.
 long memory(const std::string &sLine) {
@@ -58,9 +52,9 @@ Cost costOf(Work work) {
   malloc_trim(0);  // what was freed shall not hide what is taken
   forgetPeak();
   const long nBefore = memory("VmRSS");
-  const double before = secondsUsed();
+  const double before = test::cpuSeconds();
   work();
-  return {secondsUsed() - before, memory("VmHWM") - nBefore};
+  return {test::cpuSeconds() - before, memory("VmHWM") - nBefore};
 }
 
 struct Dearest {

@@ -1,20 +1,13 @@
 // Loading large definitions of the format `fix`: time in proportion to size, and no more stack than there is.
 #include <gtest/gtest.h>
-#include <time.h>
 
+#include "cpu_time.h"
 #include "fix_config.h"
 #include "heap_count.h"
 
 using namespace test::fix;
 
 namespace {
-
-// Processor time, so that a busy machine does not fail the test.
-double seconds() {
-  timespec t{};
-  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
-  return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec) * 1e-9;
-}
 
 // Of a loop around a mandatory record and that many optional ones before it.
 double loadSeconds(int nRecords) {
@@ -25,9 +18,9 @@ double loadSeconds(int nRecords) {
   body.push_back(record("Last", "", {field("Tag", "nLen=\"2\" psConst=\"Z9\" nTag=\"1\"")}));
   FixConfig config;
   config.message("M", "", {loop("L", "psUntil=\"tag\"", body)});
-  const double start = seconds();
+  const double start = test::cpuSeconds();
   EXPECT_EQ(config.start(), 0) << told();
-  const double taken = seconds() - start;
+  const double taken = test::cpuSeconds() - start;
   const std::string s = "A1A1Z9Z9A1Z9";
   EXPECT_EQ(generate(parse("M", s)), s) << told();
   cvtEnd();
