@@ -39,6 +39,11 @@ TEST(Json, AMemberThatStandsTwiceIsRefusedWithItsPath) {
   EXPECT_EQ(refusal(R"({"fields":{"x":{"x":[{"x":1},{"x":1}]}}})"), "read");
 }
 
+// The text of an exception ends at a zero byte.
+TEST(Json, APathWithAZeroByteIsToldToItsEnd) {
+  EXPECT_EQ(refusal(R"({"\u0000a":1,"\u0000a":2})").rfind("\\x00a: expected one member", 0), 0U);
+}
+
 TEST(Json, TheNameOfAMessageHoldsNoZeroByte) {
   EXPECT_EQ(refusal(R"({"message":"Order\u0000s","fields":{}})"),
             "expected \"message\", a string without a zero byte, found one at its byte 5");

@@ -4,6 +4,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "text.h"
+
 namespace tool {
 
 enum class Exit : int {
@@ -16,10 +18,11 @@ enum class Exit : int {
   config = 78     // the configuration is missing or does not load
 };
 
-// Ends the run. The text says what, where and what to do instead, without the program's name in front.
+// Ends the run. The text says what, where and what to do instead, without the program's name in front; what it quotes
+// is kept as a terminal may get it, since a zero byte would end it.
 class Failure : public std::runtime_error {
  public:
-  Failure(Exit code, const std::string &text) : std::runtime_error(text), m_code(code) {}
+  Failure(Exit code, const std::string &text) : std::runtime_error(printable(text)), m_code(code) {}
   Exit code() const { return m_code; }
 
  private:

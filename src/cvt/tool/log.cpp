@@ -136,7 +136,7 @@ void report(const std::string &text) {
   say(text);
   if (f_verbosity > 0) {
     for (const std::string &line : f_lines) {
-      if (text.find(line) == text.npos) say("  " + line);
+      if (text.find(printable(line)) == text.npos) say("  " + line);
     }
   }
   begin();
