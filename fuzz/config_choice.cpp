@@ -19,7 +19,7 @@ void choose(const std::string &name) {
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  static fuzz::Configuration config({"examples/envelope"});
+  static fuzz::Configuration config({"examples/envelope"}, {"fix", "xml"});
   config.file("IdInfo/envelope.xml", std::string(fuzz::text(data, size)));
   if (config.start()) {
     for (const std::string &name : fuzz::definitions()) choose(name);

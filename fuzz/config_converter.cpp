@@ -68,7 +68,7 @@ void convert(Converter *converter) {
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  static fuzz::Configuration config({"examples/lookup"});
+  static fuzz::Configuration config({"examples/lookup"}, {"fix", "xml", "std"});
   static const bool alone = (config.clear("Convert").clear("IdInfo"), true);
   fuzz::require(alone, "the converter at hand is the only one");
   const std::string file(fuzz::text(data, size));

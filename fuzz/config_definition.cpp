@@ -1,10 +1,10 @@
-// config_definition.cpp: a definition file, of any format; messages of one that is accepted are made, written and
-// read. config_csv, config_fix and the others are this program, each with the definitions of its format.
+// config_definition.cpp: a definition file for the plug-in FUZZ_PLUGIN; messages of one that is accepted are made,
+// written and read. config_csv, config_fix and the others are this program, each with its plug-in.
 #include "support/library.h"
 #include "support/target.h"
 
 int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  static fuzz::Configuration config({});
+  static fuzz::Configuration config({}, {FUZZ_PLUGIN});
   config.file("Message/Input.xml", std::string(fuzz::text(data, size)));
   if (config.start()) {
     fuzz::useDefinitions();

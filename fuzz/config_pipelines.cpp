@@ -4,7 +4,7 @@
 #include "support/target.h"
 
 int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  static fuzz::Configuration config({});
+  static fuzz::Configuration config({}, {});
   config.file("Id/pipelines.xml", std::string(fuzz::text(data, size)));
   config.start();
   cvtEnd();

@@ -14,19 +14,17 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const std::vector<std::string> kPlugins = {"csv", "example", "fix", "iso8583", "json", "xml", "std"};
-
-void keepPlugins() {
-  for (const std::string &name : kPlugins) {
+void keepPlugins(const std::vector<std::string> &names) {
+  for (const std::string &name : names) {
     const std::string file = CVT2_PLUGIN_DIR "/libcvt_plug_" + name + ".so";
     require(dlopen(file.c_str(), RTLD_NOW | RTLD_NODELETE) != nullptr, file + " can be opened");
   }
 }
 
-std::string rootFile() {
+std::string rootFile(const std::vector<std::string> &names) {
   std::vector<std::string> plugins;
-  plugins.reserve(std::size(kPlugins));
-  for (const std::string &name : kPlugins) plugins.push_back("psName=\"" + name + "\"");
+  plugins.reserve(names.size());
+  for (const std::string &name : names) plugins.push_back("psName=\"" + name + "\"");
   test::RootFile root;
   root.sPlug = test::plugSection(plugins);
   root.sMessage = test::messageSection({"Message"});
@@ -47,10 +45,15 @@ std::string pipelinesIn(const std::string &file) {
 
 }  // namespace
 
-Configuration::Configuration(const std::vector<std::string> &folders) {
-  static const bool kept = (keepPlugins(), true);
-  require(kept, "the plug-ins are kept");
-  file("All/root.xml", rootFile());
+const std::vector<std::string> &allPlugins() {
+  static const std::vector<std::string> names = {"csv", "example", "fix", "iso8583", "json", "xml", "std"};
+  return names;
+}
+
+Configuration::Configuration(const std::vector<std::string> &folders,
+                             const std::vector<std::string> &plugins) {
+  keepPlugins(plugins);
+  file("All/root.xml", rootFile(plugins));
   m_pipelines =
       pipelinesIn(test::pipelines({{"fuzz", {"pubParse"}, {"pubGenerate"}}, {"02", {}, {"pubGenerate"}}}));
   addPipelines("");

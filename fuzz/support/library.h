@@ -17,14 +17,19 @@ struct FreeMessage {
 };
 using Message = std::unique_ptr<InnerMessage, FreeMessage>;
 
-// A configuration in a temporary directory: the project's plug-ins, the folders Message, Convert, Id
+// The names of the project's plug-ins.
+const std::vector<std::string> &allPlugins();
+
+// A configuration in a temporary directory: plug-ins of the project, the folders Message, Convert, Id
 // and IdInfo, and two pipelines: "fuzz" reads and writes, and "02" writes, a message as it is. The plug-ins
 // stay in the process: a fuzzer counts what it covers by their addresses, and opening them again and again
 // would take most of its time.
 class Configuration : public test::ConfigTree {
  public:
-  // Adds what the folders hold, each a configuration of the project: "examples/envelope".
-  explicit Configuration(const std::vector<std::string> &folders);
+  // Adds what the folders hold, each a configuration of the project: "examples/envelope". A target that starts the
+  // library for each input names the plug-ins that it needs: their starts take most of its time.
+  explicit Configuration(const std::vector<std::string> &folders,
+                         const std::vector<std::string> &plugins = allPlugins());
 
   // Copies a file, or what a folder holds, from the project into a folder of the tree.
   Configuration &add(const std::string &from, const std::string &to);
