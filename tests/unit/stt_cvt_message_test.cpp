@@ -3,7 +3,9 @@
 
 #include <stdexcept>
 
+#include "allocator.h"
 #include "definition_xml.h"
+#include "heap_use.h"
 #include "log_capture.h"
 
 using namespace test;
@@ -54,6 +56,18 @@ TEST_F(DefinitionRecords, AValueThatIsLongerThanItsTextEndsWithZerosAndNotWithWh
   EXPECT_EQ(std::string(pt->psValue, 4000), "abc" + std::string(3997, '\0'));
   EXPECT_EQ(test::logTexts(1),
             std::vector<std::string>{"Value psValue[abc] has [3] bytes, not [4000]: write nLen=\"3\""});
+  clearLog();
+}
+
+TEST_F(DefinitionRecords, AValueOfAHugeLengthTakesTheMachinesMemoryAsItIsUsed) {
+  if (test::isWatched()) GTEST_SKIP() << "valgrind's allocator writes what it clears";
+  constexpr long kLength = 600'000'000;
+  const long before = test::resident();
+  const Value *const pt =
+      sttParseXmlValue(Element("<Value psValue='abc' nLen='600000000'/>").get(), cs("Value"));
+  EXPECT_LT(test::resident() - before, kLength / 2);
+  EXPECT_EQ(pt->nLen, kLength);
+  EXPECT_EQ(pt->psValue[kLength - 1], 0);
   clearLog();
 }
 
