@@ -157,7 +157,21 @@ has_sources() {
   local own=("fuzz/$1.cpp")
   [ -f "$project/${own[0]}" ] || own=('fuzz/*_definition.cpp')
   [[ $1 == tool_* ]] || own+=(':!src/cvt/tool')
+  local format
+  for format in csv example fix iso json xml; do
+    runs_format "$1" $format || own+=(":!src/cvt/plug/$format*")
+  done
   [[ $2 =~ ^[0-9a-f]{7,}$ ]] && git -C "$project" diff --quiet "$2" -- "${sources[@]}" "${own[@]}" 2>/dev/null
+}
+
+# runs_format TARGET FORMAT: a target that is named after a format runs no code of another one, and one without a
+# configuration that of none.
+runs_format() {
+  if [[ _$1_ =~ _(csv|example|fix|iso|json|xml)_ ]]; then
+    [ "${BASH_REMATCH[1]}" = "$2" ]
+  else
+    [ ! -f "$project/fuzz/$1.cpp" ] || grep -q Configuration "$project/fuzz/$1.cpp"
+  fi
 }
 
 # fuzz TARGET LENGTH DICTIONARY SEED...

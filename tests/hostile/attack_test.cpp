@@ -24,7 +24,7 @@ using namespace test;
 constexpr double kSeconds = 5;
 constexpr bool kMemoryCounts = false;  // the sanitizer keeps what was freed
 #else
-constexpr double kSeconds = 0.5;  // ten times what it shall take: the machine may be busy
+constexpr double kSeconds = 0.25;  // five times what it shall take: the machine may be busy
 constexpr bool kMemoryCounts = true;
 #endif
 constexpr long kKilobytes = 32 * 1024;

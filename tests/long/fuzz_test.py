@@ -180,6 +180,19 @@ class FuzzTest(repository.RepositoryTest):
         self.assertEqual(self.fuzz("--resume", "one")[2], 0)
         self.assertEqual(self.fuzz("--resume", "tool_one")[2], 1)
 
+    def test_resume_runs_again_what_runs_the_format_that_is_another(self):
+        unchanged = ("csv_messages", "config_iso", "strings", "tool_framing")
+        changed = ("config_xml", "xml_messages", "conversion")
+        for name in (*unchanged, *changed):
+            self.target(name)
+            self.write(f"fuzz/{name}.cpp", "Configuration" if name == "conversion" else "")
+        self.write("src/cvt/plug/xml/parser.cpp", "")
+        self.commit()
+        self.fuzz()
+        self.write("src/cvt/plug/xml/parser.cpp", "changed")
+        self.assertEqual(self.fuzz("--resume", *unchanged)[2], 0)
+        self.assertEqual(self.fuzz("--resume", *changed)[2], len(changed))
+
     def test_resume_runs_again_what_no_commit_has(self):
         self.write("src/one.cpp", "changed")
         self.target("one")

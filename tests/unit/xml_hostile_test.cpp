@@ -115,6 +115,29 @@ TEST_F(XmlHostile, ANamespaceUriIsLimited) {
   }
 }
 
+// Whichever of the two parsers reads it.
+TEST_F(XmlHostile, NamespacesOfAttributesAreLimitedTogetherByTheDocumentsBytes) {
+  const std::string sHead =
+      "<M xmlns='urn:m' xmlns:p='urn:p' p:id='1'><x xmlns:q='" + std::string(1024, 'u') + "'>";
+  std::string sTag = "<a";
+  for (int i = 0; i < 60; ++i) sTag += " q:a" + std::to_string(i) + "=''";
+  sTag += "/>";
+  for (const std::string sTail : {"</x></M>", "</x></M><!-- -->"}) {
+    const auto document = [&](size_t nTags) { return sHead + repeated(sTag, nTags) + sTail; };
+    const auto most = [&](size_t nTags) { return 1048576 + 16 * document(nTags).size(); };
+    size_t nTags = 1;
+    while (5 + (nTags + 1) * 60 * 1024 <= most(nTags + 1)) ++nTags;
+    EXPECT_NE(parse("Skip", document(nTags)), nullptr) << told();
+    test::clearLog();
+    EXPECT_EQ(parse("Skip", document(nTags + 1)), nullptr);
+    const size_t nOffset = sHead.size() + nTags * sTag.size();
+    EXPECT_TRUE(told("Offset[" + std::to_string(nOffset) +
+                     "]: expected namespaces of attributes of at most " + std::to_string(most(nTags + 1)) +
+                     " bytes, counted for each attribute, found more. Shorten the namespaces."))
+        << told();
+  }
+}
+
 // A document is parsed in pieces: tags, texts and characters of several bytes are cut at their ends.
 TEST_F(XmlHostile, LongDocumentsAreReadAlikeWhereverTheirPiecesEnd) {
   const std::string sHead = "<M xmlns='urn:m' xmlns:p='urn:p' p:id='1'><p:g Ccy='";

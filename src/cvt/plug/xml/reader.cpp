@@ -12,6 +12,12 @@ namespace {
 
 using kit::Fault;
 
+// The namespaces of a document's attributes may have so many bytes, and so many more for each byte of the document,
+// counted for each attribute: a prefix is short, and the parser that knows all of XML writes out what it stands for.
+// A document in use has less than one for each byte.
+constexpr size_t kSpaces = size_t{1024} * 1024;
+constexpr size_t kSpacesPerByte = 16;
+
 constexpr const char *kSkipUnknown = "psUnknown=\"skip\" in XmlMsg passes over it";
 
 std::string quoted(std::string_view text) {
@@ -94,9 +100,20 @@ void Reader::limit(size_t attributes) const {
   limitAttributes(attributes, Fault::kHere, "");
 }
 
+void Reader::limitSpaces(Attributes attributes) {
+  for (const Given &each : attributes) m_spaces += each.name.uri.size();
+  const size_t most = kSpaces + kSpacesPerByte * (m_call.length - m_call.from);
+  if (m_spaces <= most) return;
+  throw Fault(
+      Fault::kHere,
+      "namespaces of attributes of at most " + std::to_string(most) + " bytes, counted for each attribute",
+      "more", "Shorten the namespaces");
+}
+
 void Reader::open(const Name &name, Attributes attributes, size_t declarations) {
   ++m_depth;
   limit(attributes.size() + declarations);
+  limitSpaces(attributes);
   if (m_skipped > 0) {
     ++m_skipped;
   } else if (!m_room.frames.empty()) {

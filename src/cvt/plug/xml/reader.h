@@ -84,6 +84,7 @@ class Reader {
 
   [[noreturn]] void unknown(const Frame &top, const Name &name, Attributes attributes) const;
   void limit(size_t attributes) const;
+  void limitSpaces(Attributes attributes);
 
   const Plan &m_plan;
   kit::ParseCall &m_call;
@@ -91,6 +92,7 @@ class Reader {
   std::string_view m_only;  // the innermost element's text so far, while it is one piece that stays
   size_t m_depth = 0;       // open elements
   size_t m_skipped = 0;     // of them, those that the definition does not know
+  size_t m_spaces = 0;      // bytes of namespaces, counted for each attribute
 };
 
 }  // namespace cvt::xml

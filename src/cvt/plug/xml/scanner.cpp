@@ -396,6 +396,9 @@ bool Scanner::declare(std::string_view prefix, std::string_view uri) {
   for (size_t i = m_memory.open.back().bindings; i < m_memory.bindings.size(); ++i) {
     if (m_memory.bindings[i].prefix == prefix) return false;  // twice in one tag
   }
+  for (const Binding &binding : m_memory.bindings) {
+    if (binding.uri == uri) uri = binding.uri;
+  }
   m_memory.bindings.push_back({prefix, uri, m_plan.spaceOf(uri)});
   ++m_declarations;
   return true;
@@ -429,13 +432,14 @@ bool Scanner::resolve() {
   return true;
 }
 
-// Each attribute comes once.
+// Each attribute comes once. The bindings that are open share one text of a namespace, so where it lies is enough.
 bool Scanner::distinct() const {
   const std::vector<Given> &all = m_room.given;
   if (all.size() > kMost) return false;
   for (size_t i = 1; i < all.size(); ++i) {
     for (size_t j = 0; j < i; ++j) {
-      if (all[i].name.local == all[j].name.local && all[i].name.uri == all[j].name.uri) return false;
+      if (all[i].name.uri.data() == all[j].name.uri.data() && all[i].name.local == all[j].name.local)
+        return false;
     }
   }
   return true;
