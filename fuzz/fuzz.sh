@@ -165,9 +165,9 @@ has_sources() {
 }
 
 # runs_format TARGET FORMAT: a target that is named after a format runs no code of another one, and one without a
-# configuration that of none.
+# configuration that of none. The command's are named after what the command reads.
 runs_format() {
-  if [[ _$1_ =~ _(csv|example|fix|iso|json|xml)_ ]]; then
+  if [[ $1 != tool_* && _$1_ =~ _(csv|example|fix|iso|json|xml)_ ]]; then
     [ "${BASH_REMATCH[1]}" = "$2" ]
   else
     [ ! -f "$project/fuzz/$1.cpp" ] || grep -q Configuration "$project/fuzz/$1.cpp"

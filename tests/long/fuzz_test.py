@@ -182,10 +182,10 @@ class FuzzTest(repository.RepositoryTest):
 
     def test_resume_runs_again_what_runs_the_format_that_is_another(self):
         unchanged = ("csv_messages", "config_iso", "strings", "tool_framing")
-        changed = ("config_xml", "xml_messages", "conversion")
+        changed = ("config_xml", "xml_messages", "conversion", "tool_json")
         for name in (*unchanged, *changed):
             self.target(name)
-            self.write(f"fuzz/{name}.cpp", "Configuration" if name == "conversion" else "")
+            self.write(f"fuzz/{name}.cpp", "Configuration" if name in ("conversion", "tool_json") else "")
         self.write("src/cvt/plug/xml/parser.cpp", "")
         self.commit()
         self.fuzz()
