@@ -22,6 +22,9 @@ kept_bytes=196608 # of each target's corpus
 sources=(CMakeLists.txt CMakePresets.json cmake src examples fuzz/CMakeLists.txt fuzz/support fuzz/dictionaries
   'tests/support/config_tree.*' 'tests/support/toy_config.*' ':!*.md' ':!*.sh')
 
+# Formats, as targets name them and as their folders of src/cvt/plug begin.
+formats=(csv example fix iso json xml)
+
 fail() {
   echo "fuzz.sh: $*" >&2
   exit 2
@@ -158,8 +161,8 @@ has_sources() {
   [ -f "$project/${own[0]}" ] || own=('fuzz/*_definition.cpp')
   [[ $1 == tool_* ]] || own+=(':!src/cvt/tool')
   local format
-  for format in csv example fix iso json xml; do
-    runs_format "$1" $format || own+=(":!src/cvt/plug/$format*")
+  for format in "${formats[@]}"; do
+    runs_format "$1" "$format" || own+=(":!src/cvt/plug/$format*")
   done
   [[ $2 =~ ^[0-9a-f]{7,}$ ]] && git -C "$project" diff --quiet "$2" -- "${sources[@]}" "${own[@]}" 2>/dev/null
 }
@@ -167,7 +170,7 @@ has_sources() {
 # runs_format TARGET FORMAT: a target that is named after a format runs no code of another one, and one without a
 # configuration that of none. The command's are named after what the command reads.
 runs_format() {
-  if [[ $1 != tool_* && _$1_ =~ _(csv|example|fix|iso|json|xml)_ ]]; then
+  if [[ $1 != tool_* && _$1_ =~ _($(IFS='|' && echo "${formats[*]}"))_ ]]; then
     [ "${BASH_REMATCH[1]}" = "$2" ]
   else
     [ ! -f "$project/fuzz/$1.cpp" ] || grep -q Configuration "$project/fuzz/$1.cpp"

@@ -89,14 +89,13 @@ class FuzzTest(repository.RepositoryTest):
         self.target("one", count=1234, nap=300)
         code, told, _ = self.fuzz()
         self.assertEqual(code, 0)
-        seconds = r"([2-9]|[12]\d) s"
-        self.assertRegex(told, f"1234 executions in {seconds}, .* {seconds} before the end, .*, nothing found at \\w+\n")
+        self.assertRegex(told, r"1234 executions in [2-9] s, .* [2-9] s before the end, .*, nothing found at \w+\n")
 
     def test_a_whole_run_goes_on_when_nothing_is_new(self):
         self.target("one", nap=40)
         code, told, _ = self.fuzz("--whole")
         self.assertEqual(code, 0)
-        self.assertRegex(told, r"10000000 executions in ([4-9]|\d\d) s,")
+        self.assertRegex(told, r"10000000 executions in [4-9] s,")
 
     def test_what_is_found_is_told(self):
         self.target("one", code=77)

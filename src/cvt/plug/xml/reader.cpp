@@ -14,7 +14,7 @@ using kit::Fault;
 
 // The namespaces of a document's attributes may have so many bytes, and so many more for each byte of the document,
 // counted for each attribute: a prefix is short, and the parser that knows all of XML writes out what it stands for.
-// A document in use has less than one for each byte.
+// So every attribute may take eight bytes and be in a namespace of 128.
 constexpr size_t kSpaces = size_t{1024} * 1024;
 constexpr size_t kSpacesPerByte = 16;
 
