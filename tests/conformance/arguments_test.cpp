@@ -30,6 +30,10 @@ int refuse(Value *ptResult, int, Value **, MemPort) {
   return -7;
 }
 
+int throwNumber(Value *, int, Value **, MemPort) {
+  throw 7;
+}
+
 // Writes into its first argument.
 int overwrite(Value *ptResult, int, Value **pptArgs, MemPort) {
   pptArgs[0]->psValue = cs("written");
@@ -44,6 +48,7 @@ class Argument : public test::ConvertTest {
     ConvertTest::SetUp();
     cvtConvertAddFunction(cs("note"), note);
     cvtConvertAddFunction(cs("refuse"), refuse);
+    cvtConvertAddFunction(cs("throwNumber"), throwNumber);
     cvtConvertAddFunction(cs("overwrite"), overwrite);
     define("In", {field("A"), loop("Items", {field("Code")})});
     define("Out", {field("X"), field("Y")});
@@ -117,6 +122,20 @@ TEST_F(Argument, ResultOfAFailedFunctionStaysTakenAndIsPassedAsNull) {
   EXPECT_NE(g_calls[1].args.at(1), nullptr);
   EXPECT_EQ(temporariesTaken(), 0);
   EXPECT_EQ(test::logTexts(), Texts{"Do Func[refuse] err!!"});
+}
+
+TEST_F(Argument, ArgumentsOfAFailedFunctionAreGivenBack) {
+  for (const char *psFails : {"refuse", "throwNumber"}) {
+    g_calls.clear();
+    EXPECT_EQ(
+        runRules({copy(func("note", {func(psFails, {func("note"), func("note")}), func("note")}), dst("X"))}),
+        0);
+    // the last argument is taken behind the outer call's result and the failed one's, in the place of its first argument
+    EXPECT_EQ(taken(), (std::vector<int>{3, 4, 3, 3})) << psFails;
+    EXPECT_EQ(temporariesTaken(), 0);
+    cvtEnd();
+    SetUp();
+  }
 }
 
 TEST_F(Argument, SlotOfAFailedFunctionIsEmptyWhenItIsTakenAgain) {

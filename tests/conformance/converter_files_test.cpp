@@ -274,6 +274,15 @@ TEST_F(PairOfIndexes, StaysWhenASideOfALoopIsNone) {
   EXPECT_EQ(nGRet, -1);
 }
 
+TEST_F(PairOfIndexes, ComesBackBehindALoopWhoseRulesCannotBeRead) {
+  const std::string sLoop = args("ptSrcArgs", {src("Rows")}) + args("ptDstArgs", {dst("Items")});
+  EXPECT_EQ(
+      read("<Loop>" + sLoop + args("ptArgs", {copy(src("Nope"), dst("Parts"))}) + "</Loop>", sttParseXmlLoop),
+      nullptr);
+  EXPECT_EQ(test::logTexts().at(0), "Get Message Field[0:Nope] err!!");
+  EXPECT_EQ(nGRet, -1);
+}
+
 TEST_F(PairOfIndexes, ComesBackBehindALoop) {
   const std::string sLoop = args("ptSrcArgs", {src("Rows")}) + args("ptDstArgs", {dst("Items")});
   ::Loop *const pt =

@@ -158,6 +158,38 @@ TEST_F(Naming, FollowsTheEntriesOfTheIndex) {
   EXPECT_EQ(cvtGetNodeIdx(pptIdx, cs("B")), 1);
 }
 
+TEST_F(Naming, OfAnEarlierNodeComesBeforeThatOfOneThatHadItFirst) {
+  Message **const pptIdx = indexed(read({field("A"), field("B"), field("C")}));
+  cvtIdxNode(pptIdx, 0)->psNodeName = cs("b");
+  EXPECT_EQ(cvtGetNodeIdx(pptIdx, cs("B")), 0);
+  Message *const ptLast = cvtIdxNode(pptIdx, 2);
+  std::memcpy(static_cast<void *>(pptIdx), &ptLast, sizeof ptLast);
+  EXPECT_EQ(cvtGetNodeIdx(pptIdx, cs("C")), 0);
+}
+
+TEST_F(Naming, EndsWithTheIndex) {
+  Message **const pptIdx = indexed(read({field("A"), field("B"), field("C")}));
+  std::memset(static_cast<void *>(pptIdx + 1), 0, sizeof *pptIdx);
+  EXPECT_EQ(cvtGetNodeIdx(pptIdx, cs("A")), 0);
+  EXPECT_EQ(cvtGetNodeIdx(pptIdx, cs("C")), -1);
+}
+
+TEST_F(Naming, ByTheFormatsInitialiserComesBeforeALaterNodeOfThatName) {
+  Definitions::format("flat", [](Msg *ptMsg) {
+    Message **const pptIdx = ptMsg->pptMessageIdx;
+    EXPECT_EQ(cvtGetNodeIdx(pptIdx, cs("Count")), 1);
+    cvtIdxNode(pptIdx, 0)->psNodeName = cs("count");
+    cvtIdxNode(cvtLoopGetIdx(nodeNamed(pptIdx, "L")), 0)->psNodeName = cs("Y");
+    return cvtLoopSetLoopNumIndex(pptIdx);
+  });
+  m_definitions.add("Order", {field("A"), field("Count"), loop("L", "Count", {field("X"), field("Y")})});
+  ASSERT_NE(m_definitions.load(), nullptr);
+  const Message *const ptLoop = nodeNamed(indexOf("Order"), "L");
+  EXPECT_EQ(static_cast<LoopType *>(ptLoop->ptStructAttr->pInfo)->nLoopNumIndex, 0);
+  EXPECT_EQ(cvtGetNodeIdx(indexOf("Order"), cs("COUNT")), 0);
+  EXPECT_EQ(cvtGetNodeIdx(cvtLoopGetIdx(nodeNamed(indexOf("Order"), "L")), cs("y")), 0);
+}
+
 TEST_F(Naming, ByTheFormatsInitialiserIsKnownToItsCountFields) {
   Definitions::format("flat", [](Msg *ptMsg) {
     cvtIdxNode(ptMsg->pptMessageIdx, 0)->psNodeName = cs("Count");

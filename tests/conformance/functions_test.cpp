@@ -46,6 +46,19 @@ TEST_F(Functions, StandNewestFirstAndShadowTheOlderOfTheirName) {
   EXPECT_EQ(sttNewFunction(cs("F"), nullptr)->fCvtFunc, &two);
 }
 
+TEST_F(Functions, AppendedToTheListByHandAreFoundBehindTheOthers) {
+  cvtConvertAddFunction(cs("F"), one);
+  EXPECT_EQ(sttNewFunction(cs("H"), nullptr), nullptr);
+  StringList *const ptMine =
+      cvtStrAddStringList(cvtStrAddStringList(nullptr, cs("H"), reinterpret_cast<void *>(two)), cs("F"),
+                          reinterpret_cast<void *>(two));
+  ASSERT_EQ(cvtStrListAddList(gptCvtGlobalInfo->ptFuncList, ptMine), 0);
+  EXPECT_EQ(sttNewFunction(cs("H"), nullptr)->fCvtFunc, &two);
+  EXPECT_EQ(sttNewFunction(cs("F"), nullptr)->fCvtFunc, &one);
+  cvtConvertAddFunction(cs("H"), one);
+  EXPECT_EQ(sttNewFunction(cs("H"), nullptr)->fCvtFunc, &one);
+}
+
 TEST_F(Functions, RecordIsEmptyWhenItIsMade) {
   ASSERT_EQ(gptCvtGlobalInfo, nullptr);
   EXPECT_EQ(cvtConvertAddFunction(cs("F"), one), 0);

@@ -123,6 +123,17 @@ TEST_F(Formats, ADirectoryWithoutANameFailsTheSection) {
   EXPECT_EQ(cvtGetMsg(cs("Order")), nullptr);
 }
 
+TEST_F(Formats, ADefinitionAppendedToTheListByHandIsFound) {
+  Definitions::format("flat");
+  m_definitions.add("Order", {field("A")});
+  ASSERT_NE(m_definitions.load(), nullptr);
+  Msg mine{};
+  EXPECT_EQ(cvtGetMsg(cs("Mine")), nullptr);
+  cvtStrListAddList(gptFmtGlobalInfo->ptMsgList, cvtStrAddStringList(nullptr, cs("Mine"), &mine));
+  EXPECT_EQ(cvtGetMsg(cs("Mine")), &mine);
+  EXPECT_NE(cvtGetMsg(cs("Order")), nullptr);
+}
+
 TEST_F(Formats, WhatIsWrongIsToldByTheFunctionThatFoundIt) {
   EXPECT_EQ(cvtGetMsg(cs("Order")), nullptr);
   Definitions::format("flat", [](Msg *) { return -1; });

@@ -303,6 +303,16 @@ TEST_F(FunctionCall, NeedsTheGlobalRecord) {
   EXPECT_EQ(test::logTexts(1), trail({"[gptCvtGlobalInfo] is NULL"}));
 }
 
+TEST_F(FunctionCall, MissesItsRecordBeforeTheGlobalOne) {
+  load({copy(func("F"), dst("X"))});
+  Converter *const ptConvert = cvtGetCvt(cs("C"));
+  static_cast<::Copy *>(ptConvert->ptArgs->pInfo)->ptSrcArgs->pInfo = nullptr;
+  cvtCvtEnd();
+  test::clearLog();
+  EXPECT_EQ(cvtConvert(from.ptList, to.ptList, ptConvert, to.ptNode), -1);
+  EXPECT_EQ(test::logTexts(1), trail({"[ptFunc] is NULL"}));
+}
+
 // A function that itself runs a converter, while its own arguments are in use.
 int convertInside(Value *ptResult, int nArgs, Value **pptArgs, MemPort ptNode) {
   const Level inner = newMessage("Out");

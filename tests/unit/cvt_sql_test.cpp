@@ -83,11 +83,18 @@ int upper(Value *ptResult, int, Value **pptArgs, MemPort ptMemNode) {
   return cvtDumpValue(ptResult, s.data(), static_cast<int>(s.size()), ptMemNode);
 }
 
+std::vector<int> g_taken;  // temporaries that each call of "count" found taken, its own among them
+int count(Value *, int, Value **, MemPort) {
+  g_taken.push_back(test::temporariesTaken());
+  return 0;
+}
+
 class SqlRule : public test::ConvertTest {
  protected:
   void SetUp() override {
     ConvertTest::SetUp();
     cvtConvertAddFunction(cs("upper"), upper);
+    cvtConvertAddFunction(cs("count"), count);
     define("In", {field("A"), field("B"), loop("Items", {field("Code")})});
     define("Out", {field("X"), field("Y"), field("Z"), loop("Rows", {field("Name")})});
   }
@@ -145,6 +152,11 @@ TEST_F(Statement, ResultsOfAllPiecesLiveUntilItIsComplete) {
   EXPECT_EQ(g_database.calls, Texts{"execute(" + sAll + ")"});
 }
 
+TEST_F(Statement, ResultsOfPiecesAreTakenUntilTheRuleIsDone) {
+  EXPECT_EQ(runRules({sql({func("count"), func("count"), func("count")}), copy(func("count"), dst("X"))}), 0);
+  EXPECT_EQ(g_taken, (std::vector<int>{1, 2, 3, 1}));
+}
+
 TEST_F(Statement, EmptyPiecesAddNothing) {
   EXPECT_EQ(runRules({copy(value(""), dst("X")), sql({value("a"), dst("X"), value("b")})}), 0);
   EXPECT_EQ(g_database.calls, Texts{"execute(ab)"});
@@ -169,7 +181,12 @@ INSTANTIATE_TEST_SUITE_P(AroundTheSteps, LongStatement,
 
 TEST_F(Statement, BufferGrowsByThousandsWithRoomForTheZeroByte) {
   REQUIRE_HEAP_COUNT();
-  for (const auto &[nLen, nBuffer] : {std::pair<size_t, size_t>(2500, 3000), {2999, 3000}, {3000, 4000}}) {
+  for (const auto &[nLen, nBuffer] : {std::pair<size_t, size_t>(1, 1000),
+                                      {999, 1000},
+                                      {1000, 2000},
+                                      {2500, 3000},
+                                      {2999, 3000},
+                                      {3000, 4000}}) {
     const std::string sText(nLen, 'q');
     convert("C", {sql({value(sText)})});
     ASSERT_EQ(start(), 0);

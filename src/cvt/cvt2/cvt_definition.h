@@ -4,6 +4,8 @@
 // other by nature: a loop body is indexed like a message, and a reference loads a file through the registry.
 #pragma once
 
+#include <string_view>
+
 #include "cvt_heap.h"
 #include "cvt_message.h"
 
@@ -35,10 +37,32 @@ int FmtMsgInit(char *psFileName);
 // Runs the initialiser of a format on a definition. 0 also when the format has none; else its result.
 int initFormat(char *psFormat, Msg *ptMsg);
 
-// Makes look-up by name in an index independent of its length.
-void indexNodes(Message **pptIdx);
+// Names of nodes, without regard to the case of ASCII letters.
+struct NameHash {
+  size_t operator()(std::string_view s) const;
+};
+struct NameEqual {
+  bool operator()(std::string_view a, std::string_view b) const;
+};
+
+// Where an index had its nodes by name when this was made.
+class NodeNames {
+ public:
+  explicit NodeNames(Message **pptIdx);
+
+  // Position of the first node of that name; -1 without one, and when another node has that place by now or the
+  // node another name.
+  int find(Message **pptIdx, const char *psName) const;
+
+ private:
+  HashMap<std::string_view, int, NameHash, NameEqual> m_positions;
+};
+
+// Makes look-up by name independent of the length of an index and of its loops' bodies. For a definition that its
+// format has seen: the format may give nodes other names, and earlier nodes names that later ones have.
+void rememberNames(Message **pptIdx);
 
 // Forgets what belongs to indexes whose memory is about to be released.
-void forgetNodeIndexes();
+void forgetNames();
 
 }  // namespace cvt

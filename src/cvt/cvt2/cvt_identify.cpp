@@ -303,29 +303,36 @@ int pubGenerate(InnerMessage *, InnerMessage *ptInMsg, void *) {
 
 namespace {
 
-// The answers of a walk over one message's pair list, for the lists that the identification files gave.
-struct Choices {
-  cvt::HashMap<std::string_view, Converter *> byFormat;  // the first pair of a format wins
-  Converter *ptDefault = nullptr;                        // the last pair with an empty format id
-};
+// The answers of a walk over one message's pair list, for the lists that the identification files gave. A pair
+// that is put behind them is taken in at the next choice.
+class Choices {
+ public:
+  explicit Choices(const IdCvtInfo *ptList) {
+    if (ptList != nullptr) take(ptList);
+  }
 
-Choices choicesOf(const IdCvtInfo *ptList) {
-  Choices choices;
-  for (const IdCvtInfo *pt = ptList; pt != nullptr; pt = pt->ptNext) {
-    const std::string_view format = pt->psFormatId;
-    if (format.empty()) {
-      choices.ptDefault = pt->ptConverter;
+  Converter *choose(const char *psFormatId) {
+    while (m_ptLast != nullptr && m_ptLast->ptNext != nullptr) take(m_ptLast->ptNext);
+    const auto it = m_byFormat.find(psFormatId);
+    const IdCvtInfo *const pt = it != m_byFormat.end() ? it->second : m_ptDefault;
+    return pt == nullptr ? nullptr : static_cast<Converter *>(pt->ptConverter);
+  }
+
+ private:
+  void take(const IdCvtInfo *pt) {
+    m_ptLast = pt;
+    if (pt->psFormatId == nullptr) return;
+    if (*pt->psFormatId == 0) {
+      m_ptDefault = pt;
     } else {
-      choices.byFormat.try_emplace(format, static_cast<Converter *>(pt->ptConverter));
+      m_byFormat.try_emplace(pt->psFormatId, pt);
     }
   }
-  return choices;
-}
 
-Converter *choose(const Choices &choices, const char *psFormatId) {
-  const auto it = choices.byFormat.find(psFormatId);
-  return it != choices.byFormat.end() ? it->second : choices.ptDefault;
-}
+  cvt::HashMap<std::string_view, const IdCvtInfo *> m_byFormat;  // the first pair of a format wins
+  const IdCvtInfo *m_ptDefault = nullptr;                        // the last pair with an empty format id
+  const IdCvtInfo *m_ptLast = nullptr;
+};
 
 // The walk itself, for a list that somebody else hung on the definition.
 Converter *choose(const IdCvtInfo *ptList, const char *psFormatId) {
@@ -354,7 +361,7 @@ Converter *cvtGetConvert(InnerMessage *ptInSrcMsg, InnerMessage *ptInDstMsg) {
   const auto known = f_choices.find(pIdInfo);
   Converter *const pt =
       known != f_choices.end()
-          ? choose(known->second, ptInDstMsg->sMsgFormat)
+          ? known->second.choose(ptInDstMsg->sMsgFormat)
           : choose(cvt::bind::isMisfit(pIdInfo) ? nullptr : static_cast<const IdCvtInfo *>(pIdInfo),
                    ptInDstMsg->sMsgFormat);
   if (pt == nullptr) CVT_ERR("Message Convert Format id [%s] not fond!!", ptInDstMsg->sMsgFormat);
@@ -542,7 +549,7 @@ int IdInfoInit(char *psFileName) {
       return -1;
     }
     ptMsg->pIdInfo = pt->ptIdCvtInfo;
-    f_choices.insert_or_assign(ptMsg->pIdInfo, choicesOf(pt->ptIdCvtInfo));
+    f_choices.insert_or_assign(ptMsg->pIdInfo, Choices(pt->ptIdCvtInfo));
   }
   return 0;
 }

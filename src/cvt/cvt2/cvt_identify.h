@@ -89,7 +89,9 @@ typedef struct CVT_RECORD SetOffsetArgs {
   int nSetType;
 } SetOffsetArgs;
 
-extern FormatInfo *gptFormatInfo; /* the loaded pipelines */
+/* The loaded pipelines. A host may put entries in front of them, behind them or a list in their place; a format id
+ * that it changes in a loaded entry is not seen. The same holds of the pairs that hang on a definition. */
+extern FormatInfo *gptFormatInfo;
 
 /* Initialiser and end of the "Id" section. cvtIdInit returns the CvtIdArgs record, or null (logged).
  * cvtIdEnd forgets pipelines and registered steps and returns 0. */

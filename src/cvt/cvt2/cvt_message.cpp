@@ -153,7 +153,7 @@ int cvtFmtEnd() {
   gptLoopValue = nullptr;
   f_msgIndex.clear();
   f_initIndex.clear();
-  cvt::forgetNodeIndexes();
+  cvt::forgetNames();
   return 0;
 }
 

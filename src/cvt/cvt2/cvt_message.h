@@ -60,8 +60,8 @@ struct Msg;
 typedef int (*FncParse)(void *ptInfo, ValueListInfo *ptValueListInfo, struct Msg *ptMsg, char *psBuf,
                         int *pnNowLen, int nLen);
 
-/* Writes the message into psBuf (capacity nLen bytes), from *pnNowLen on, and advances *pnNowLen.
- * ptInfo is null. 0 = success. */
+/* Writes the message into psBuf (capacity nLen bytes), from *pnNowLen on, and advances *pnNowLen. One that moves it out
+ * of 0 .. nLen has failed, whatever it answers. ptInfo is null. 0 = success. */
 typedef int (*FncGenerate)(void *ptInfo, ValueListInfo *ptValueListInfo, struct Msg *ptMsg, char *psBuf,
                            int *pnNowLen, int nLen);
 
@@ -157,7 +157,8 @@ int cvtGenMessageInfo(Msg *ptMsg);
 Message **cvtCreateMessageIdx(Message *ptMessage, int *pnNum);
 
 /* First position of a node of that name, ignoring ASCII letter case; -1 when there is none (not logged) or an
- * argument is null (logged). */
+ * argument is null (logged). A name that a node is given once its definition is loaded is found where the index has no
+ * other node that bore it. */
 int cvtGetNodeIdx(Message **pIdx, char *psName);
 
 /* --- Registry of definitions and formats ---------------------------------------------------------------- */

@@ -73,6 +73,28 @@ bool isCut(const char *psFile) {
   return nEnd > static_cast<ElfW(Off)>(file.size());
 }
 
+// Where the loader will find a file: a name without a slash in the first folder of its search path that has one; as
+// it stands when none has.
+cvt::String foundAt(const char *psFile) {
+  if (std::strchr(psFile, '/') != nullptr) return psFile;
+  Dl_info here;
+  void *pSelf = nullptr;
+  Dl_serinfo tSize;
+  if (dladdr1(reinterpret_cast<void *>(&foundAt), &here, &pSelf, RTLD_DL_LINKMAP) == 0 ||
+      dlinfo(pSelf, RTLD_DI_SERINFOSIZE, &tSize) != 0) {
+    return psFile;
+  }
+  cvt::Vector<char> bytes(tSize.dls_size);
+  auto *const ptPaths = reinterpret_cast<Dl_serinfo *>(bytes.data());
+  *ptPaths = tSize;
+  if (dlinfo(pSelf, RTLD_DI_SERINFO, ptPaths) != 0) return psFile;
+  for (unsigned i = 0; i < ptPaths->dls_cnt; ++i) {
+    const cvt::String sFile = cvt::String(ptPaths->dls_serpath[i].dls_name) + "/" + psFile;
+    if (access(sFile.c_str(), R_OK) == 0) return sFile;
+  }
+  return psFile;
+}
+
 // Keeps a plug-in's code in the process after it is closed: the registries may point into it until they are
 // released, which a load that failed leaves to the next start.
 void keepMapped(const char *psFile) {
@@ -112,8 +134,9 @@ void *GetPlug(char *psName, char *psPath, char *psFunction, void *ptNode) {
     return refuse();
   }
   const cvt::String sFile = fileOf(psName, psPath);
-  if (isCut(sFile.c_str())) {
-    CVT_ERR("dlopen Err:%s: the file ends before its last segment: copy it anew!!", sFile.c_str());
+  const cvt::String sFound = foundAt(sFile.c_str());
+  if (isCut(sFound.c_str())) {
+    CVT_ERR("dlopen Err:%s: the file ends before its last segment: copy it anew!!", sFound.c_str());
     return refuse();
   }
   Library library(dlopen(sFile.c_str(), RTLD_NOW));

@@ -1,4 +1,6 @@
 // cvt_struct_loop.cpp: what a loop or counted node knows of its repetitions.
+#include <optional>
+
 #include "cvt_definition.h"
 #include "cvt_log.h"
 #include "cvt_message.h"
@@ -47,7 +49,6 @@ int cvtLoopCreateIndex(Message *ptMessage) {
   } else {  // a loop of one repeated value: its index is the node itself
     auto **const pptIdx = static_cast<Message **>(cvtMemMalloc(2 * static_cast<int>(sizeof(Message *))));
     __builtin_memcpy(pptIdx, &ptMessage, sizeof ptMessage);
-    cvt::indexNodes(pptIdx);
     ptLoopType->pptMessageIdx = pptIdx;
     nFieldNum = 1;
   }
@@ -121,6 +122,7 @@ using BodiesMet = cvt::Met<Counting, Message *>;
 int cvtLoopSetLoopNumIndex(Message **pptIdx) {
   CVT_NOT_NULL(pptIdx, -1);
   const BodiesMet met;
+  std::optional<cvt::NodeNames> names;  // as the format has left them
   for (int i = 0; Message *const ptNode = cvtIdxNode(pptIdx, i); ++i) {
     CVT_NOT_NULL(ptNode->ptStructAttr, -1);
     if (!isCounted(ptNode)) continue;
@@ -132,7 +134,8 @@ int cvtLoopSetLoopNumIndex(Message **pptIdx) {
     // Without a count field the node is left alone, and so is its body.
     if (ptLoopType->psLoopNumName == nullptr) continue;
     if (ptLoopType->nLoopNumIndex < 0) {
-      ptLoopType->nLoopNumIndex = cvtGetNodeIdx(pptIdx, ptLoopType->psLoopNumName);
+      if (!names) names.emplace(pptIdx);
+      ptLoopType->nLoopNumIndex = names->find(pptIdx, ptLoopType->psLoopNumName);
     }
     if (ptLoopType->nLoopNumIndex < 0) {
       CVT_ERR("Loop Node[%s] Loop Num Field[%s] Node Not Define!!", ptNode->psNodeName,

@@ -96,65 +96,63 @@ bool hasStruct(const Message *ptMessage, int nPos) {
   return false;
 }
 
-// --- Positions by name, beside the indexes made here -------------------------------------------------------
+// --- Positions by name -------------------------------------------------------------------------------------
 
 // Names are equal without regard to the case of ASCII letters, whatever the process's locale.
 char lower(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-struct NameHash {
-  size_t operator()(std::string_view s) const {
-    size_t nHash = 14695981039346656037U;  // FNV-1a
-    for (const char c : s) nHash = (nHash ^ static_cast<unsigned char>(lower(c))) * 1099511628211U;
-    return nHash;
-  }
-};
-struct NameEqual {
-  bool operator()(std::string_view a, std::string_view b) const {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char x, char y) { return lower(x) == lower(y); });
-  }
-};
-using Positions = cvt::HashMap<std::string_view, int, NameHash, NameEqual>;
-
-cvt::HashMap<Message **, Positions> f_positions;
-
-void rememberPositions(Message **pptIdx) {
-  Positions positions;
-  for (int i = 0; Message *const ptNode = cvtIdxNode(pptIdx, i); ++i) {
-    const char *const psName = ptNode->psNodeName;
-    if (psName != nullptr) positions.emplace(psName, i);  // the first of a name wins
-  }
-  f_positions.insert_or_assign(pptIdx, std::move(positions));
-}
-
-// Where the index had a node of that name when it was made. A format may have given the node another name since, or
-// its place to another node: -1 then.
-int positionKept(Message **pptIdx, const char *psName) {
-  const auto known = f_positions.find(pptIdx);
-  if (known == f_positions.end()) return -1;
-  const auto it = known->second.find(psName);
-  if (it == known->second.end()) return -1;
-  const Message *const ptNode = cvtIdxNode(pptIdx, it->second);
-  return ptNode != nullptr && ptNode->psNodeName == it->first.data() ? it->second : -1;
-}
+cvt::HashMap<Message **, cvt::NodeNames> f_names;  // of the indexes of loaded definitions
 
 int walkForName(Message **pptIdx, const char *psName) {
   for (int i = 0; Message *const ptNode = cvtIdxNode(pptIdx, i); ++i) {
-    if (ptNode->psNodeName != nullptr && NameEqual{}(ptNode->psNodeName, psName)) return i;
+    if (ptNode->psNodeName != nullptr && cvt::NameEqual{}(ptNode->psNodeName, psName)) return i;
   }
   return -1;
 }
 
 }  // namespace
 
-void cvt::forgetNodeIndexes() {
-  f_positions.clear();
+size_t cvt::NameHash::operator()(std::string_view s) const {
+  size_t nHash = 14695981039346656037U;  // FNV-1a
+  for (const char c : s) nHash = (nHash ^ static_cast<unsigned char>(lower(c))) * 1099511628211U;
+  return nHash;
 }
 
-void cvt::indexNodes(Message **pptIdx) {
-  rememberPositions(pptIdx);
+bool cvt::NameEqual::operator()(std::string_view a, std::string_view b) const {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char x, char y) { return lower(x) == lower(y); });
+}
+
+cvt::NodeNames::NodeNames(Message **pptIdx) {
+  for (int i = 0; Message *const ptNode = cvtIdxNode(pptIdx, i); ++i) {
+    const char *const psName = ptNode->psNodeName;
+    if (psName != nullptr) m_positions.emplace(psName, i);  // the first of a name wins
+  }
+}
+
+int cvt::NodeNames::find(Message **pptIdx, const char *psName) const {
+  const auto it = m_positions.find(psName);
+  if (it == m_positions.end()) return -1;
+  const Message *const ptNode = cvtIdxNode(pptIdx, it->second);
+  return ptNode != nullptr && ptNode->psNodeName == it->first.data() ? it->second : -1;
+}
+
+void cvt::rememberNames(Message **pptIdx) {
+  if (pptIdx == nullptr) return;
+  f_names.insert_or_assign(pptIdx, NodeNames(pptIdx));
+  // Loops in loops stand in this index, too.
+  for (int i = 0; Message *const ptNode = cvtIdxNode(pptIdx, i); ++i) {
+    const StructAttr *const ptAttr = ptNode->ptStructAttr;
+    if (ptAttr == nullptr || ptAttr->nType != CVT_STRUCT_LOOP || ptAttr->pInfo == nullptr) continue;
+    Message **const pptBody = static_cast<LoopType *>(ptAttr->pInfo)->pptMessageIdx;
+    if (pptBody != nullptr && !f_names.contains(pptBody)) f_names.emplace(pptBody, NodeNames(pptBody));
+  }
+}
+
+void cvt::forgetNames() {
+  f_names.clear();
 }
 
 Message **cvtCreateMessageIdx(Message *ptMessage, int *pnNum) {
@@ -182,14 +180,14 @@ Message **cvtCreateMessageIdx(Message *ptMessage, int *pnNum) {
       return nullptr;
     }
   }
-  rememberPositions(pptIdx);
   return pptIdx;
 }
 
 int cvtGetNodeIdx(Message **pIdx, char *psName) {
   CVT_NOT_NULL(pIdx, -1);
   CVT_NOT_NULL(psName, -1);
-  const int nPos = positionKept(pIdx, psName);
+  const auto known = f_names.find(pIdx);
+  const int nPos = known == f_names.end() ? -1 : known->second.find(pIdx, psName);
   return nPos >= 0 ? nPos : walkForName(pIdx, psName);
 }
 
@@ -261,6 +259,7 @@ void *cvtSttInitMessage(char *psFileName, char *psType, void *ptRootNode) {
     CVT_ERR("Format [%s] Init Err!!", psType);
     return nullptr;
   }
+  cvt::rememberNames(ptMsg->pptMessageIdx);
   return ptMsg;
 }
 
