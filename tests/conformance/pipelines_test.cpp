@@ -177,6 +177,15 @@ TEST_F(StepNames, RegisteredByAHostBetweenTwoStartsAreForgottenByTheSecond) {
   EXPECT_EQ(test::logTexts().front(), "IdFunc[note] Not Find!!");
 }
 
+TEST_F(StepNames, RegisteredByAHostAreForgottenByAReload) {
+  config.root.sAttributes = "nReload=\"1\"";
+  config.writeRoot();
+  started({{"f", {{"note"}}, {}}});
+  config.touchRoot();
+  EXPECT_EQ(cvtInitReload(), -1);
+  EXPECT_EQ(test::logTexts().front(), "IdFunc[note] Not Find!!");
+}
+
 // --- The "Id" section ---------------------------------------------------------------------------------
 
 TEST_F(IdSection, ThatFailsIsReportedByItsInitialiser) {
@@ -333,7 +342,8 @@ TEST_F(Buffer, AbsentTextsBecomeTheSameEmptyTextInEveryRecord) {
   started({{"f",
             {{"GetIpcName", record("IpcNameArgs", "")},
              {"GetXmlNode", record("XmlNameArgs", "psNodeName='N'")},
-             {"SetBufToBuf", record("MoveBufferArgs", "")}},
+             {"SetBufToBuf", record("MoveBufferArgs", "")},
+             {"SetMsgNameToBuf", record("IpcNameArgs", "")}},
             {}}});
   char sBuffer[] = "<N>x</N>";
   first.psBuf = second.psBuf = sBuffer;
@@ -342,8 +352,9 @@ TEST_F(Buffer, AbsentTextsBecomeTheSameEmptyTextInEveryRecord) {
   const auto *const ptIpc = static_cast<IpcNameArgs *>(pt->ptArg);
   const auto *const ptXml = static_cast<XmlNameArgs *>(pt->ptNext->ptArg);
   const auto *const ptMove = static_cast<MoveBufferArgs *>(pt->ptNext->ptNext->ptArg);
-  for (const char *ps :
-       {ptIpc->psFront, ptIpc->psBack, ptXml->psFront, ptXml->psBack, ptMove->psFront, ptMove->psBack}) {
+  const auto *const ptName = static_cast<IpcNameArgs *>(pt->ptNext->ptNext->ptNext->ptArg);
+  for (const char *ps : {ptIpc->psFront, ptIpc->psBack, ptXml->psFront, ptXml->psBack, ptMove->psFront,
+                         ptMove->psBack, ptName->psFront, ptName->psBack}) {
     ASSERT_NE(ps, nullptr);
     EXPECT_STREQ(ps, "");
   }

@@ -24,6 +24,11 @@ class Repetitions : public testing::Test {
     config.file("msg/Freight.xml", test::definition("toy", "Freight", {test::field("Id"), trucks}));
     const test::Node parts = test::loop("Parts", {test::field("Part")});
     config.file("msg/Queue.xml", test::definition("toy", "Queue", {test::loop("Jobs", {parts})}));
+    const test::Node same = test::field("Same");
+    const test::Node two = test::loop("Two", {test::loop("Inner", {same, test::field("More")})});
+    const test::Node three =
+        test::loop("Three", {test::loop("Inner", {test::field("First"), test::field("Second"), same})});
+    config.file("msg/Twin.xml", test::definition("toy", "Twin", {two, three}));
     config.root.sAttributes = "nReload=\"1\"";
     config.writeRoot();
     ASSERT_EQ(config.start(), 0);
@@ -300,6 +305,43 @@ TEST_F(Name, OfALoopMayBeTheFirstOfAMessageAndOfABody) {
   EXPECT_EQ(bytes(), "[[p;];]");
 }
 
+TEST_F(Name, OfAnInnerLoopThatTwoLoopsHaveTakesBodyCursorAndViewOfTheFirst) {
+  EXPECT_EQ(cvtFreeMessage(ptMsg), 0);
+  ptMsg = create("Twin");
+  ASSERT_NE(ptMsg, nullptr);
+  EXPECT_EQ(add("Three"), 0);
+  EXPECT_EQ(add("Three.Inner"), 0);
+  EXPECT_EQ(count("Three.Inner"), 1);
+  EXPECT_EQ(count("Inner"), 1);  // the view is the slot of Two's
+  Message *const ptThrees = cvtIdxNode(cvtLoopGetIdx(node("Three")), 0);
+  ASSERT_STREQ(ptThrees->psNodeName, "Inner");
+  EXPECT_NE(ptThrees, node("Inner"));
+  EXPECT_EQ(cvtLoopGetFieldNum(ptThrees), 3);
+  EXPECT_EQ(cvtGetLoopCurrentTime(node("Inner")), 0);
+  EXPECT_EQ(cvtGetLoopCurrentTime(ptThrees), -1);
+  const int nThree = cvtGetNodeIdx(ptMsg->ptMsgInfo->pptMessageIdx, cs("Three"));
+  ValueList *const ptThree = cvtGetLoopValueList(ptMsg->tValueListInfo.ptValueList, nThree, 0);
+  ASSERT_NE(ptThree, nullptr);
+  ValueList *const ptInner = cvtGetLoopValueList(ptThree, 0, 0);
+  ASSERT_NE(ptInner, nullptr);
+  EXPECT_EQ(ptInner->nNow, 2);  // the fields of Two's
+  EXPECT_EQ(get("Inner.Same"), cvtGetListValue(ptInner, 0));
+  EXPECT_EQ(get("Inner.Second"), nullptr);
+  EXPECT_EQ(nError, -11);
+}
+
+TEST_F(Name, OfAnInnerLoopAloneIsTheMessagesOwnSlot) {
+  EXPECT_EQ(add("Pallets"), 0);  // without a repetition of Trucks
+  EXPECT_EQ(count("Pallets"), 1);
+  EXPECT_EQ(bytes(), ",[]");
+  EXPECT_EQ(add("Trucks"), 0);
+  EXPECT_EQ(add("Pallets"), 0);
+  EXPECT_EQ(count("Pallets"), 2);
+  EXPECT_EQ(count("Trucks.Pallets"), 0);
+  EXPECT_EQ(bytes(), ",[,[];]");
+  EXPECT_TRUE(trail().empty());
+}
+
 TEST_F(Count, OfAnEmptyFieldIsZeroWhateverItIs) {
   EXPECT_EQ(count("Id"), 0);
   add("Trucks");
@@ -363,6 +405,22 @@ TEST_F(View, IsNotWrittenBackBySettingARepetition) {
   add("Trucks");
   EXPECT_EQ(set("Trucks.Pallets", 0), 0);
   EXPECT_EQ(bytes(), ",[,[p,[];];,[];]");
+}
+
+TEST_F(View, IsOpenedAlsoWhereTheRepetitionIsOutsideTheRange) {
+  add("Trucks");
+  add("Trucks.Pallets");
+  add("Trucks");
+  add("Trucks.Pallets");
+  add("Trucks.Pallets");
+  set("Trucks", 0);
+  set("Trucks.Pallets", 0);
+  EXPECT_EQ(count("Pallets"), 1);
+  set("Trucks", 1);
+  EXPECT_EQ(count("Pallets"), 1);
+  EXPECT_EQ(set("Trucks.Pallets", 9), -15);
+  EXPECT_EQ(count("Pallets"), 2);
+  EXPECT_EQ(cvtGetLoopCurrentTime(node("Pallets")), 0);
 }
 
 TEST_F(View, IsNotOpenedByCounting) {

@@ -251,6 +251,7 @@ TEST_F(Buffers, PiecesAreCountedFromTheStartsWhateverPositionsAndLengthsSay) {
   EXPECT_EQ(fucGenerate(cs("f"), &first, &second), 0);
   EXPECT_EQ(sTo, "...1234...");
   EXPECT_EQ(sFrom, "0123456789");
+  EXPECT_EQ(test::logTexts(5), Texts{"Add To Dst Message[]"});  // nothing from behind the length
   EXPECT_EQ(second.nNowLen, 6);
   EXPECT_EQ(first.nNowLen, 5);
   EXPECT_EQ(second.nLen, 1);

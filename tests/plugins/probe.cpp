@@ -10,10 +10,12 @@ void say(const char *psWhat) {
 }
 
 void sayWhatIsThere() {
-  logInfo(5, "$order", "probe.cpp", __LINE__, "sayWhatIsThere", "there are%s%s%s%s%s%s",
-          gptSttInfo == nullptr ? "" : " types", gptDict == nullptr ? "" : " names",
-          gptPlugInfo == nullptr ? "" : " plug-ins", gptFmtGlobalInfo == nullptr ? "" : " definitions",
-          gptCvtGlobalInfo == nullptr ? "" : " converters", gptFormatInfo == nullptr ? "" : " pipelines");
+  logInfo(5, "$order", "probe.cpp", __LINE__, "sayWhatIsThere",
+          "there are%s%s%s%s%s%s%s, base path [%s], root [%s]", gptSttInfo == nullptr ? "" : " types",
+          gptDict == nullptr ? "" : " names", gptPlugInfo == nullptr ? "" : " plug-ins",
+          gptFmtGlobalInfo == nullptr ? "" : " definitions", gptCvtGlobalInfo == nullptr ? "" : " converters",
+          gptFormatInfo == nullptr ? "" : " pipelines", gptAllInfo == nullptr ? "" : " record",
+          cvtGetBasePath(), gpsRootPath == nullptr ? "" : gpsRootPath);
 }
 
 struct Life {

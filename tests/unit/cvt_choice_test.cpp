@@ -143,6 +143,33 @@ TEST_F(Choosing, PairsHungOnTheDefinitionByHandAreWalkedTheSameWay) {
   EXPECT_EQ(chosen("Y"), "ToOther");
 }
 
+TEST_F(Choosing, PairsHungBehindLoadedOnesByHandAreFound) {
+  ASSERT_EQ(load({{"In", {{"X", "ToOut"}}}}), 0);
+  auto *const ptLoaded = static_cast<IdCvtInfo *>(source.ptMsgInfo->pIdInfo);
+  EXPECT_EQ(chosen("Y"), "");
+  IdCvtInfo *const ptDefault = sttNewIdCvtInfo(cs(""), cs("ToOut"), nullptr);
+  ptLoaded->ptNext = sttNewIdCvtInfo(cs("Y"), cs("ToOther"), nullptr);
+  EXPECT_EQ(chosen("Y"), "ToOther");
+  EXPECT_EQ(chosen("Z"), "");
+  ptLoaded->ptNext->ptNext = ptDefault;
+  EXPECT_EQ(chosen("Z"), "ToOut");
+  ptDefault->ptNext =
+      sttNewIdCvtInfo(cs("X"), cs("ToOther"), sttNewIdCvtInfo(cs(""), cs("ToOther"), nullptr));
+  EXPECT_EQ(chosen("Z"), "ToOther");  // the later default
+  EXPECT_EQ(chosen("X"), "ToOut");    // the first of a format
+}
+
+TEST_F(Choosing, ConverterOfALoadedPairMayBeReplaced) {
+  ASSERT_EQ(load({{"In", {{"X", "ToOut"}, {"", "ToOut"}}}}), 0);
+  EXPECT_EQ(chosen("X"), "ToOut");
+  auto *const ptLoaded = static_cast<IdCvtInfo *>(source.ptMsgInfo->pIdInfo);
+  ptLoaded->ptConverter = cvtGetCvt(cs("ToOther"));
+  EXPECT_EQ(chosen("X"), "ToOther");
+  EXPECT_EQ(chosen("Y"), "ToOut");
+  ptLoaded->ptNext->ptConverter = cvtGetCvt(cs("ToOther"));
+  EXPECT_EQ(chosen("Y"), "ToOther");
+}
+
 TEST_F(Choosing, PairsOfTheNextGenerationMayLieAtTheSameAddress) {
   ASSERT_EQ(load({{"In", {{"X", "ToOut"}}}}), 0);
   EXPECT_EQ(chosen("X"), "ToOut");
@@ -328,6 +355,34 @@ TEST_F(Converting, UnknownDestinationDefinitionFails) {
   EXPECT_EQ(convertTo("X"), -1);
   EXPECT_EQ(test::logTexts(1), Texts{"Msg [Gone] get define info err!!"});
   EXPECT_STREQ(target.sMsgName, "Gone");  // the destination is left partly filled
+}
+
+TEST_F(Converting, UnknownDestinationDefinitionUnbindsADestinationAndLeavesItsValues) {
+  ASSERT_EQ(convertTo("X"), 0);
+  ValueList *const ptList = target.tValueListInfo.ptValueList;
+  cvtGetCvt(cs("ToOut"))->psDstStructName = cs("Gone");
+  EXPECT_EQ(pubConvert(&source, &target, nullptr), -1);
+  EXPECT_EQ(target.ptMsgInfo, nullptr);
+  EXPECT_EQ(target.tValueListInfo.ptValueList, ptList);
+}
+
+TEST_F(Converting, TakesAFreshListEachTime) {
+  ASSERT_EQ(convertTo("X"), 0);
+  ValueList *const ptFirst = target.tValueListInfo.ptValueList;
+  EXPECT_EQ(pubConvert(&source, &target, nullptr), 0);
+  EXPECT_NE(target.tValueListInfo.ptValueList, ptFirst);
+  EXPECT_EQ(result().get("X"), "a");
+}
+
+TEST_F(Converting, ArgumentIsNotUsed) {
+  char cArgument = 0;
+  setFormat("X");
+  test::clearLog();
+  EXPECT_EQ(pubConvert(&source, &target, &cArgument), 0);
+  EXPECT_EQ(target.ptMsgInfo, cvtGetMsg(cs("Out")));
+  EXPECT_EQ(result().get("X"), "a");
+  EXPECT_EQ(cArgument, 0);
+  EXPECT_TRUE(test::logLines().empty());
 }
 
 TEST_F(Converting, ConverterWithoutADestinationFails) {

@@ -170,6 +170,15 @@ TEST_F(GetValue, DoesNotAskTheFormatWithoutANameOrAnError) {
   cvtFreeMessage(pt);
 }
 
+TEST_F(GetValue, IsTheLibrarysOwnWhereTheFormatOnlySets) {
+  InnerMessage *const pt = order();
+  pt->ptMsgInfo->fSetValue = throwingSet;
+  EXPECT_EQ(get(pt, "City"), "Rome");
+  EXPECT_EQ(nError, 0);
+  EXPECT_TRUE(logTexts(0).empty());
+  cvtFreeMessage(pt);
+}
+
 TEST_F(GetValue, StopsAnExceptionOfTheFormat) {
   InnerMessage *const pt = order();
   pt->ptMsgInfo->fGetValue = throwingGet;
@@ -294,6 +303,20 @@ TEST_F(SetValue, DoesNotAskTheFormatWithoutANameOrAValue) {
   EXPECT_EQ(cvtSetNameValue(pt, nullptr, cs("8"), 1), -1);
   EXPECT_EQ(cvtSetNameValue(pt, cs("Id"), nullptr, 1), -1);
   EXPECT_EQ(logTexts(), (std::vector<std::string>{"[psValueName] is NULL", "[psValue] is NULL"}));
+  cvtFreeMessage(pt);
+}
+
+TEST_F(SetValue, IsTheLibrarysOwnWhereTheFormatOnlyGets) {
+  InnerMessage *const pt = order();
+  pt->ptMsgInfo->fGetValue = throwingGet;
+  EXPECT_EQ(cvtSetNameValue(pt, cs("City"), cs("Bonn"), 4), 0);
+  pt->ptMsgInfo->fGetValue = ownGet;
+  EXPECT_EQ(cvtSetNameValue(pt, cs("Note"), cs("yes"), 3), 0);
+  EXPECT_STREQ(g_answer.psValue, "own");
+  EXPECT_TRUE(logTexts(0).empty());
+  pt->ptMsgInfo->fGetValue = nullptr;
+  EXPECT_EQ(get(pt, "City"), "Bonn");
+  EXPECT_EQ(get(pt, "Note"), "yes");
   cvtFreeMessage(pt);
 }
 

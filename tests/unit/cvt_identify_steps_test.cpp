@@ -44,6 +44,13 @@ int nameIt(InnerMessage *ptMsg, InnerMessage *ptSecond, void *pArg) {
   ptMsg->ptMsgInfo = cvtGetMsg(ptMsg->sMsgName);
   return 0;
 }
+int nameItAndFail(InnerMessage *ptMsg, InnerMessage *ptSecond, void *pArg) {
+  return nameIt(ptMsg, ptSecond, pArg) - 1;
+}
+int nameItAndThrow(InnerMessage *ptMsg, InnerMessage *ptSecond, void *pArg) {
+  nameIt(ptMsg, ptSecond, pArg);
+  throw std::runtime_error("broken");
+}
 int fail(InnerMessage *, InnerMessage *, void *) {
   return 2;
 }
@@ -146,6 +153,22 @@ TEST_F(NewStep, FailingFallBackFails) {
   name("?");
   EXPECT_EQ(pubNew(&message, nullptr, sttNewIdFunc(cs("fail"), nullptr, nullptr)), -1);
   EXPECT_EQ(test::logTexts(1), Texts{"Msg [?] get define info err!!"});
+}
+
+TEST_F(NewStep, FallBackThatFailsOnceItHasBoundTheMessageFails) {
+  name("?");
+  IdFunc fallBack{cs("fallBack"), nameItAndFail, nullptr, nullptr};
+  EXPECT_EQ(pubNew(&message, nullptr, &fallBack), -1);
+  EXPECT_EQ(test::logTexts(1), Texts{"Msg [In] get define info err!!"});
+  EXPECT_EQ(message.tValueListInfo.ptValueList, nullptr);
+
+  name("?");
+  fallBack.fIdFunction = nameItAndThrow;
+  test::clearLog();
+  EXPECT_EQ(pubNew(&message, nullptr, &fallBack), -1);
+  EXPECT_EQ(test::logTexts(1),
+            (Texts{"Step[fallBack] let an exception out: broken", "Msg [In] get define info err!!"}));
+  EXPECT_EQ(message.tValueListInfo.ptValueList, nullptr);
 }
 
 TEST_F(NewStep, FallBackWithoutAFunctionFails) {
@@ -291,6 +314,32 @@ TEST_F(GenerateStep, ReturnsTheFormatsCodeUnchanged) {
   EXPECT_EQ(fucGenerate(cs("plain"), nullptr, &message), -1);
   EXPECT_EQ(test::logTexts(1), (Texts{"Message[In] generate to Buf err!!", "Do Func[pubGenerate] err!!",
                                       "Formate[plain] Parse Err!!\n"}));
+}
+
+// A step before it has set the position there.
+TEST_F(GenerateStep, FormatMayLeaveThePositionOutsideTheBufferWhereItWas) {
+  ptDefinition->fGen = [](void *, ValueListInfo *, Msg *, char *, int *, int) { return 0; };
+  message.ptMsgInfo = ptDefinition;
+  message.nLen = 10;
+  for (const int nNow : {1000, -5}) {
+    message.nNowLen = nNow;
+    EXPECT_EQ(pubGenerate(nullptr, &message, nullptr), 0);
+    EXPECT_EQ(message.nNowLen, nNow);
+  }
+  EXPECT_TRUE(test::logLines().empty());
+}
+
+TEST_F(GenerateStep, ArgumentIsNotUsed) {
+  char cArgument = 0;
+  ptDefinition->fGen = format;
+  message.ptMsgInfo = ptDefinition;
+  message.nLen = 10;
+  EXPECT_EQ(pubGenerate(nullptr, &message, &cArgument), 0);
+  ASSERT_EQ(g_format.size(), 1U);
+  EXPECT_EQ(g_format[0].ptInfo, nullptr);
+  EXPECT_EQ(message.nNowLen, 3);
+  EXPECT_EQ(cArgument, 0);
+  EXPECT_TRUE(test::logLines().empty());
 }
 
 TEST_F(GenerateStep, NameThatFillsItsFieldIsLoggedToItsEnd) {

@@ -503,6 +503,23 @@ TEST_F(Chain, OfPipelinesThatWereHungThereByHandRuns) {
   EXPECT_EQ(fucParse(cs("other"), &a, nullptr), -1);
 }
 
+TEST_F(Chain, OfPipelinesThatWereHungBehindTheLoadedOnesRuns) {
+  ASSERT_EQ(load({{"f", {{"one"}}, {}}, {"g", {}, {}}}), 0);
+  const auto pipeline = [](const char *psFormat, const char *psStep) {
+    return sttNewFormatInfo(cs(psFormat), sttNewIdFunc(cs(psStep), nullptr, nullptr), nullptr, nullptr);
+  };
+  FormatInfo *const ptFirst = pipeline("first", "two");
+  gptFormatInfo->ptNext->ptNext = ptFirst;
+  EXPECT_EQ(fucParse(cs("first"), &a, nullptr), 0);
+  EXPECT_EQ(fucParse(cs("f"), &a, nullptr), 0);
+  EXPECT_EQ(fucParse(cs("later"), &a, nullptr), -1);
+  ptFirst->ptNext = pipeline("f", "two");  // known: the first of a format runs
+  ptFirst->ptNext->ptNext = pipeline("later", "three");
+  EXPECT_EQ(fucParse(cs("later"), &a, nullptr), 0);
+  EXPECT_EQ(fucParse(cs("f"), &a, nullptr), 0);
+  EXPECT_EQ(called(), "2131");
+}
+
 TEST_F(Chain, BeforeAnyFileIsReadThereAreNoFormats) {
   test::clearLog();
   EXPECT_EQ(fucParse(cs("f"), &a, nullptr), -1);

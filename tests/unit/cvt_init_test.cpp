@@ -510,6 +510,18 @@ TEST_F(Restart, ThatFailsHasReleasedTheOldConfiguration) {
   EXPECT_EQ(config.start(), 0);
 }
 
+TEST_F(Restart, ClosesThePlugInsBesideTheOldRecordAndTheNewRootPath) {
+  config.root.sAttributes = "psBasePath=\"old\"";
+  config.root.sPlug = test::plugSection({"psName=\"toy\"", "psName=\"first\""});
+  config.writeRoot();
+  EXPECT_EQ(config.start(), 0);
+  test::ToyConfig other;
+  EXPECT_EQ(other.start(), 0);
+  EXPECT_TRUE(
+      logged(5, "there are plug-ins definitions converters pipelines record, base path [old], root [" +
+                    other.path() + "]"));
+}
+
 TEST_F(Restart, OfADirectoryWithoutARootLeavesNothing) {
   EXPECT_EQ(config.start(), 0);
   EXPECT_EQ(cvtInit(config.arg("msg")), 0);
@@ -537,7 +549,8 @@ TEST_F(End, ReleasesTypesAndNamesBeforeThePlugInsAndTheRestBehindThem) {
   config.writeRoot();
   EXPECT_EQ(config.start(), 0);
   EXPECT_EQ(cvtEnd(), 0);
-  EXPECT_TRUE(logged(5, "there are plug-ins definitions converters pipelines"));
+  EXPECT_TRUE(logged(5, "there are plug-ins definitions converters pipelines record, base path [], root [" +
+                            config.path() + "]"));
 }
 
 TEST_F(End, BeforeAStartAndTwiceIsHarmless) {

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "convert_xml.h"
 #include "cvt.h"
 #include "log_capture.h"
 #include "toy_config.h"
@@ -17,6 +18,12 @@ using Texts = std::vector<std::string>;
 class Loops : public testing::Test {
  protected:
   void SetUp() override {
+    config.file("msg/Counted.xml",
+                test::xml::definition("toy", "Counted",
+                                      {test::xml::field("Count"),
+                                       {"Rows", " nType='1'",
+                                        "<LoopType __ID='pInfo' psLoopNumName='Count'/>" +
+                                            test::xml::nodes("ptChildNode", {test::xml::field("Row")})}}));
     ASSERT_EQ(config.start(), 0);
     ptMsg = cvtNewMessage(cs("Order"), cs("02"), &nError);
     ASSERT_NE(ptMsg, nullptr);
@@ -61,6 +68,7 @@ using AddLoopTime = Loops;
 using GetLoopTime = Loops;
 using SetLoopTime = Loops;
 using NestedLoop = Loops;
+using CountField = Loops;
 
 // --- Names
 // ------------------------------------------------------------------------------------------------------------
@@ -131,6 +139,21 @@ TEST_F(FieldName, OfANodeThatIsNoLoopGivesMinus13) {
   EXPECT_EQ(get("Who.Name"), "(null)");
   EXPECT_EQ(nError, -13);
   EXPECT_TRUE(loggedInOrder({"Loop Node [Who] Index was not set!!"}));
+}
+
+TEST_F(FieldName, OfALoopsBodyWithoutTheLoopIsTheMessagesOwnField) {
+  EXPECT_EQ(put("Qty", "1"), 0);  // no repetition is current
+  EXPECT_EQ(get("Qty"), "1");
+  add("Items");
+  put("Items.Code", "A");
+  EXPECT_EQ(get("Items.Qty"), "");
+  EXPECT_EQ(get("Code"), "");
+  EXPECT_EQ(nError, 0);
+  EXPECT_EQ(put("Code", "x"), 0);
+  EXPECT_EQ(get("Code"), "x");
+  EXPECT_EQ(get("Items.Code"), "A");
+  EXPECT_EQ(bytes(), ",,,[A,,[];],");
+  EXPECT_TRUE(logTexts().empty());
 }
 
 TEST_F(FieldName, ThatIsNotInTheLoopBodyGivesMinus11) {
@@ -367,6 +390,19 @@ TEST_F(SetLoopTime, GivesMinus1ForAnEmptyFieldThatIsNoLoop) {
   EXPECT_EQ(logTexts(), (Texts{"Node Set Loop Index err!!", "Node[Id] Set Loop Index err!!"}));
 }
 
+TEST_F(SetLoopTime, LooksForTheOuterRepetitionThenTheCountThenTheRangeThenTheCursor) {
+  EXPECT_EQ(set("Items.Lots", -1), -11);
+  EXPECT_EQ(set("Items.Nothing", -1), -11);
+  EXPECT_EQ(set("Nothing", -1), -13);
+  EXPECT_EQ(set("Id", 1), -15);
+  EXPECT_EQ(set("Id", 0), -1);
+  put("Id", "7");
+  EXPECT_EQ(set("Id", -1), -13);
+  add("Items");
+  EXPECT_EQ(set("Items.Nothing", -1), -11);
+  EXPECT_EQ(set("Items.Lots", -1), -15);
+}
+
 TEST_F(SetLoopTime, GivesMinus14ForALoopPartOver1024Bytes) {
   const std::string sName = std::string(1025, 'L') + ".Lots";
   EXPECT_EQ(set(sName.c_str(), 0), -14);
@@ -391,6 +427,26 @@ TEST_F(SetLoopTime, MovesOneCursorForAllMessagesOfTheType) {
   EXPECT_EQ(cvtGetLoopTime(ptOther, cs("Items")), 1);
   cvtFreeMessage(ptOther);
   EXPECT_EQ(cvtGetLoopCurrentTime(node("Items")), 0);  // and it outlives the message that set it
+}
+
+// --- A loop with a count field -----------------------------------------------------------------------------
+
+TEST_F(CountField, IsNeitherWrittenNorReadByTheRepetitions) {
+  cvtFreeMessage(ptMsg);
+  ptMsg = cvtNewMessage(cs("Counted"), cs("02"), &nError);
+  ASSERT_NE(ptMsg, nullptr);
+  ASSERT_EQ(cvtLoopSetLoopNumIndex(ptMsg->ptMsgInfo->pptMessageIdx), 0);
+  EXPECT_EQ(add("Rows"), 0);
+  EXPECT_EQ(set("Rows", 0), 0);
+  EXPECT_EQ(get("Count"), "");
+  put("Count", "77");
+  EXPECT_EQ(cvtLoopGetLoopNum(&ptMsg->tValueListInfo, node("Rows")), 77);
+  EXPECT_EQ(count("Rows"), 1);
+  EXPECT_EQ(add("Rows"), 0);
+  EXPECT_EQ(count("Rows"), 2);
+  EXPECT_EQ(set("Rows", 2), 0);
+  EXPECT_EQ(set("Rows", 3), -15);
+  EXPECT_EQ(get("Count"), "77");
 }
 
 // --- A loop inside a loop

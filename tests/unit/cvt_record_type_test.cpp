@@ -121,6 +121,33 @@ TEST_F(RecordOfAnotherType, OfAStepIsLeftOutAndTheStepFails) {
   EXPECT_TRUE(logged(1, "[ptArgs] is NULL"));
 }
 
+TEST_F(RecordOfAnotherType, OfAStepThatNeedsNoneIsLeftOutAndTheStepRuns) {
+  const std::string sRecord = "<SetOffsetArgs __ID='ptArg' nOffset='1'/>";
+  tree.file("Id/a.xml",
+            pipelines({{"new", {{"pubNew", sRecord}}, {}}, {"parse", {{"pubParse", sRecord}}, {}}}));
+  sMoreSections = "<Id __ID='ptId' psIdPath='Id'/>";
+  ASSERT_EQ(start(), 0);
+  const Texts all = logTexts();
+  ASSERT_GE(all.size(), 2U);
+  EXPECT_EQ(
+      Texts(all.end() - 2, all.end()),
+      Texts(2,
+            "File[" + tree.path("Id/a.xml") +
+                "] Line[1] Element[SetOffsetArgs]: it is not used: expected <IdFunc> as ptArg of <IdFunc>"));
+  EXPECT_EQ(gptFormatInfo->ptParseFunc->ptArg, nullptr);
+  EXPECT_EQ(gptFormatInfo->ptNext->ptParseFunc->ptArg, nullptr);
+  cvtGetMsg(cs("In"))->fParse = [](void *, ValueListInfo *, Msg *, char *, int *, int) { return 0; };
+  for (const char *psFormat : {"new", "parse"}) {
+    InnerMessage message{};
+    clearLog();
+    EXPECT_EQ(fucParse(cs(psFormat), &message, nullptr), -1);
+    EXPECT_EQ(logTexts().front(), "Msg [] get define info err!!") << psFormat;
+    std::string("In").copy(message.sMsgName, 2);
+    EXPECT_EQ(fucParse(cs(psFormat), &message, nullptr), 0) << psFormat;
+    EXPECT_EQ(message.ptMsgInfo, cvtGetMsg(cs("In"))) << psFormat;
+  }
+}
+
 TEST_F(RecordOfAnotherType, AsAListOfChoicesChoosesNothing) {
   tree.file("Msg/In.xml",
             "<plain><Msg psMsgName='In'><Message __ID='ptHead' psNodeName='A'><StructAttr "
