@@ -1,8 +1,11 @@
 // Fields that find no room on the heap for their part of the document: the flag is raised, the line is told, the
-// document stays as it was, and what had been made for it is given back.
+// document stays as it was, and what had been made for it is given back. A value that finds none when it is read
+// fails its record.
 #include <gtest/gtest.h>
+#include <libxml/tree.h>
 #include <libxml/xmlmemory.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <functional>
@@ -176,6 +179,67 @@ TEST_F(NoHeap, ForABaseStringIsToldAndMakesNoElement) {
   }
 }
 
+// Reads the first child of a root with no piece left: nothing comes of it, and these are the lines.
+void expectUnread(const std::string &sText, const std::function<void *(void *ptNode)> &read,
+                  const std::string &sAttribute, const Texts &lines) {
+  SCOPED_TRACE(sText);
+  const Xml xml("<r>" + sText + "</r>");
+  Texts all = {"Attribute[" + sAttribute +
+               "]: the heap has no room for its value; raise the memory limit of the process"};
+  all.insert(all.end(), lines.begin(), lines.end());
+  test::clearLog();
+  nGRet = 0;
+  f_nLeft = 0;
+  void *const pt = read(xml.child());
+  f_nLeft = -1;
+  EXPECT_EQ(pt, nullptr);
+  EXPECT_EQ(nGRet, -1);
+  EXPECT_EQ(logTexts(1), all);
+  EXPECT_EQ(logTexts(0), all);
+}
+
+TEST_F(NoHeap, ForAValueThatIsReadFailsItsRecord) {
+  expectUnread("<Plug psName='first'/>", [](void *pt) -> void * { return sttParseXmlPlug(pt, cs("Plug")); },
+               "psName", {"char * psName = sttParseXmlString(ptXmlNode, \"psName\") is Err!!"});
+  expectUnread("<Plug psPath='x'/>", [](void *pt) -> void * { return sttParseXmlPlug(pt, cs("Plug")); },
+               "psPath", {"char * psPath = sttParseXmlString(ptXmlNode, \"psPath\") is Err!!"});
+  expectUnread("<Plug psFunction='x'/>", [](void *pt) -> void * { return sttParseXmlPlug(pt, cs("Plug")); },
+               "psFunction", {"char * psFunction = sttParseXmlString(ptXmlNode, \"psFunction\") is Err!!"});
+  expectUnread("<Plug psBasePlugPath='/opt/'/>",
+               [](void *pt) -> void * { return sttParseXmlPlugInfo(pt, cs("PlugInfo")); }, "psBasePlugPath",
+               {"char * psBasePlugPath = GetBasePlugPath(ptXmlNode) is Err!!"});
+  expectUnread("<StructAttr nType='1'/>",
+               [](void *pt) -> void * { return sttParseXmlStructAttr(pt, cs("StructAttr")); }, "nType",
+               {"int nType = sttParseXmlInt(ptXmlNode, \"nType\") is Err!!"});
+  expectUnread("<Arg nType='1'/>", [](void *pt) -> void * { return sttParseXmlArg(pt, cs("Arg")); }, "nType",
+               {"int nType = sttParseXmlInt(ptXmlNode, \"nType\") is Err!!"});
+}
+
+TEST_F(NoHeap, ForTheFieldOfAnElementThatIsReadFailsTheRecordAroundIt) {
+  expectUnread("<Plug><Plug __ID='ptPlugs'/></Plug>",
+               [](void *pt) -> void * { return sttParseXmlPlugInfo(pt, cs("PlugInfo")); }, "__ID",
+               {"Plug * ptPlugs = sttParseXmlStruct(ptXmlNode, \"Plug\", \"ptPlugs\", sttParseXmlPlug) is "
+                "Err!!"});
+  expectUnread("<PathList/><PathList __ID='ptNext'/>",
+               [](void *pt) -> void * { return sttParseXmlPathList(pt, cs("PathList")); }, "__ID",
+               {"struct PathList * ptNext = sttParseXmlNext(ptXmlNode, \"PathList\", \"ptNext\", "
+                "sttParseXmlPathList) is Err!!"});
+}
+
+TEST_F(NoHeap, ForAValueOfASectionFailsItBeforeAnyDirectoryIsRead) {
+  expectUnread(
+      "<Message gnMaxValue='5'/>", [](void *pt) { return cvtFmtInit(pt, cs("Message")); }, "gnMaxValue",
+      {"int gnMaxValue = sttParseXmlInt(ptXmlNode, \"gnMaxValue\") is Err!!", "cvt Message Get Args Err!!"});
+  expectUnread("<Convert psCvtPath='cvt'/>", [](void *pt) { return cvtCvtInit(pt, cs("Convert")); },
+               "psCvtPath",
+               {"char * psCvtPath = sttParseXmlString(ptXmlNode, \"psCvtPath\") is Err!!",
+                "Convert Args Get Err!!\n"});
+  expectUnread(
+      "<Id psIdPath='id'/>", [](void *pt) { return cvtIdInit(pt, cs("Id")); }, "psIdPath",
+      {"char * psIdPath = sttParseXmlString(ptXmlNode, \"psIdPath\") is Err!!", "Id Args Get ERr!!"});
+  cvtEnd();
+}
+
 TEST_F(NoHeap, ForAFileLeavesNoneAndTheOldOne) {
   test::ConfigTree tree;
   tree.file("a.xml", "<old/>");
@@ -185,6 +249,18 @@ TEST_F(NoHeap, ForAFileLeavesNoneAndTheOldOne) {
   EXPECT_EQ(logTexts(0), Texts{"Make [R)" + tree.path("a.xml") + "] Xml err!"});
   const test::Doc doc(xmlFileParse(tree.arg("a.xml")));
   EXPECT_EQ(test::textOf(doc.get()), "<old/>");
+}
+
+TEST(FreedNode, IsStillItsParentsChild) {
+  const Xml xml("<a><b/></a>");
+  void *const ptChild = xml.child();
+  const auto nChild = reinterpret_cast<std::uintptr_t>(ptChild);
+  EXPECT_EQ(xmlNodeFree(ptChild), 0);
+  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(xmlGetChileNode(xml.root())), nChild);
+  auto *const ptParent = static_cast<xmlNodePtr>(xml.root());
+  ptParent->children = nullptr;
+  ptParent->last = nullptr;
+  EXPECT_EQ(xml.text(), "<a/>");
 }
 
 }  // namespace

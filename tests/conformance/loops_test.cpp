@@ -75,6 +75,13 @@ TEST_F(Loops, ResolvingABodyThatLacksALoopTypeFailsTheWhole) {
   EXPECT_EQ(logTexts(), Texts{"[ptLoopType = (LoopType *)pptIdx[i]->ptStructAttr->pInfo] is NULL"});
 }
 
+TEST_F(Loops, CountFieldWithAnEmptyNameIsLookedUpAsAnyOther) {
+  NodeXml node = loop("L", "", {field("X")});
+  node.sInfo = "<LoopType __ID='pInfo' psLoopNumName=''/>";
+  EXPECT_EQ(resolve(index({field("N"), node})), -3);
+  EXPECT_EQ(logTexts(), Texts{"Loop Node[L] Loop Num Field[] Node Not Define!!"});
+}
+
 TEST_F(Loops, CountFieldIsTheFirstOfItsName) {
   Msg *const ptMsg = index({field("A"), field("n"), loop("L", "N", {field("X")}), field("N")});
   ASSERT_EQ(resolve(ptMsg), 0);

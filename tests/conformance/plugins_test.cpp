@@ -131,6 +131,21 @@ TEST_F(Refusal, WithoutAnInitialiser) {
   EXPECT_EQ(probes(), (Texts{"first opened", "first closed"}));
 }
 
+TEST_F(Refusal, OfAnEmptyFunctionThatIsGiven) {
+  EXPECT_EQ(start({"psName=\"first\" psFunction=\"\""}), -1);
+  EXPECT_EQ(trail(),
+            refusal("Function [] Not Find in [" + kFirst + "]!![" + kFirst + ": undefined symbol: ]"));
+}
+
+// The loader takes an empty file name for the program itself.
+TEST_F(Refusal, OfAnEmptyPathThatIsGiven) {
+  EXPECT_EQ(start({"psName=\"first\" psPath=\"\""}), -1);
+  const std::string sLine = trail().front();
+  EXPECT_TRUE(sLine.starts_with("cvt_plug.cpp GetPlug: Function [firstInit] Not Find in []!![")) << sLine;
+  EXPECT_TRUE(sLine.ends_with(": undefined symbol: firstInit]")) << sLine;
+  EXPECT_EQ(probes(), Texts{});
+}
+
 TEST_F(Refusal, CutsNoFunctionThatIsGiven) {
   const std::string sFunction(5000, 'f');
   EXPECT_EQ(start({"psName=\"first\" psFunction=\"" + sFunction + "\""}), -1);
@@ -144,9 +159,12 @@ TEST_F(Refusal, ByItsOwnInitialiser) {
 }
 
 TEST_F(Refusal, ByAnyResultButZero) {
+  Texts said = {"first opened", "first initialised"};
   for (const char *psResult : {"1", "-1", "2147483647"}) {
     EXPECT_EQ(start({"psName=\"first\" nResult=\"" + std::string(psResult) + "\""}), -1) << psResult;
     EXPECT_EQ(trail(), refusal("Func[firstInit] in [" + kFirst + "] Init err!!")) << psResult;
+    EXPECT_EQ(probes(), said) << psResult;
+    said = {"first initialised"};  // its code stays in the process
   }
 }
 
@@ -185,9 +203,14 @@ TEST_F(Refusal, OfANullSectionLeavesTheLoadedPlugInsAlone) {
 TEST_F(Refusal, OfASectionThatIsReadInThePlaceOfAnotherHasClosedThatOne) {
   ASSERT_EQ(start({"psName=\"first\""}), 0);
   const Section none("<Plug><Plug __ID=\"ptPlugs\"/></Plug>");
+  test::clearLog();
   EXPECT_EQ(cvtPlugInit(none.element(), cs("Plug")), nullptr);
   EXPECT_EQ(nGRet, -1);
   EXPECT_EQ(gptPlugInfo, nullptr);
+  EXPECT_EQ(probes(), Texts{});  // what it had registered is still callable: its code stays
+  void *const pKept = dlopen(kFirst.c_str(), RTLD_NOW | RTLD_NOLOAD);
+  ASSERT_NE(pKept, nullptr);
+  dlclose(pKept);
 }
 
 // --- Opening ------------------------------------------------------------------------------------------
@@ -269,6 +292,13 @@ TEST_F(Closing, AloneUnregistersNothing) {
   EXPECT_NE(cvtStrFindStringList(gptFmtGlobalInfo->ptInitList, cs("toy")), nullptr);
   EXPECT_NE(cvtGetMsg(cs("Order")), nullptr);
   EXPECT_NE(sttNewIdFunc(cs("toyName"), nullptr, nullptr), nullptr);
+}
+
+TEST_F(Closing, AloneLeavesConversionFunctionsRegistered) {
+  ASSERT_EQ(config.start(), 0);
+  cvtConvertAddFunction(cs("kept"), [](Value *, int, Value **, MemPort) { return 0; });
+  EXPECT_EQ(cvtPlugEnd(), 0);
+  EXPECT_NE(sttNewFunction(cs("kept"), nullptr), nullptr);
 }
 
 TEST_F(Closing, LeavesTheRecordsReadable) {

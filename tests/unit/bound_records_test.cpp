@@ -353,6 +353,14 @@ std::optional<std::string> broken(const Field &field) {
   return {};
 }
 
+// The source file that binds the records of a module.
+std::string unitOf(const Record &record) {
+  if (record.sModule == "cvt_message") return "stt_cvt_message.cpp";
+  if (record.sModule == "_cvt_message") return "cvt_message.cpp";
+  if (record.sModule == "cvt_convert") return "cvt_convert_bind.cpp";
+  return record.sModule + ".cpp";
+}
+
 void readBadly(const Record &record, const Field &field, const std::string &sBroken) {
   const bool bNext = field.kind == Kind::kNext;
   const Xml xml(document(record, attributes(record, Fill::kNeeded),
@@ -366,6 +374,7 @@ void readBadly(const Record &record, const Field &field, const std::string &sBro
   EXPECT_EQ(last.sText, parseStatement(field) + " is Err!!");
   EXPECT_EQ(last.nLevel, 1);
   EXPECT_EQ(last.sModule, "$cvt2");
+  EXPECT_EQ(last.sFile, unitOf(record));
   EXPECT_EQ(last.sFunction, "sttParseXml" + record.sType);
 }
 
@@ -419,8 +428,12 @@ void writeBadly(const Record &record, const Field &field, void *ptXmlNode, void 
   EXPECT_EQ(record.gen(memory.data(), ptXmlNode, typeOf(record)), nullptr);
   EXPECT_EQ(nGRet, -1);
   ASSERT_FALSE(test::logLines().empty());
-  EXPECT_EQ(test::logLines().back().sText, writeStatement(field) + " is Err!!");
-  EXPECT_EQ(test::logLines().back().sFunction, "sttGenXml" + record.sType);
+  const test::LogLine &last = test::logLines().back();
+  EXPECT_EQ(last.sText, writeStatement(field) + " is Err!!");
+  EXPECT_EQ(last.nLevel, 1);
+  EXPECT_EQ(last.sModule, "$cvt2");
+  EXPECT_EQ(last.sFile, unitOf(record));
+  EXPECT_EQ(last.sFunction, "sttGenXml" + record.sType);
 }
 
 void writeFieldBadly(const Record &record, const Field &field) {

@@ -119,9 +119,12 @@ TEST_F(LoopRule, RulesBehindTheLoopStandOnTheOuterLevelAgain) {
 TEST_F(LoopRule, DoesNotMoveTheCursorOfTheDefinition) {
   load({loopRule(src("Items"), dst("Rows"), kCodeToName)});
   addItems({"a", "b"});
+  cvtSetLoopCurrentTime(from.node("Items"), 1);
+  cvtSetLoopCurrentTime(to.node("Rows"), 0);
   EXPECT_EQ(runC(), 0);
-  EXPECT_EQ(cvtGetLoopCurrentTime(from.node("Items")), -1);
-  EXPECT_EQ(cvtGetLoopCurrentTime(to.node("Rows")), -1);
+  EXPECT_EQ(rows("Name"), "a b ");
+  EXPECT_EQ(cvtGetLoopCurrentTime(from.node("Items")), 1);
+  EXPECT_EQ(cvtGetLoopCurrentTime(to.node("Rows")), 0);
 }
 
 // --- The other shapes ------------------------------------------------------------------------------------

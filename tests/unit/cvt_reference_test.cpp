@@ -20,6 +20,13 @@ int countLoad(Msg *ptMsg) {
   return 0;
 }
 
+Names f_order;  // of the definitions as they were finished
+
+int noteOrder(Msg *ptMsg) {
+  f_order.push_back(ptMsg->psMsgName);
+  return 0;
+}
+
 class Reference : public ::testing::Test {
  protected:
   void SetUp() override { Definitions::format("flat", countLoad); }
@@ -237,6 +244,17 @@ TEST_F(Reference, LoadsOnlyFromTheDirectoryBeingRead) {
   m_definitions.file("two/Head.xml", definition("Head", {field("H")}));
   EXPECT_EQ(m_definitions.load({"one", "two"}), nullptr);
   EXPECT_TRUE(logged(1, "Message Parse [Head] From[one/Head.xml] err!!"));
+}
+
+TEST_F(Reference, InOneListTheLastIsLoadedFirst) {
+  Definitions::format("flat", noteOrder);
+  m_definitions.file("one/A.xml", definition("A", {reference("../two/X"), reference("../two/Y")}));
+  m_definitions.file("two/X.xml", definition("../two/X", {field("X")}));
+  EXPECT_EQ(m_definitions.load({"one"}), nullptr);
+  EXPECT_EQ(f_order, Names{}) << "nothing is loaded in front of one that is missing";
+  m_definitions.file("two/Y.xml", definition("../two/Y", {field("Y")}));
+  ASSERT_NE(m_definitions.load({"one"}), nullptr);
+  EXPECT_EQ(f_order, (Names{"../two/Y", "../two/X", "A"}));
 }
 
 // --- Failures

@@ -153,6 +153,19 @@ TEST_F(StringListTest, OnAMessageNodeANullInfoOrKeyIsCaughtToo) {
   expectErrors({{"cvtStrDupMem", "[psStr] is NULL"}, {"locStrListAdd", "[psString] is NULL"}});
 }
 
+TEST_F(StringListTest, ARefusedElementGivesNullAndLeavesTheListBehindIt) {
+  MemNode *const ptNode = cvtMemNewNode();
+  StringList *const pt = cvtStrAddStringListMem(nullptr, cs("a"), &f_n1, ptNode);
+  StringList element{};
+  EXPECT_EQ(cvtStrAddStringListMem(pt, cs("b"), &f_n2, nullptr), nullptr);
+  EXPECT_EQ(cvtStrAddStringListMem(pt, nullptr, &f_n2, ptNode), nullptr);
+  EXPECT_EQ(cvtStrAddStringListMem(pt, cs("b"), nullptr, ptNode), nullptr);
+  EXPECT_EQ(locStrListAdd(pt, &element, nullptr, &f_n2), nullptr);
+  EXPECT_EQ(locStrListAdd(pt, &element, cs("b"), nullptr), nullptr);
+  EXPECT_EQ(locStrListAdd(pt, nullptr, cs("b"), &f_n2), nullptr);
+  EXPECT_EQ(keys(pt), std::vector<std::string>{"a"});
+}
+
 TEST_F(StringListTest, TheIteratorReturnsEveryInfo) {
   StringList *pt = cvtStrAddStringList(nullptr, cs("a"), &f_n1);
   pt = cvtStrAddStringList(pt, cs("b"), &f_n2);
@@ -253,6 +266,20 @@ TEST_F(OrderedList, AGivenElementIsCheckedUnderItsOwnName) {
                 {"locStrListAddOrder", "[ptAddInfo] is NULL"},
                 {"locStrListAddOrder", "[ptAdd] is NULL"},
                 {"locStrListAddOrder", "[ptAddInfo] is NULL"}});
+}
+
+TEST_F(OrderedList, ARefusedElementGivesNullAndLeavesTheListInFrontOfIt) {
+  MemNode *const ptNode = cvtMemNewNode();
+  StringList *const pt = cvtStrAddStringListOrder(nullptr, cs("a"), &f_n1);
+  StringList element{};
+  EXPECT_EQ(cvtStrAddStringListOrder(pt, nullptr, &f_n2), nullptr);
+  EXPECT_EQ(cvtStrAddStringListOrderMem(pt, cs("b"), &f_n2, nullptr), nullptr);
+  EXPECT_EQ(cvtStrAddStringListOrderMem(pt, cs("b"), nullptr, ptNode), nullptr);
+  EXPECT_EQ(locStrListAddOrder(pt, &element, nullptr, &f_n2), nullptr);
+  EXPECT_EQ(locStrListAddOrder(pt, &element, cs("b"), nullptr), nullptr);
+  EXPECT_EQ(locStrListAddOrder(pt, nullptr, cs("b"), &f_n2), nullptr);
+  EXPECT_EQ(keys(pt), std::vector<std::string>{"a"});
+  freeKeys(pt);
 }
 
 // --- Copies in a message node ------------------------------------------------------------------------------

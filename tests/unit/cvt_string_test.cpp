@@ -67,6 +67,11 @@ TEST_F(Base64, LineEndsBetweenGroupsAreSkipped) {
   EXPECT_EQ(decoded("QUJD\r\nREVG"), "ABCDEF");
   EXPECT_EQ(decoded("\n\r\n\nQUJD\n\n\nREVG\r\n"), "ABCDEF");
 }
+TEST_F(Base64, ACarriageReturnAloneIsALineEnd) {
+  EXPECT_EQ(decoded("QUJD\rREVG"), "ABCDEF");
+  EXPECT_EQ(decoded("\rQUJDREVG"), "ABCDEF");
+  EXPECT_EQ(decoded("QUJDREVG\r"), "ABCDEF");
+}
 TEST_F(Base64, OnlyLineEndsAreNothing) {
   EXPECT_EQ(decoded("\r\n\r\n\n"), "");
 }
@@ -98,6 +103,7 @@ TEST_F(Base64, LineEndsInsideAGroupAreNotSkipped) {
   const Decoded result = decode("QU\nJDREVG...", 9, 9);  // "QU\nJ", "DREV", and what stands at "G"
   EXPECT_EQ(result.nResult, 0);
   EXPECT_EQ(result.nLen, 9);
+  EXPECT_EQ(result.bytes, std::string("A@\t\r\x11\x15\x18\0\0", 9));
 }
 
 TEST_F(Base64, APartialGroupIsDecodedFromTheFourBytesThatStandThere) {
@@ -109,6 +115,7 @@ TEST_F(Base64, APartialGroupIsDecodedFromTheFourBytesThatStandThere) {
 TEST_F(Base64, APartialGroupIsNotWrittenBeyondTheCapacity) {
   const Decoded result = decode("QUJDREVG", 5, 3);
   EXPECT_EQ(result.nResult, -1);
+  EXPECT_EQ(result.nLen, 3);
   EXPECT_EQ(result.bytes, "ABC");
 }
 
@@ -194,18 +201,21 @@ TEST_F(CodeConvert, TooSmallACapacityLeavesTheLengthUnchanged) {
     EXPECT_EQ(result.nResult, -1);
     EXPECT_EQ(result.nLen, nCapacity);
   }
+  EXPECT_TRUE(test::logLines().empty());
 }
 
 TEST_F(CodeConvert, AnUnknownCharacterSetFails) {
   EXPECT_EQ(convert("NO-SUCH-SET", "UTF-8", "a", 8).nResult, -1);
   EXPECT_EQ(convert("UTF-8", "NO-SUCH-SET", "a", 8).nResult, -1);
   EXPECT_EQ(convert("UTF-8", "NO-SUCH-SET", "a", 8).nLen, 8);
+  EXPECT_TRUE(test::logLines().empty());
 }
 
 TEST_F(CodeConvert, InvalidAndCutInputFails) {
   EXPECT_EQ(convert("UTF-8", "GB18030", "a\xff", 8).nResult, -1);
   EXPECT_EQ(convert("UTF-8", "GB18030", "a\xe4\xb8", 8).nResult, -1);
   EXPECT_EQ(convert("UTF-8", "WINDOWS-1252", "\xe4\xb8\xad", 8).nResult, -1);
+  EXPECT_TRUE(test::logLines().empty());
 }
 
 TEST_F(CodeConvert, NoInputIsNoOutput) {
@@ -312,6 +322,7 @@ TEST_F(Antoi, NoLengthOrNoBufferIsZero) {
   EXPECT_EQ(cvtStrAntoi(sText, 0), 0);
   EXPECT_EQ(cvtStrAntoi(sText, -1), 0);
   EXPECT_EQ(cvtStrAntoi(nullptr, 3), 0);
+  EXPECT_TRUE(test::logLines().empty());
 }
 
 struct Split {

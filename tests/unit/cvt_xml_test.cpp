@@ -396,6 +396,27 @@ TEST_F(XmlRead, AFileHasNoBlankNodesHoweverLongTheBlanksAre) {
   }
 }
 
+// A buffer is there at once; of long blanks with carriage returns the reader sees pieces all the same.
+void expectNoBlanks(const std::string &sDeclaration) {
+  for (const std::string sBlank : {"\n", "\r\n"}) {
+    for (const size_t nBlanks : {size_t{1}, size_t{240}, size_t{4000}, size_t{100000}}) {
+      std::string sBlanks;
+      for (size_t i = 0; i < nBlanks; ++i) sBlanks += sBlank;
+      const Xml xml(sDeclaration + "<a>" + sBlanks + "<b> </b>" + sBlanks + "<!--c-->" + sBlanks + "<d><e/>" +
+                    sBlanks + "</d>" + sBlanks + "</a>");
+      EXPECT_TRUE(xml.text() == "<a><b> </b><!--c--><d><e/></d></a>") << nBlanks << " of " << sBlank.size();
+    }
+  }
+}
+
+TEST_F(XmlRead, ABufferHasNoBlankNodesHoweverLongTheBlanksAre) {
+  expectNoBlanks("");
+}
+
+TEST_F(XmlRead, ABufferOfADeclaredEncodingHasNoBlankNodesEither) {
+  expectNoBlanks("<?xml version='1.0' encoding='ISO-8859-1'?>");
+}
+
 TEST_F(XmlRead, AFileKeepsTheBlanksOfTexts) {
   ConfigTree tree;
   const std::string sBlanks(4000, ' ');

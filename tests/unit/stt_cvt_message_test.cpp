@@ -199,6 +199,28 @@ TEST_F(DefinitionRecords, WhatTheLibraryWorksOutIsNotWritten) {
   EXPECT_EQ(xmlGetNodeAttr(element.get(), cs("nType")), nullptr);
 }
 
+TEST_F(DefinitionRecords, AnIndexHasAtMostAQuarterOfAMillionNodes) {
+  const int nMaxValueNum = gnMaxValueNum;
+  constexpr size_t kMost = 262144;
+  for (const size_t nNodes : {kMost, kMost + 1}) {
+    std::vector<Message> nodes(nNodes);
+    std::vector<StructAttr> attributes(nNodes);
+    for (size_t i = 0; i < nNodes; ++i) {
+      nodes[i].psNodeName = cs("N");
+      nodes[i].nIndex = -1;
+      nodes[i].ptStructAttr = &attributes[i];
+      if (i + 1 < nNodes) attributes[i].ptNextNode = &nodes[i + 1];
+    }
+    int nNum = -1;
+    Message **const pptIdx = cvtCreateMessageIdx(nodes.data(), &nNum);
+    EXPECT_EQ(pptIdx != nullptr, nNodes == kMost);
+    EXPECT_EQ(nNum, nNodes == kMost ? static_cast<int>(kMost) : -1);
+  }
+  EXPECT_EQ(logTexts(),
+            Names{"Message[N] and what follows has more than [262144] nodes: refer to fewer definitions"});
+  gnMaxValueNum = nMaxValueNum;
+}
+
 // --- From a file to a Msg
 // ------------------------------------------------------------------------------------
 
@@ -284,6 +306,21 @@ TEST_F(DefinitionFile, WithAnUnknownRecordInAVoidFieldIsStillRead) {
   ASSERT_NE(m_definitions.load(), nullptr);
   EXPECT_EQ(logTexts(), (Names{"Type[Strange] Not Define"}));
   EXPECT_EQ(cvtGetMsg(cs("Order"))->pInfo, nullptr);
+}
+
+TEST_F(DefinitionFile, OfACountedNodeWithAnotherRecordIsRefusedWhereItsCountIsResolved) {
+  Definitions::format("flat", [](Msg *ptMsg) { return cvtLoopSetLoopNumIndex(ptMsg->pptMessageIdx); });
+  m_definitions.file("msg/Order.xml",
+                     "<flat><Msg psMsgName='Order'><Message __ID='ptHead' psNodeName='C'>"
+                     "<StructAttr __ID='ptStructAttr' nType='5'><FormatAttr __ID='pInfo'/></StructAttr>"
+                     "</Message></Msg></flat>");
+  EXPECT_EQ(m_definitions.load(), nullptr);
+  EXPECT_EQ(logTexts(), failedSection({"File[" + m_definitions.path("msg/Order.xml") +
+                                           "] Line[1] Element[FormatAttr]: it is not used: expected "
+                                           "<LoopType> as pInfo of <StructAttr>",
+                                       "[ptLoopType = (LoopType *)pptIdx[i]->ptStructAttr->pInfo] is NULL",
+                                       "Format [flat] Init Err!!"},
+                                      "Order"));
 }
 
 TEST_F(DefinitionFile, LogsUnderTheLibrarysModule) {

@@ -71,6 +71,21 @@ TEST_F(SttAttribute, AnIntIsTheNumberTheTextBeginsWith) {
   EXPECT_EQ(readBy(sttParseXmlInt, "<a/>"), 0);
 }
 
+TEST_F(SttAttribute, ANumberIsDecimal) {
+  EXPECT_EQ(readBy(sttParseXmlInt, "<a n='010'/>"), 10);
+  EXPECT_EQ(readBy(sttParseXmlInt, "<a n='08'/>"), 8);
+  EXPECT_EQ(readBy(sttParseXmlInt, "<a n='0x1F'/>"), 0);
+  EXPECT_EQ(readBy(sttParseXmlLong, "<a n='010'/>"), 10);
+  EXPECT_EQ(readBy(sttParseXmlLong, "<a n='08'/>"), 8);
+  EXPECT_EQ(readBy(sttParseXmlLong, "<a n='0x1F'/>"), 0);
+}
+
+TEST_F(SttAttribute, ALongIsTheNumberTheTextBeginsWith) {
+  EXPECT_EQ(readBy(sttParseXmlLong, "<a n=' 7th'/>"), 7);
+  EXPECT_EQ(readBy(sttParseXmlLong, "<a n='x'/>"), 0);
+  EXPECT_EQ(readBy(sttParseXmlLong, "<a n=''/>"), 0);
+}
+
 TEST_F(SttAttribute, AnIntIsWrittenUnlessZero) {
   EXPECT_EQ(written(sttGenerateXmlInt, 12), "<a n=\"12\"/>");
   EXPECT_EQ(written(sttGenerateXmlInt, INT_MIN), "<a n=\"-2147483648\"/>");
@@ -394,9 +409,26 @@ std::string writeVoid(const char *psType) {
 }
 
 TEST_F(SttVoid, IsWrittenUnderTheTypeRecordedForIt) {
+  f_sCalls.clear();
   EXPECT_EQ(writeVoid("Known"), "<a><b/><Known __ID=\"pInfo\" psName=\"x\"/></a>");
+  EXPECT_EQ(f_sCalls, "(pInfo,pInfo,Known)");
   EXPECT_EQ(nGRet, 0);
   EXPECT_EQ(logTexts(0), Texts{});
+}
+
+TEST_F(SttVoid, ItsFieldsNameIsHandedToTheDispatcher) {
+  f_sCalls.clear();
+  sttAddFuncVoid(parseKnown, writeKnown);
+  const Xml xml("<a/>");
+  EXPECT_EQ(sttGenVoid(cs("x"), xml.root(), cs("pInfo"), cs("Known")), xml.root());
+  EXPECT_EQ(f_sCalls, "(null,pInfo,Known)");
+}
+
+TEST_F(SttVoid, ABaseStringThatTheChainKnowsIsWrittenByItWithItsFieldsName) {
+  f_sCalls.clear();
+  sttAddFuncVoid(parseName, writeName);
+  EXPECT_EQ(writeVoid("String"), "<a><b/><String __ID=\"pInfo\" psName=\"x\"/></a>");
+  EXPECT_EQ(f_sCalls, "(pInfo,pInfo,String)");
 }
 
 TEST_F(SttVoid, ANullRecordIsNotWritten) {

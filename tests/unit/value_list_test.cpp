@@ -254,15 +254,17 @@ TEST_F(Lists, StoringRefusesNullArguments) {
 
 TEST_F(Lists, AStoreThatFailsLeavesTheSlotAsItWas) {
   store(0, "kept");
+  EXPECT_EQ(cvtDumpValue(slot(0), nullptr, 3, m_ptNode), -1);
   EXPECT_EQ(cvtDumpValue(slot(0), cs("new"), 3, nullptr), -1);
   EXPECT_EQ(cvtDumpValue(slot(0), cs("new"), -1, m_ptNode), -1);
   EXPECT_EQ(cvtDumpValue(slot(0), cs("new"), INT_MAX, m_ptNode), -1);
   EXPECT_EQ(cvtDumpValue(slot(0), cs("new"), INT_MIN, m_ptNode), -1);
   EXPECT_EQ(slot(0)->nLen, 4);
   EXPECT_STREQ(slot(0)->psValue, "kept");
-  EXPECT_EQ(logTexts(), (Names{"[ptNode] is NULL", "Value Length[-1] is not in [0] .. [2147483646]",
-                               "Value Length[2147483647] is not in [0] .. [2147483646]",
-                               "Value Length[-2147483648] is not in [0] .. [2147483646]"}));
+  EXPECT_EQ(logTexts(),
+            (Names{"[psBuf] is NULL", "[ptNode] is NULL", "Value Length[-1] is not in [0] .. [2147483646]",
+                   "Value Length[2147483647] is not in [0] .. [2147483646]",
+                   "Value Length[-2147483648] is not in [0] .. [2147483646]"}));
 }
 
 // --- Repetitions

@@ -388,7 +388,8 @@ void *xmlParse(char *psBuf, int nLen) {
 
 void *xmlParse2(char *psBuf, int nLen) {
   const Quiet quiet;
-  return quiet.whole(xmlReadMemory(psBuf, nLen, nullptr, nullptr, XML_PARSE_NOBLANKS), xmlFreeDoc);
+  return quiet.whole(cvt::withoutBlanks(xmlReadMemory(psBuf, nLen, nullptr, nullptr, XML_PARSE_NOBLANKS)),
+                     xmlFreeDoc);
 }
 
 void *xmlFileParse(char *psFileName) {

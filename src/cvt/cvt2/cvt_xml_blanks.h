@@ -1,7 +1,7 @@
 // cvt_xml_blanks.h: blanks between elements, which mean nothing. Private.
 //
-// libxml2 leaves out those that it sees together with what follows them. A file is read in pieces: what crosses the
-// end of one is taken for text, and would end a list of records.
+// libxml2 leaves out those that it sees together with what follows them. What it sees in pieces, a file or long blanks
+// with carriage returns, it takes for text, which would end a list of records.
 #pragma once
 
 #include <libxml/tree.h>
