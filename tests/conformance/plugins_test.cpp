@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "cvt.h"
 #include "toy_config.h"
@@ -12,6 +13,16 @@ using test::cs;
 using test::Texts;
 using test::then;
 using test::trail;
+
+namespace {
+std::vector<void *> f_closed;
+}
+
+// Stands before the loader's own.
+extern "C" __attribute__((visibility("default"))) int dlclose(void *pHandle) {
+  f_closed.push_back(pHandle);
+  return reinterpret_cast<int (*)(void *)>(dlsym(RTLD_NEXT, "dlclose"))(pHandle);
+}
 
 namespace {
 
@@ -201,13 +212,16 @@ TEST_F(Refusal, OfANullSectionLeavesTheLoadedPlugInsAlone) {
 }
 
 TEST_F(Refusal, OfASectionThatIsReadInThePlaceOfAnotherHasClosedThatOne) {
-  ASSERT_EQ(start({"psName=\"first\""}), 0);
+  ASSERT_EQ(start({"psName=\"first\"", "psName=\"second\""}), 0);
+  const std::vector<void *> opened = {gptPlugInfo->ptPlugs->ptInfo, gptPlugInfo->ptPlugs->ptNext->ptInfo};
   const Section none("<Plug><Plug __ID=\"ptPlugs\"/></Plug>");
   test::clearLog();
+  f_closed.clear();
   EXPECT_EQ(cvtPlugInit(none.element(), cs("Plug")), nullptr);
   EXPECT_EQ(nGRet, -1);
   EXPECT_EQ(gptPlugInfo, nullptr);
-  EXPECT_EQ(probes(), Texts{});  // what it had registered is still callable: its code stays
+  EXPECT_EQ(f_closed, opened);
+  EXPECT_EQ(probes(), Texts{});  // what they had registered is still callable: their code stays
   void *const pKept = dlopen(kFirst.c_str(), RTLD_NOW | RTLD_NOLOAD);
   ASSERT_NE(pKept, nullptr);
   dlclose(pKept);
