@@ -35,9 +35,10 @@ class PlugIns : public testing::Test {
   void TearDown() override { cvtEnd(); }
 
   // A start with a "Plug" section of these plug-ins and nothing else.
-  int start(const Texts &plugs) {
+  int start(const Texts &plugs) { return startSection(test::plugSection(plugs)); }
+  int startSection(const std::string &sSection) {
     config.root = {};
-    config.root.sPlug = test::plugSection(plugs);
+    config.root.sPlug = sSection;
     config.writeRoot();
     test::clearLog();
     return config.start();
@@ -140,6 +141,12 @@ TEST_F(Refusal, WithoutAnInitialiser) {
   EXPECT_EQ(trail(), refusal("Function [nothing] Not Find in [" + kFirst + "]!![" + kFirst +
                              ": undefined symbol: nothing]"));
   EXPECT_EQ(probes(), (Texts{"first opened", "first closed"}));
+}
+
+TEST_F(Refusal, OfACutFileWhereTheLoaderSearches) {
+  EXPECT_EQ(startSection("<Plug __ID='ptPlug'><Plug __ID='ptPlugs' psName='cut'/></Plug>"), -1);
+  EXPECT_EQ(trail(), refusal("dlopen Err:" + kBase +
+                             "libcvt_plug_cut.so: the file ends before its last segment: copy it anew!!"));
 }
 
 TEST_F(Refusal, OfAnEmptyFunctionThatIsGiven) {

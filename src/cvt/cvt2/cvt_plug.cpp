@@ -89,7 +89,7 @@ cvt::String foundAt(const char *psFile) {
   *ptPaths = tSize;
   if (dlinfo(pSelf, RTLD_DI_SERINFO, ptPaths) != 0) return psFile;
   for (unsigned i = 0; i < ptPaths->dls_cnt; ++i) {
-    const cvt::String sFile = cvt::String(ptPaths->dls_serpath[i].dls_name) + "/" + psFile;
+    cvt::String sFile = cvt::String(ptPaths->dls_serpath[i].dls_name) + "/" + psFile;
     if (access(sFile.c_str(), R_OK) == 0) return sFile;
   }
   return psFile;
