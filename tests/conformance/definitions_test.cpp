@@ -190,6 +190,37 @@ TEST_F(Naming, ByTheFormatsInitialiserComesBeforeALaterNodeOfThatName) {
   EXPECT_EQ(cvtGetNodeIdx(cvtLoopGetIdx(nodeNamed(indexOf("Order"), "L")), cs("y")), 0);
 }
 
+TEST_F(Naming, OfALoadedDefinitionFollowsItsNodes) {
+  m_definitions.add("Order", {field("A"), field("B"), field("b"), field("C")});
+  ASSERT_NE(m_definitions.load(), nullptr);
+  Message **const pptIdx = indexOf("Order");
+  cvtIdxNode(pptIdx, 1)->psNodeName = cs("Fresh");
+  EXPECT_EQ(cvtGetNodeIdx(pptIdx, cs("B")), 2);
+  EXPECT_EQ(cvtGetNodeIdx(pptIdx, cs("fresh")), 1);
+  std::memset(static_cast<void *>(pptIdx + 3), 0, sizeof *pptIdx);
+  EXPECT_EQ(cvtGetNodeIdx(pptIdx, cs("C")), -1);
+}
+
+TEST_F(Naming, TakesADefinitionAsItsFormatLeavesIt) {
+  Definitions::format("flat", [](Msg *ptMsg) {
+    Message **const pptIdx = ptMsg->pptMessageIdx;
+    nodeNamed(pptIdx, "A")->ptStructAttr = nullptr;
+    static_cast<LoopType *>(nodeNamed(pptIdx, "M")->ptStructAttr->pInfo)->pptMessageIdx = nullptr;
+    nodeNamed(pptIdx, "L")->ptStructAttr->pInfo = nullptr;
+    nodeNamed(pptIdx, "B")->psNodeName = nullptr;
+    if (std::string(ptMsg->psMsgName) == "Bare") ptMsg->pptMessageIdx = nullptr;
+    return 0;
+  });
+  for (const char *psMsg : {"Order", "Bare"}) {
+    m_definitions.add(psMsg, {field("A"), field("B"), loop("L", "", {field("X")}),
+                              loop("M", "", {field("Y")}), field("C")});
+  }
+  ASSERT_NE(m_definitions.load(), nullptr);
+  EXPECT_EQ(cvtGetNodeIdx(indexOf("Order"), cs("B")), -1);
+  EXPECT_EQ(cvtGetNodeIdx(indexOf("Order"), cs("C")), 6);
+  EXPECT_EQ(indexOf("Bare"), nullptr);
+}
+
 TEST_F(Naming, ByTheFormatsInitialiserIsKnownToItsCountFields) {
   Definitions::format("flat", [](Msg *ptMsg) {
     cvtIdxNode(ptMsg->pptMessageIdx, 0)->psNodeName = cs("Count");

@@ -155,6 +155,7 @@ TEST_F(Choosing, PairsHungBehindLoadedOnesByHandAreFound) {
   EXPECT_EQ(chosen("Z"), "ToOut");
   ptDefault->ptNext =
       sttNewIdCvtInfo(cs("X"), cs("ToOther"), sttNewIdCvtInfo(cs(""), cs("ToOther"), nullptr));
+  ptDefault->ptNext->ptNext->ptNext = sttNewIdCvtInfo(nullptr, cs("ToOut"), nullptr);
   EXPECT_EQ(chosen("Z"), "ToOther");  // the later default
   EXPECT_EQ(chosen("X"), "ToOut");    // the first of a format
 }

@@ -515,6 +515,8 @@ TEST_F(Chain, OfPipelinesThatWereHungBehindTheLoadedOnesRuns) {
   EXPECT_EQ(fucParse(cs("later"), &a, nullptr), -1);
   ptFirst->ptNext = pipeline("f", "two");  // known: the first of a format runs
   ptFirst->ptNext->ptNext = pipeline("later", "three");
+  ptFirst->ptNext->ptNext->psFormatId = nullptr;
+  ptFirst->ptNext->ptNext->ptNext = pipeline("later", "three");
   EXPECT_EQ(fucParse(cs("later"), &a, nullptr), 0);
   EXPECT_EQ(fucParse(cs("f"), &a, nullptr), 0);
   EXPECT_EQ(called(), "2131");
