@@ -361,6 +361,17 @@ std::string unitOf(const Record &record) {
   return record.sModule + ".cpp";
 }
 
+// The line of a statement that failed is the last one.
+void expectLast(const Record &record, const std::string &sStatement, const std::string &sFunction) {
+  ASSERT_FALSE(test::logLines().empty());
+  const test::LogLine &last = test::logLines().back();
+  EXPECT_EQ(last.sText, sStatement + " is Err!!");
+  EXPECT_EQ(last.nLevel, 1);
+  EXPECT_EQ(last.sModule, "$cvt2");
+  EXPECT_EQ(last.sFile, unitOf(record));
+  EXPECT_EQ(last.sFunction, sFunction + record.sType);
+}
+
 void readBadly(const Record &record, const Field &field, const std::string &sBroken) {
   const bool bNext = field.kind == Kind::kNext;
   const Xml xml(document(record, attributes(record, Fill::kNeeded),
@@ -369,13 +380,7 @@ void readBadly(const Record &record, const Field &field, const std::string &sBro
   nGRet = 0;
   EXPECT_EQ(read(record, xml), nullptr);
   EXPECT_EQ(nGRet, -1);
-  ASSERT_FALSE(test::logLines().empty());
-  const test::LogLine &last = test::logLines().back();
-  EXPECT_EQ(last.sText, parseStatement(field) + " is Err!!");
-  EXPECT_EQ(last.nLevel, 1);
-  EXPECT_EQ(last.sModule, "$cvt2");
-  EXPECT_EQ(last.sFile, unitOf(record));
-  EXPECT_EQ(last.sFunction, "sttParseXml" + record.sType);
+  expectLast(record, parseStatement(field), "sttParseXml");
 }
 
 TEST_F(EachRecord, FailsWithAFieldThatCannotBeReadAndQuotesTheStatement) {
@@ -427,13 +432,7 @@ void writeBadly(const Record &record, const Field &field, void *ptXmlNode, void 
   nGRet = 0;
   EXPECT_EQ(record.gen(memory.data(), ptXmlNode, typeOf(record)), nullptr);
   EXPECT_EQ(nGRet, -1);
-  ASSERT_FALSE(test::logLines().empty());
-  const test::LogLine &last = test::logLines().back();
-  EXPECT_EQ(last.sText, writeStatement(field) + " is Err!!");
-  EXPECT_EQ(last.nLevel, 1);
-  EXPECT_EQ(last.sModule, "$cvt2");
-  EXPECT_EQ(last.sFile, unitOf(record));
-  EXPECT_EQ(last.sFunction, "sttGenXml" + record.sType);
+  expectLast(record, writeStatement(field), "sttGenXml");
 }
 
 void writeFieldBadly(const Record &record, const Field &field) {

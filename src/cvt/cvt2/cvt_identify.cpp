@@ -309,16 +309,21 @@ class Choices {
  public:
   explicit Choices(const IdCvtInfo *ptList) {
     if (ptList != nullptr) take(ptList);
+    follow();
   }
 
   Converter *choose(const char *psFormatId) {
-    while (m_ptLast != nullptr && m_ptLast->ptNext != nullptr) take(m_ptLast->ptNext);
+    follow();
     const auto it = m_byFormat.find(psFormatId);
     const IdCvtInfo *const pt = it != m_byFormat.end() ? it->second : m_ptDefault;
     return pt == nullptr ? nullptr : static_cast<Converter *>(pt->ptConverter);
   }
 
  private:
+  void follow() {
+    while (m_ptLast != nullptr && m_ptLast->ptNext != nullptr) take(m_ptLast->ptNext);
+  }
+
   void take(const IdCvtInfo *pt) {
     m_ptLast = pt;
     if (pt->psFormatId == nullptr) return;
